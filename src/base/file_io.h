@@ -1,0 +1,18 @@
+#pragma once
+// Whole-file reads and crash-safe writes.
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace sw::base {
+
+// The file's bytes, or nothing (with `error` set when given) when it cannot be read.
+std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std::error_code* error = nullptr);
+
+// Writes `bytes` to a temporary file beside `path`, flushes it to disk and renames it over `path`,
+// so a reader sees either the old or the new contents, never a torn file.
+std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes);
+
+}  // namespace sw::base

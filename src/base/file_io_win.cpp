@@ -1,0 +1,33 @@
+#include <windows.h>
+
+#include <random>
+
+#include "base/file_io.h"
+
+namespace sw::base {
+
+std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
+  std::random_device random;
+  const auto temp = path.parent_path() / (path.filename().wstring() + L".tmp" +
+                                          std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(random()));
+  HANDLE file = CreateFileW(temp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return {static_cast<int>(GetLastError()), std::system_category()};
+  std::error_code result;
+  for (std::size_t done = 0; done < bytes.size() && !result;) {
+    DWORD written = 0;
+    const DWORD chunk = static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 30));
+    if (!WriteFile(file, bytes.data() + done, chunk, &written, nullptr)) {
+      result = {static_cast<int>(GetLastError()), std::system_category()};
+    }
+    done += written;
+  }
+  if (!result && !FlushFileBuffers(file)) result = {static_cast<int>(GetLastError()), std::system_category()};
+  CloseHandle(file);
+  if (!result && !MoveFileExW(temp.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+    result = {static_cast<int>(GetLastError()), std::system_category()};
+  }
+  if (result) DeleteFileW(temp.c_str());
+  return result;
+}
+
+}  // namespace sw::base

@@ -1,0 +1,27 @@
+#pragma once
+// Small text helpers with the Windows semantics the program relies on.
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sw::base {
+
+// VB's Trim: removes leading and trailing spaces only.
+std::string_view TrimSpaces(std::string_view text);
+
+// Removes the blanks the Windows profile and registry readers strip: space, tab, CR, LF, VT, FF.
+std::string_view TrimBlanks(std::string_view text);
+
+std::string AsciiUpper(std::string_view text);
+std::string AsciiLower(std::string_view text);
+
+// Case-insensitive comparison as Windows compares key, value and file names: ASCII letters and the
+// Latin-1 letters of UTF-8 text fold together (å/Å, ä/Ä, ö/Ö).
+bool EqualsIgnoreCase(std::string_view a, std::string_view b);
+// <0, 0, >0 like strcmp, ignoring case as above.
+int CompareIgnoreCase(std::string_view a, std::string_view b);
+
+// Splits at every occurrence of `separator`; an empty text gives one empty piece.
+std::vector<std::string_view> Split(std::string_view text, char separator);
+
+}  // namespace sw::base
