@@ -22,10 +22,12 @@ std::string RegistrySettings::KeyPath(std::string_view section, std::string_view
 
 std::string RegistrySettings::GetAppSetting(std::string_view key, std::string_view defaultValue,
                                             std::string_view section, std::string_view appName) {
-  return cadenv::ReadRegistryValue(registry_, RootKey::kCurrentUser, KeyPath(section, appName), key, defaultValue);
+  return cadenv::ReadRegistryValue(registry_, RootKey::kCurrentUser, KeyPath(section, appName), key,
+                                   defaultValue);
 }
 
-void RegistrySettings::SaveAppSetting(std::string_view key, std::string_view value, std::string_view section) {
+void RegistrySettings::SaveAppSetting(std::string_view key, std::string_view value,
+                                      std::string_view section) {
   registry_.SetStringValue(RootKey::kCurrentUser, KeyPath(section), key, value);
 }
 

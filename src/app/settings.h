@@ -19,7 +19,8 @@ class Settings {
   // The stored REG_SZ text, or `defaultValue` when the value is missing, not REG_SZ or empty.
   virtual std::string GetAppSetting(std::string_view key, std::string_view defaultValue,
                                     std::string_view section = {}, std::string_view appName = {}) = 0;
-  virtual void SaveAppSetting(std::string_view key, std::string_view value, std::string_view section = {}) = 0;
+  virtual void SaveAppSetting(std::string_view key, std::string_view value,
+                              std::string_view section = {}) = 0;
   virtual void DeleteAppSetting(std::string_view key, std::string_view section = {}) = 0;
 };
 
@@ -27,8 +28,8 @@ class Settings {
 class RegistrySettings final : public Settings {
  public:
   explicit RegistrySettings(cadenv::Registry& registry);
-  std::string GetAppSetting(std::string_view key, std::string_view defaultValue, std::string_view section = {},
-                            std::string_view appName = {}) override;
+  std::string GetAppSetting(std::string_view key, std::string_view defaultValue,
+                            std::string_view section = {}, std::string_view appName = {}) override;
   void SaveAppSetting(std::string_view key, std::string_view value, std::string_view section = {}) override;
   void DeleteAppSetting(std::string_view key, std::string_view section = {}) override;
 

@@ -19,7 +19,8 @@ std::string EnumRegistryKey(Registry& registry, RootKey root, std::string_view k
   return *name;
 }
 
-EnumeratedValue EnumRegistryValue(Registry& registry, RootKey root, std::string_view keyPath, std::size_t index) {
+EnumeratedValue EnumRegistryValue(Registry& registry, RootKey root, std::string_view keyPath,
+                                  std::size_t index) {
   EnumeratedValue entry;
   entry.index = index;
   const auto value = registry.ValueAt(root, keyPath, index);
@@ -36,10 +37,9 @@ EnumeratedValue EnumRegistryValue(Registry& registry, RootKey root, std::string_
     char digits[16];
     std::snprintf(digits, sizeof digits, "%03u", number);
     entry.data = digits;
-  } else if (value->type == ValueType::kString || value->type == ValueType::kExpandString) {
-    // The ANSI call returns the data up to its terminating NUL.
-    entry.data = value->data.substr(0, value->data.find('\0'));
   } else {
+    // Enumeration takes the data to its length less the terminator, so unlike the single-value read
+    // a NUL inside a string stays; RegistryValue already holds string data without its terminator.
     entry.data = value->data;
   }
   return entry;

@@ -2,6 +2,7 @@
 // Registry access. The CAD system keeps its directories in the registry and the program keeps its
 // settings there; on Linux the same keys live in a regedit-format file (portable_registry.h).
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,6 +28,8 @@ struct RegistryValue {
   // kString, kExpandString: UTF-8 text without terminator. kMultiString: the strings joined by '\0'.
   // Every other type: the raw data bytes.
   std::string data;
+
+  bool operator==(const RegistryValue&) const = default;
 };
 
 // The platform seam. Key paths are relative to the root, with "\" separators; a trailing "\" is
@@ -49,6 +52,10 @@ class Registry {
   virtual bool DeleteValue(RootKey root, std::string_view keyPath, std::string_view valueName) = 0;
 };
 
+// The current user's registry: the Windows registry on Windows, elsewhere the portable registry file
+// named by the environment (see PortableRegistry::DefaultPath).
+std::unique_ptr<Registry> OpenUserRegistry();
+
 // The text enumeration answers with past the last entry or on any failure.
 inline constexpr std::string_view kNotFound = "Not Found";
 
@@ -68,6 +75,7 @@ struct EnumeratedValue {
   std::string data;
   bool NotFound() const { return name == kNotFound && data == kNotFound; }
 };
-EnumeratedValue EnumRegistryValue(Registry& registry, RootKey root, std::string_view keyPath, std::size_t index);
+EnumeratedValue EnumRegistryValue(Registry& registry, RootKey root, std::string_view keyPath,
+                                  std::size_t index);
 
 }  // namespace sw::cadenv

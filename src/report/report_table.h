@@ -7,8 +7,12 @@
 // truncate, set a colour over a cell range, remove a row by index, move a column), so the preview
 // rules can be written as they are specified. Storage is compact: a 200,000-row dump must load in a
 // fraction of a second and within a small multiple of the file's size.
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,15 +34,22 @@ class ReportTable {
  public:
   // One column and only the heading row.
   ReportTable();
+  ReportTable(const ReportTable& other);
+  ReportTable& operator=(const ReportTable& other);
+  ReportTable(ReportTable&&) noexcept = default;
+  ReportTable& operator=(ReportTable&&) noexcept = default;
+  ~ReportTable();
 
   int Rows() const;
   int Cols() const;
   // Truncates or appends empty default-coloured rows; at least 1 (the heading row stays).
   void SetRows(int rows);
-  // Drops or appends columns on every row; at least 1.
+  // Drops or appends columns on every row; at least 1. Columns added later start empty and
+  // default-coloured, also where a narrower table once had text.
   void SetCols(int cols);
 
-  // Out-of-range coordinates read as empty text / default colour / no picture / no check state.
+  // Out-of-range coordinates read as empty text / default colour / no picture / no check state, and
+  // writes to them are ignored. A returned view stays valid until the table is next changed.
   std::string_view Text(int row, int col) const;
   void SetText(int row, int col, std::string_view text);
 
@@ -62,13 +73,68 @@ class ReportTable {
 
   RowClass ClassOf(int row) const;
 
-  // Appends a row of fields as the grid's AddGridRow does (see report/add_grid_row.h).
+  // Appends a row of fields as the grid's AddGridRow does: see report/add_grid_row.h.
+
+  // Sets cells (row, 0) .. (row, n-1) to `texts`, n capped at Cols(); the row's other cells keep
+  // their text. One call per row instead of one per cell keeps a large load cheap.
+  void SetRowTexts(int row, std::span<const std::string_view> texts);
+
+  // The row's cell texts from column 0 on, up to its last non-empty cell (views valid until the table
+  // changes). Cheaper than Text() per cell on wide rows.
+  std::vector<std::string_view> RowTexts(int row) const;
+
+  // True when every cell of the row holds nothing but spaces (also for a row out of range).
+  bool IsRowBlank(int row) const;
+
+  // Removes, in one pass, every report row for which `shouldRemove` answers true. It is asked about
+  // each report row once, from the last row up to row 1, with the numbering before any removal.
+  void RemoveRowsIf(const std::function<bool(int row)>& shouldRemove);
+
+  // Room for `rows` rows in all and `textBytes` more bytes of stored text, so that a large dump is
+  // stored without the storage growing (and briefly existing twice) on the way.
+  void Reserve(int rows, std::size_t textBytes);
+
  private:
-  struct Cell;
-  struct Row;
-  // Implementation defined in report_table.cpp.
+  // A cell that differs from its row's plain form: its own colour, a picture or a check state.
+  struct CellExtra {
+    int col = 0;
+    Colour colour = kDefaultBack;
+    bool hasColour = false;
+    CellPicture picture = CellPicture::kNone;
+    std::int8_t checked = -1;  // -1: no check box
+  };
+  struct Row {
+    Row() = default;
+    Row(const Row& other);
+    Row& operator=(const Row& other);
+    Row(Row&&) noexcept = default;
+    Row& operator=(Row&&) noexcept = default;
+
+    std::size_t offset = 0;  // the row's cells, packed, in text_
+    std::uint32_t size = 0;
+    Colour back = kDefaultBack;  // colour of columns 0 .. backSpan-1; later columns are default
+    std::int32_t backSpan = 0;
+    std::unique_ptr<std::vector<CellExtra>> extras;  // sorted by column; null when there are none
+  };
+
+  bool ValidRow(int row) const { return row >= 0 && row < Rows(); }
+  bool ValidCell(int row, int col) const { return ValidRow(row) && col >= 0 && col < cols_; }
+  std::string_view Payload(const Row& row) const;
+  std::vector<std::string_view> CellsOf(const Row& row) const;
+  // Stores an encoded payload for `row`: in place when it fits, else at the end of text_.
+  void StorePayload(Row& row, std::string_view encoded);
+  void Discard(const Row& row) { garbage_ += row.size; }
+  void CompactIfWasteful();
+  const CellExtra* FindExtra(const Row& row, int col) const;
+  CellExtra& EditExtra(Row& row, int col);
+  void DropEmptyExtras(Row& row);
+  // Rebuilds a row's colour run and colour exceptions from one explicit colour per column.
+  void AssignColours(Row& row, const std::vector<Colour>& colours);
+
   std::vector<Row> rows_;
   int cols_ = 1;
+  std::string text_;         // every row's packed cells, back to back
+  std::size_t garbage_ = 0;  // bytes of text_ no row refers to any more
 };
 
 }  // namespace sw::report

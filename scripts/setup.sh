@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Installs what building and testing Sheetwright needs on Debian 12, only where it is missing.
+# Safe to run any number of times. Needs root (or sudo) for apt-get.
+set -euo pipefail
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+debian_packages=(
+  # build
+  cmake ninja-build g++ pkg-config
+  libzip-dev libpugixml-dev libcli11-dev
+  # GUI (ui/ only)
+  qt6-base-dev
+  # tests, benchmarks and fuzzing
+  libgtest-dev libgmock-dev libbenchmark-dev clang libclang-rt-14-dev
+  # independent readers of the workbooks we write, and the writer-speed reference
+  python3 python3-openpyxl libreoffice-calc-nogui libxlsxwriter-dev
+)
+# Node.js for the Open XML validator: Debian's nodejs and npm, unless a Node.js with its own npm is there.
+if ! command -v npm >/dev/null 2>&1; then debian_packages+=(nodejs npm); fi
+
+sudo_cmd=()
+if [ "$(id -u)" -ne 0 ]; then sudo_cmd=(sudo); fi
+
+missing=()
+for package in "${debian_packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed'; then
+    missing+=("$package")
+  fi
+done
+if [ ${#missing[@]} -gt 0 ]; then
+  echo "setup: installing ${missing[*]}"
+  "${sudo_cmd[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+fi
+
+# The Open XML SDK validator, kept inside the checkout (tools/node_modules, ignored by git).
+if [ ! -x "$here/tools/node_modules/.bin/ooxml-validate" ]; then
+  echo "setup: installing @ooxml-tools/validate"
+  mkdir -p "$here/tools"
+  (cd "$here/tools" && npm install --silent --no-audit --no-fund --prefix . @ooxml-tools/validate >/dev/null)
+fi
+echo "setup: ready"

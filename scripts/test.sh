@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Builds everything with AddressSanitizer and UndefinedBehaviorSanitizer and runs the whole test suite,
+# after a short run of every fuzz target. Installs missing Debian/npm packages first.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+bash scripts/setup.sh
+
+fuzz_seconds=${SW_FUZZ_SECONDS:-15}
+if [ "$fuzz_seconds" -gt 0 ]; then
+  cmake --preset fuzz >/dev/null
+  cmake --build --preset fuzz -j2
+  for fuzzer in build/fuzz/fuzz/*_fuzzer; do
+    [ -x "$fuzzer" ] || continue
+    name=$(basename "$fuzzer")
+    corpus=build/fuzz/corpus/$name
+    mkdir -p "$corpus"
+    seeds=()
+    [ -d "fuzz/corpus/$name" ] && seeds=("fuzz/corpus/$name")
+    echo "fuzz: $name for ${fuzz_seconds}s"
+    "$fuzzer" -max_total_time="$fuzz_seconds" -rss_limit_mb=2048 -print_final_stats=0 "$corpus" "${seeds[@]}" \
+      >"build/fuzz/$name.log" 2>&1 || { tail -40 "build/fuzz/$name.log"; exit 1; }
+  done
+fi
+
+cmake --preset debug >/dev/null
+cmake --build --preset debug -j2
+ctest --preset debug

@@ -1,0 +1,37 @@
+#pragma once
+// Settings with some values fixed for one run (for example from the command line): reads of an
+// overridden key answer the given text, as if it were stored; everything else, and every write and
+// delete, goes to the underlying store, which keeps its own values.
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/settings.h"
+
+namespace sw::app {
+
+class OverlaySettings final : public Settings {
+ public:
+  explicit OverlaySettings(Settings& underlying) : underlying_(underlying) {}
+
+  // Key and section match ignoring case, as registry names do. A later override of the same key wins.
+  void Override(std::string_view key, std::string value, std::string_view section = {});
+
+  std::string GetAppSetting(std::string_view key, std::string_view defaultValue,
+                            std::string_view section = {}, std::string_view appName = {}) override;
+  void SaveAppSetting(std::string_view key, std::string_view value, std::string_view section = {}) override;
+  void DeleteAppSetting(std::string_view key, std::string_view section = {}) override;
+
+ private:
+  struct Entry {
+    std::string section;
+    std::string key;
+    std::string value;
+  };
+  const Entry* Find(std::string_view key, std::string_view section) const;
+
+  Settings& underlying_;
+  std::vector<Entry> overrides_;
+};
+
+}  // namespace sw::app

@@ -1,0 +1,44 @@
+#pragma once
+// Paths as the program builds them: Windows text, joined with "\" ("C:\Mallar" + "\" + "PLAN.XLS").
+// On Windows such a text is used as it stands. Elsewhere the resolver finds the file Windows would
+// find: "\" and "/" both separate folders, and a name that does not exist as spelled matches an entry
+// of its folder that differs only in case. The texts the program shows keep their own spelling; only
+// file-system calls go through the resolver.
+//
+// Drive letters: "C:\x\y" resolves below the host folder mapped to drive C (MapDrive), so tests and
+// the command line can stand a folder in for a Windows drive. An unmapped drive prefix stays a plain
+// path component ("C:/x/y", relative to the working folder), which normally does not exist.
+#include <filesystem>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sw::base {
+
+class WindowsPathResolver {
+ public:
+  // Drive `letter` (either case) stands for `folder`; an empty folder removes the mapping.
+  void MapDrive(char letter, std::filesystem::path folder);
+
+  // The host path for a Windows path text (UTF-8). Never throws; a part that cannot be found is kept
+  // as spelled, so the result then names a file that does not exist.
+  std::filesystem::path Resolve(std::string_view windowsPath) const;
+
+ private:
+  std::map<char, std::filesystem::path> drives_;  // upper-case letter -> host folder
+};
+
+// The process-wide resolver every file-system call of the core uses.
+WindowsPathResolver& WindowsPaths();
+
+// Shorthands through WindowsPaths().
+std::filesystem::path ResolveWindowsPath(std::string_view windowsPath);
+bool WindowsFileExists(std::string_view windowsPath);    // a file (not a folder) is there
+bool WindowsFolderExists(std::string_view windowsPath);  // a folder is there
+
+// The names (UTF-8) of the regular files in a folder, in name order ignoring case, as the Windows file
+// list controls show them. A missing folder lists nothing.
+std::vector<std::string> ListFolderFiles(std::string_view windowsFolder);
+
+}  // namespace sw::base

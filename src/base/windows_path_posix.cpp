@@ -1,0 +1,74 @@
+#include <optional>
+#include <vector>
+
+#include "base/strings.h"
+#include "base/windows_path.h"
+
+namespace sw::base {
+namespace {
+
+std::filesystem::path FromUtf8(std::string_view text) {
+  return std::filesystem::path(std::u8string(text.begin(), text.end()));
+}
+
+bool Exists(const std::filesystem::path& path) {
+  std::error_code error;
+  return std::filesystem::symlink_status(path, error).type() != std::filesystem::file_type::not_found &&
+         !error;
+}
+
+// The entry of `folder` whose name equals `name` ignoring case; when several do (a case-sensitive file
+// system can hold both), the first in byte order, so the choice is stable.
+std::optional<std::filesystem::path> FindIgnoringCase(const std::filesystem::path& folder,
+                                                      std::string_view name) {
+  std::error_code error;
+  std::filesystem::directory_iterator it(folder.empty() ? std::filesystem::path(".") : folder, error);
+  std::optional<std::string> best;
+  for (; !error && it != std::filesystem::directory_iterator(); it.increment(error)) {
+    const auto entry = it->path().filename().u8string();
+    const std::string entryName(entry.begin(), entry.end());
+    if (EqualsIgnoreCase(entryName, name) && (!best || entryName < *best)) best = entryName;
+  }
+  if (!best) return std::nullopt;
+  return folder / FromUtf8(*best);
+}
+
+}  // namespace
+
+std::filesystem::path WindowsPathResolver::Resolve(std::string_view windowsPath) const {
+  std::filesystem::path result;
+  std::string_view rest = windowsPath;
+  if (rest.size() >= 2 && rest[1] == ':' &&
+      ((rest[0] >= 'A' && rest[0] <= 'Z') || (rest[0] >= 'a' && rest[0] <= 'z'))) {
+    const char letter = rest[0] >= 'a' ? static_cast<char>(rest[0] - 32) : rest[0];
+    if (auto it = drives_.find(letter); it != drives_.end()) {
+      result = it->second;
+      rest.remove_prefix(2);
+    }
+  } else if (!rest.empty() && (rest[0] == '\\' || rest[0] == '/')) {
+    result = "/";
+  }
+
+  bool lookUp = true;  // once a part is missing, the parts below it cannot exist either
+  std::size_t start = 0;
+  while (start <= rest.size()) {
+    const std::size_t end = std::min(rest.find_first_of("\\/", start), rest.size());
+    const std::string_view part = rest.substr(start, end - start);
+    start = end + 1;
+    if (part.empty()) continue;
+    const auto spelled = result / FromUtf8(part);
+    if (!lookUp || part == "." || part == ".." || Exists(spelled)) {
+      result = spelled;
+      continue;
+    }
+    if (auto found = FindIgnoringCase(result, part)) {
+      result = *found;
+    } else {
+      result = spelled;
+      lookUp = false;
+    }
+  }
+  return result;
+}
+
+}  // namespace sw::base

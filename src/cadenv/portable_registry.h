@@ -1,0 +1,63 @@
+#pragma once
+// The registry where Windows' is not at hand: both hives the program uses, kept in one registration
+// file in regedit's export format, so that it can be read, edited and merged like an exported .reg
+// file. Every read sees the file's current contents; every write locks, re-reads, changes and
+// replaces the file in one step, so concurrent writers lose nothing and a crash leaves no torn file.
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "cadenv/reg_file.h"
+#include "cadenv/registry.h"
+
+namespace sw::base {
+class Environment;
+}
+
+namespace sw::cadenv {
+
+class PortableRegistry final : public Registry {
+ public:
+  explicit PortableRegistry(std::filesystem::path file);
+
+  // SHEETWRIGHT_REGISTRY when set, else $XDG_CONFIG_HOME/sheetwright/registry.reg, else
+  // ~/.config/sheetwright/registry.reg.
+  static std::filesystem::path DefaultPath(const base::Environment& environment);
+
+  const std::filesystem::path& FilePath() const { return file_; }
+  // The lock file beside the registry file.
+  std::filesystem::path LockPath() const;
+
+  std::optional<RegistryValue> QueryValue(RootKey root, std::string_view keyPath,
+                                          std::string_view valueName) override;
+  std::optional<std::string> SubkeyAt(RootKey root, std::string_view keyPath, std::size_t index) override;
+  std::optional<RegistryValue> ValueAt(RootKey root, std::string_view keyPath, std::size_t index) override;
+  bool SetStringValue(RootKey root, std::string_view keyPath, std::string_view valueName,
+                      std::string_view text) override;
+  bool DeleteValue(RootKey root, std::string_view keyPath, std::string_view valueName) override;
+
+  // Applies another registration file's keys, values and deletions to the store, as "regedit /s FILE"
+  // does. All or nothing: a file that does not parse changes nothing and its result says why.
+  RegParseResult MergeRegFile(const std::filesystem::path& regFile);
+
+  // How the store file itself read last time (a broken file reads as empty keys).
+  RegParseResult LastReadResult() const { return lastRead_; }
+
+ private:
+  struct Snapshot {
+    RegTree tree;
+    bool readable = true;  // false: the file exists but could not be read
+    bool broken = false;   // the file has contents that did not parse
+  };
+  Snapshot Load();
+  // Locks, re-reads, lets `change` edit the tree and writes it back when `change` says it changed.
+  template <typename Change>
+  bool Update(Change change);
+  bool BackUpBrokenFile() const;
+
+  std::filesystem::path file_;
+  RegParseResult lastRead_;
+};
+
+}  // namespace sw::cadenv

@@ -1,0 +1,84 @@
+#pragma once
+// An in-memory registry: the two hives the program uses, each a tree of keys holding values. Subkeys
+// are kept in the order Windows enumerates them, values in the order they were created.
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cadenv/registry.h"
+
+namespace sw::cadenv {
+
+// Windows refuses registry trees deeper than this.
+inline constexpr std::size_t kMaxKeyDepth = 512;
+
+// Orders key and value names as Windows does: by their upper-cased characters, so "A_B" follows "AB"
+// ('_' sorts after the letters). ASCII and Latin-1 letters fold; <0, 0, >0 like strcmp.
+int CompareRegistryNames(std::string_view a, std::string_view b);
+inline bool SameRegistryName(std::string_view a, std::string_view b) {
+  return CompareRegistryNames(a, b) == 0;
+}
+
+// "HKEY_CURRENT_USER"/"HKCU" and "HKEY_LOCAL_MACHINE"/"HKLM", ignoring case.
+std::optional<RootKey> ParseRootName(std::string_view name);
+std::string_view RootName(RootKey root);
+
+// The names of a "\"-separated key path; empty pieces (doubled, leading or trailing "\") are skipped.
+std::vector<std::string_view> SplitKeyPath(std::string_view path);
+
+class RegKey {
+ public:
+  RegKey() = default;
+  explicit RegKey(std::string name) : name_(std::move(name)) {}
+
+  const std::string& Name() const { return name_; }
+  const std::vector<RegistryValue>& Values() const { return values_; }
+  const std::vector<RegKey>& Subkeys() const { return subkeys_; }
+
+  const RegistryValue* FindValue(std::string_view name) const;
+  // An existing value of that name keeps its place and its name's spelling; a new one goes last.
+  void SetValue(std::string_view name, ValueType type, std::string data);
+  bool DeleteValue(std::string_view name);
+
+  const RegKey* FindSubkey(std::string_view name) const;
+  RegKey* FindSubkey(std::string_view name);
+  // The subkey of that name, created when missing.
+  RegKey& CreateSubkey(std::string_view name);
+  // Removes the subkey and everything below it.
+  bool DeleteSubkey(std::string_view name);
+
+  bool operator==(const RegKey&) const = default;
+
+ private:
+  std::vector<RegKey>::const_iterator LowerBound(std::string_view name) const;
+
+  std::string name_;
+  std::vector<RegistryValue> values_;
+  std::vector<RegKey> subkeys_;  // sorted by CompareRegistryNames
+};
+
+class RegTree {
+ public:
+  RegKey& Hive(RootKey root) { return root == RootKey::kCurrentUser ? currentUser_ : localMachine_; }
+  const RegKey& Hive(RootKey root) const {
+    return root == RootKey::kCurrentUser ? currentUser_ : localMachine_;
+  }
+
+  // Nothing when the key or one of its parents is missing.
+  const RegKey* FindKey(RootKey root, std::string_view path) const;
+  RegKey* FindKey(RootKey root, std::string_view path);
+  // Creates the key with its missing parents; nothing when the path is deeper than kMaxKeyDepth.
+  RegKey* CreateKey(RootKey root, std::string_view path);
+  // Removes the key and its whole tree; a hive itself cannot be removed.
+  bool DeleteKey(RootKey root, std::string_view path);
+
+  bool operator==(const RegTree&) const = default;
+
+ private:
+  RegKey currentUser_{"HKEY_CURRENT_USER"};
+  RegKey localMachine_{"HKEY_LOCAL_MACHINE"};
+};
+
+}  // namespace sw::cadenv

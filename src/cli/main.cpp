@@ -1,0 +1,29 @@
+// sheetwright-cli: the program's workflows without a window.
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+#include "cli/preview_command.h"
+
+int main(int argc, char** argv) {
+  CLI::App app{"Sheetwright: fills Excel report templates from VOLTARIS report dumps."};
+  app.require_subcommand(1);
+  app.set_help_all_flag("--help-all", "Show help for every command");
+
+  sw::cli::PreviewOptions preview;
+  sw::cli::AddPreviewCommand(app, preview);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::CallForAllHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    std::cerr << e.what() << "\n" << "Run with --help for usage.\n";
+    return 2;
+  }
+
+  if (app.got_subcommand("preview")) return sw::cli::RunPreview(preview, std::cout, std::cerr);
+  return 2;
+}

@@ -1,0 +1,189 @@
+#include "excel/package/package.h"
+
+#include "excel/package/zip_archive.h"
+
+namespace sw::excel {
+
+namespace {
+
+std::string Key(std::string_view name) {
+  if (!name.empty() && name.front() == '/') name.remove_prefix(1);
+  std::string key(name);
+  for (char& c : key) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return key;
+}
+
+int Depth(const pugi::xml_node& root, int limit) {
+  int depth = 1;
+  int deepest = 0;
+  pugi::xml_node node = root.first_child();
+  while (node) {
+    deepest = std::max(deepest, depth);
+    if (deepest > limit) break;
+    if (node.first_child()) {
+      node = node.first_child();
+      ++depth;
+      continue;
+    }
+    while (node != root && !node.next_sibling()) {
+      node = node.parent();
+      --depth;
+    }
+    if (node == root) break;
+    node = node.next_sibling();
+  }
+  return deepest;
+}
+
+struct StringWriter final : pugi::xml_writer {
+  std::string text;
+  void write(const void* data, size_t size) override { text.append(static_cast<const char*>(data), size); }
+};
+
+}  // namespace
+
+std::unique_ptr<pugi::xml_document> ParseXml(std::string_view partName, std::string_view bytes,
+                                             const PackageLimits& limits) {
+  auto document = std::make_unique<pugi::xml_document>();
+  const auto result = document->load_buffer(bytes.data(), bytes.size(),
+                                            pugi::parse_default | pugi::parse_declaration | pugi::parse_ws_pcdata);
+  if (!result) {
+    throw PackageError("Delen " + std::string(partName) + " är inte giltig XML (" + result.description() +
+                       " vid position " + std::to_string(result.offset) + ").");
+  }
+  if (!document->document_element()) throw PackageError("Delen " + std::string(partName) + " är tom.");
+  if (Depth(*document, limits.maxXmlDepth) > limits.maxXmlDepth) {
+    throw PackageError("Delen " + std::string(partName) + " är för djupt nästlad.");
+  }
+  return document;
+}
+
+std::string SerializeXml(const pugi::xml_document& document) {
+  StringWriter writer;
+  document.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
+  // A document parsed without its declaration gets the one Excel writes.
+  if (document.first_child().type() != pugi::node_declaration) {
+    writer.text.insert(0, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n");
+  }
+  return std::move(writer.text);
+}
+
+Package Package::FromZip(std::string_view archive, const PackageLimits& limits) {
+  Package package;
+  package.limits_ = limits;
+  for (auto& entry : ReadZipArchive(archive, limits)) {
+    package.SetBytes(entry.name, std::move(entry.bytes));
+  }
+  return package;
+}
+
+Package::Part* Package::Find(std::string_view name) const {
+  const auto found = index_.find(Key(name));
+  return found == index_.end() ? nullptr : found->second;
+}
+
+Package::Part& Package::Require(std::string_view name) const {
+  Part* part = Find(name);
+  if (part == nullptr) throw PackageError("Arbetsboken saknar delen " + std::string(name) + ".");
+  return *part;
+}
+
+bool Package::Has(std::string_view name) const { return Find(name) != nullptr; }
+
+std::vector<std::string> Package::PartNames() const {
+  std::vector<std::string> names;
+  names.reserve(parts_.size());
+  for (const auto& part : parts_) names.push_back(part->name);
+  return names;
+}
+
+pugi::xml_document& Package::Xml(std::string_view name) {
+  Part& part = Require(name);
+  if (!part.xml) {
+    part.xml = ParseXml(part.name, part.bytes, limits_);
+    std::string().swap(part.bytes);
+  }
+  return *part.xml;
+}
+
+bool Package::IsParsed(std::string_view name) const {
+  const Part* part = Find(name);
+  return part != nullptr && part->xml != nullptr;
+}
+
+const std::string& Package::Bytes(std::string_view name) {
+  Part& part = Require(name);
+  if (part.xml) {
+    part.bytes = SerializeXml(*part.xml);
+    part.xml.reset();
+  }
+  return part.bytes;
+}
+
+void Package::SetBytes(std::string_view name, std::string bytes) {
+  std::string clean(name);
+  if (!clean.empty() && clean.front() == '/') clean.erase(0, 1);
+  Part* part = Find(clean);
+  if (part == nullptr) {
+    parts_.push_back(std::make_unique<Part>());
+    part = parts_.back().get();
+    part->name = clean;
+    index_[Key(clean)] = part;
+  }
+  part->bytes = std::move(bytes);
+  part->xml.reset();
+}
+
+void Package::SetXml(std::string_view name, std::unique_ptr<pugi::xml_document> document) {
+  SetBytes(name, {});
+  Find(name)->xml = std::move(document);
+}
+
+void Package::Remove(std::string_view name) {
+  const std::string key = Key(name);
+  const auto found = index_.find(key);
+  if (found == index_.end()) return;
+  Part* part = found->second;
+  index_.erase(found);
+  std::erase_if(parts_, [&](const std::unique_ptr<Part>& candidate) { return candidate.get() == part; });
+}
+
+void Package::Park(std::string_view name) {
+  Part* part = Find(name);
+  if (part != nullptr && part->xml) {
+    part->bytes = SerializeXml(*part->xml);
+    part->xml.reset();
+  }
+}
+
+std::string Package::FreeName(std::string_view prefix, std::string_view suffix, int from) const {
+  for (int n = std::max(from, 1);; ++n) {
+    std::string name = std::string(prefix) + std::to_string(n) + std::string(suffix);
+    if (!Has(name)) return name;
+  }
+}
+
+std::string Package::ToZip() {
+  std::vector<std::string> serialized;  // parsed parts stay parsed: the workbook lives on after a save
+  serialized.reserve(parts_.size());
+  std::vector<ZipSource> sources;
+  sources.reserve(parts_.size());
+  const auto add = [&](const Part& part) {
+    if (part.xml) {
+      serialized.push_back(SerializeXml(*part.xml));
+      sources.push_back(ZipSource{part.name, serialized.back()});
+    } else {
+      sources.push_back(ZipSource{part.name, part.bytes});
+    }
+  };
+  const Part* types = Find("[Content_Types].xml");
+  if (types != nullptr) add(*types);
+  for (const auto& part : parts_) {
+    if (part.get() != types) add(*part);
+  }
+  return WriteZipArchive(sources);
+}
+
+}  // namespace sw::excel

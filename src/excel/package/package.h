@@ -1,0 +1,65 @@
+#pragma once
+// An Open Packaging Conventions package held in memory: its parts by name, each either as bytes or,
+// once asked for, as a parsed XML document. Parsed parts can be parked back to text to keep memory
+// low while many sheets exist.
+#include <pugixml.hpp>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "excel/package/package_error.h"
+
+namespace sw::excel {
+
+class Package {
+ public:
+  // Throws PackageError.
+  static Package FromZip(std::string_view archive, const PackageLimits& limits = {});
+  Package() = default;
+  Package(Package&&) noexcept = default;
+  Package& operator=(Package&&) noexcept = default;
+
+  // Part names are written without the leading "/" and compared ignoring ASCII case, as OPC says.
+  bool Has(std::string_view name) const;
+  std::vector<std::string> PartNames() const;
+  // The parsed document of an XML part; throws PackageError when it is missing or not well-formed.
+  pugi::xml_document& Xml(std::string_view name);
+  bool IsParsed(std::string_view name) const;
+  // The part's bytes (serialising a parsed part first).
+  const std::string& Bytes(std::string_view name);
+  void SetBytes(std::string_view name, std::string bytes);
+  void SetXml(std::string_view name, std::unique_ptr<pugi::xml_document> document);
+  void Remove(std::string_view name);
+  // Serialises a parsed part and frees its document.
+  void Park(std::string_view name);
+  // A part name not used yet: "xl/worksheets/sheet" + n + ".xml" with the smallest n >= `from`.
+  std::string FreeName(std::string_view prefix, std::string_view suffix, int from = 1) const;
+
+  // The whole package as a zip archive: [Content_Types].xml first, the other parts in their order.
+  std::string ToZip();
+
+  const PackageLimits& limits() const { return limits_; }
+
+ private:
+  struct Part {
+    std::string name;
+    std::string bytes;
+    std::unique_ptr<pugi::xml_document> xml;
+  };
+  Part* Find(std::string_view name) const;
+  Part& Require(std::string_view name) const;
+
+  std::vector<std::unique_ptr<Part>> parts_;
+  std::unordered_map<std::string, Part*> index_;  // lower-cased name -> part
+  PackageLimits limits_;
+};
+
+// Parses `bytes` with the settings every part uses; throws PackageError naming `partName`.
+std::unique_ptr<pugi::xml_document> ParseXml(std::string_view partName, std::string_view bytes,
+                                             const PackageLimits& limits);
+std::string SerializeXml(const pugi::xml_document& document);
+
+}  // namespace sw::excel

@@ -1,0 +1,433 @@
+#include "excel/package/workbook_document.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "base/strings.h"
+#include "excel/package/cell_text.h"
+#include "excel/package/content_types.h"
+#include "excel/package/formula_text.h"
+#include "excel/package/relationships.h"
+#include "excel/package/styles.h"
+#include "excel/package/xml_order.h"
+#include "excel/sheet_names.h"
+
+namespace sw::excel {
+
+namespace {
+
+constexpr std::size_t kParsedSheetLimit = 8;  // sheets kept parsed at once; the others wait as text
+constexpr std::string_view kStrictMainNamespace = "http://purl.oclc.org/ooxml/spreadsheetml/main";
+constexpr std::string_view kStylesType = "application/vnd.openxmlformats-officedocument.spreadsheetml.styles+xml";
+
+[[noreturn]] void NotAWorkbook() { throw PackageError("Filen är inte en Excel-arbetsbok."); }
+
+bool StartsWith(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && text.substr(0, prefix.size()) == prefix;
+}
+
+std::string RelationshipIdOf(pugi::xml_node sheet) {
+  for (const auto attribute : sheet.attributes()) {
+    const std::string_view name = attribute.name();
+    if (name.size() > 3 && name.substr(name.size() - 3) == ":id") return attribute.value();
+  }
+  return {};
+}
+
+bool ContainsIgnoringCase(std::string_view text, std::string_view needle) {
+  if (needle.empty()) return false;
+  const auto lower = [](char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::search(text.begin(), text.end(), needle.begin(), needle.end(),
+                     [&](char a, char b) { return lower(a) == lower(b); }) != text.end();
+}
+
+void RenameInFormulas(pugi::xml_node root, const char* element, std::string_view oldName, std::string_view newName) {
+  for (auto node : root.select_nodes((std::string("//") + element).c_str())) {
+    auto text = node.node().text();
+    const std::string renamed = RenameSheetInFormula(text.get(), oldName, newName);
+    if (renamed != text.get()) text.set(renamed.c_str());
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<WorkbookDocument> WorkbookDocument::FromBytes(std::string_view bytes, const PackageLimits& limits) {
+  if (StartsWith(bytes, "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1")) {
+    throw PackageError(
+        "Filen är en arbetsbok i det äldre Excel-formatet (.xls) eller är krypterad och kan inte öppnas. "
+        "Spara den som .xlsx eller .xlsm.");
+  }
+  if (StartsWith(bytes, "\x09\x08") || StartsWith(bytes, "\x09\x04") || StartsWith(bytes, "\x09\x02")) {
+    throw PackageError("Filen är en arbetsbok i det äldre Excel-formatet (.xls) och kan inte öppnas.");
+  }
+  if (!StartsWith(bytes, "PK\x03\x04") && !StartsWith(bytes, "PK\x05\x06")) NotAWorkbook();
+  std::unique_ptr<WorkbookDocument> document(new WorkbookDocument());
+  document->package_ = Package::FromZip(bytes, limits);
+  document->Load();
+  return document;
+}
+
+void WorkbookDocument::Load() {
+  if (!package_.Has(kContentTypesPart)) NotAWorkbook();
+  for (const auto& relationship : ReadRelationships(package_, "")) {
+    if (relationship.type == reltype::kStrictOfficeDocument) {
+      throw PackageError("Filen är sparad som Strikt Open XML, som inte kan öppnas. Spara den som vanlig .xlsx.");
+    }
+    if (relationship.type == reltype::kOfficeDocument && !relationship.external) workbookPart_ = relationship.partName;
+  }
+  if (workbookPart_.empty() || !package_.Has(workbookPart_)) NotAWorkbook();
+  const std::string type = ContentTypeOf(package_, workbookPart_);
+  if (type != contenttype::kWorkbook && type != contenttype::kMacroWorkbook && type != contenttype::kTemplate &&
+      type != contenttype::kMacroTemplate) {
+    NotAWorkbook();
+  }
+  auto& workbook = package_.Xml(workbookPart_);
+  DropMainNamespacePrefix(workbook);
+  const auto root = workbook.document_element();
+  if (root.attribute("xmlns").value() == kStrictMainNamespace) {
+    throw PackageError("Filen är sparad som Strikt Open XML, som inte kan öppnas. Spara den som vanlig .xlsx.");
+  }
+  if (std::string_view(root.name()) != "workbook") NotAWorkbook();
+
+  const auto relationships = ReadRelationships(package_, workbookPart_);
+  for (const auto sheet : root.child("sheets").children("sheet")) {
+    const std::string id = RelationshipIdOf(sheet);
+    const auto found = std::find_if(relationships.begin(), relationships.end(),
+                                    [&](const Relationship& candidate) { return candidate.id == id; });
+    if (found == relationships.end() || found->external || !package_.Has(found->partName)) {
+      throw PackageError("Arbetsboken är skadad: bladet " + std::string(sheet.attribute("name").value()) +
+                         " saknas.");
+    }
+    sheets_.push_back(SheetEntry{nextId_++, found->partName, found->type == reltype::kWorksheet, false});
+  }
+  if (sheets_.empty()) throw PackageError("Arbetsboken har inga blad.");
+  const int activeTab = root.child("bookViews").child("workbookView").attribute("activeTab").as_int();
+  activeSheet_ = std::clamp(activeTab, 0, SheetCount() - 1);
+}
+
+pugi::xml_node WorkbookDocument::WorkbookRoot() { return package_.Xml(workbookPart_).document_element(); }
+
+pugi::xml_node WorkbookDocument::SheetNode(int position) const {
+  int i = 0;
+  auto& self = const_cast<WorkbookDocument&>(*this);
+  for (auto sheet : self.WorkbookRoot().child("sheets").children("sheet")) {
+    if (i++ == position) return sheet;
+  }
+  return {};
+}
+
+int WorkbookDocument::PositionOf(int id) const {
+  for (std::size_t i = 0; i < sheets_.size(); ++i) {
+    if (sheets_[i].id == id) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+std::string WorkbookDocument::SheetName(int position) const { return SheetNode(position).attribute("name").value(); }
+
+std::vector<std::string> WorkbookDocument::SheetNames() const {
+  std::vector<std::string> names;
+  auto& self = const_cast<WorkbookDocument&>(*this);
+  for (const auto sheet : self.WorkbookRoot().child("sheets").children("sheet")) {
+    names.emplace_back(sheet.attribute("name").value());
+  }
+  return names;
+}
+
+void WorkbookDocument::RenameSheet(int position, std::string_view name) {
+  if (const auto problem = SheetNameProblem(name, SheetNames(), position)) throw std::invalid_argument(*problem);
+  const std::string oldName = SheetName(position);
+  if (oldName == name) return;
+  SheetNode(position).attribute("name") = std::string(name).c_str();
+  for (auto definedName : WorkbookRoot().child("definedNames").children("definedName")) {
+    auto text = definedName.text();
+    const std::string renamed = RenameSheetInFormula(text.get(), oldName, name);
+    if (renamed != text.get()) text.set(renamed.c_str());
+  }
+  RenameInOtherParts(oldName, name, position);
+}
+
+// Formulas elsewhere that name the sheet follow the new name. A sheet this session created by
+// copying cannot be named by any formula yet, so only charts need a look then.
+void WorkbookDocument::RenameInOtherParts(std::string_view oldName, std::string_view newName, int position) {
+  const bool scanSheets = !Entry(position).createdByCopy;
+  if (scanSheets) {
+    for (int i = 0; i < SheetCount(); ++i) {
+      const auto& entry = Entry(i);
+      if (!entry.worksheet) continue;
+      if (!package_.IsParsed(entry.part) && !ContainsIgnoringCase(package_.Bytes(entry.part), oldName)) continue;
+      RenameInFormulas(Sheet(i, true).root(), "f", oldName, newName);
+    }
+  }
+  for (const auto& part : package_.PartNames()) {
+    if (!StartsWith(part, "xl/charts/chart")) continue;
+    if (!package_.IsParsed(part) && !ContainsIgnoringCase(package_.Bytes(part), oldName)) continue;
+    RenameInFormulas(package_.Xml(part).document_element(), "c:f", oldName, newName);
+    package_.Park(part);
+  }
+}
+
+Worksheet WorkbookDocument::Sheet(int position, bool forWrite) {
+  const auto& entry = Entry(position);
+  if (!entry.worksheet) throw std::invalid_argument("Bladet " + SheetName(position) + " är inte ett kalkylblad.");
+  const bool fresh = !package_.IsParsed(entry.part);
+  auto& document = package_.Xml(entry.part);
+  if (fresh) Worksheet::Normalize(document);
+  if (forWrite && std::find(dirtySheets_.begin(), dirtySheets_.end(), entry.part) == dirtySheets_.end()) {
+    dirtySheets_.push_back(entry.part);
+  }
+  Touch(entry.part);
+  return Worksheet(document);
+}
+
+void WorkbookDocument::Touch(const std::string& part) {
+  if (!parsedSheets_.empty() && parsedSheets_.front() == part) return;
+  std::erase(parsedSheets_, part);
+  parsedSheets_.push_front(part);
+  while (parsedSheets_.size() > kParsedSheetLimit) {
+    const std::string oldest = parsedSheets_.back();
+    parsedSheets_.pop_back();
+    if (!package_.IsParsed(oldest)) continue;
+    const auto dirty = std::find(dirtySheets_.begin(), dirtySheets_.end(), oldest);
+    if (dirty != dirtySheets_.end()) {
+      Worksheet(package_.Xml(oldest)).UpdateDimension();
+      dirtySheets_.erase(dirty);
+    }
+    package_.Park(oldest);
+  }
+}
+
+pugi::xml_document& WorkbookDocument::Styles() {
+  std::string part = FindRelatedPart(package_, workbookPart_, reltype::kStyles);
+  if (part.empty()) {
+    part = package_.FreeName("xl/styles", ".xml", 1);
+    part = package_.Has("xl/styles.xml") ? part : "xl/styles.xml";
+    package_.SetBytes(part, std::string(kMinimalStyles));
+    AddRelationship(package_, workbookPart_, reltype::kStyles, part);
+    SetOverride(package_, part, kStylesType);
+  }
+  auto& styles = package_.Xml(part);
+  DropMainNamespacePrefix(styles);
+  return styles;
+}
+
+std::string WorkbookDocument::SharedString(int index) {
+  if (!sharedStringsLoaded_) {
+    sharedStringsLoaded_ = true;
+    const std::string part = FindRelatedPart(package_, workbookPart_, reltype::kSharedStrings);
+    if (!part.empty() && package_.Has(part)) {
+      auto& document = package_.Xml(part);
+      DropMainNamespacePrefix(document);
+      for (const auto item : document.document_element().children("si")) {
+        std::string text = item.child("t").text().get();
+        for (const auto run : item.children("r")) text += run.child("t").text().get();
+        sharedStrings_.push_back(DecodeCellText(text));
+      }
+      package_.Park(part);
+    }
+  }
+  if (index < 0 || static_cast<std::size_t>(index) >= sharedStrings_.size()) return {};
+  return sharedStrings_[static_cast<std::size_t>(index)];
+}
+
+bool WorkbookDocument::HasVbaProject() {
+  return !FindRelatedPart(package_, workbookPart_, reltype::kVbaProject).empty();
+}
+
+void WorkbookDocument::ShiftLocalSheetIds(int from) {
+  for (auto name : WorkbookRoot().child("definedNames").children("definedName")) {
+    auto local = name.attribute("localSheetId");
+    if (local && local.as_int() >= from) local = local.as_int() + 1;
+  }
+}
+
+void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view sourceName,
+                                        std::string_view copyName) {
+  auto names = WorkbookRoot().child("definedNames");
+  std::vector<pugi::xml_node> originals;
+  for (auto name : names.children("definedName")) {
+    if (name.attribute("localSheetId") && name.attribute("localSheetId").as_int() == source) originals.push_back(name);
+  }
+  for (auto original : originals) {
+    auto duplicate = names.insert_copy_after(original, original);
+    duplicate.attribute("localSheetId") = copy;
+    duplicate.text().set(RenameSheetInFormula(original.text().get(), sourceName, copyName).c_str());
+  }
+}
+
+// Excel keeps defined names sorted by name, then by the sheet they belong to.
+void WorkbookDocument::SortDefinedNames() {
+  auto names = WorkbookRoot().child("definedNames");
+  if (!names) return;
+  std::vector<pugi::xml_node> nodes;
+  for (auto name : names.children("definedName")) nodes.push_back(name);
+  auto sorted = nodes;
+  std::stable_sort(sorted.begin(), sorted.end(), [](pugi::xml_node a, pugi::xml_node b) {
+    const int byName = base::CompareIgnoreCase(a.attribute("name").value(), b.attribute("name").value());
+    if (byName != 0) return byName < 0;
+    const int localA = a.attribute("localSheetId") ? a.attribute("localSheetId").as_int() : -1;
+    const int localB = b.attribute("localSheetId") ? b.attribute("localSheetId").as_int() : -1;
+    return localA < localB;
+  });
+  if (sorted == nodes) return;
+  for (auto node : sorted) names.append_move(node);
+}
+
+std::string WorkbookDocument::Serialize(std::string_view extension) {
+  PrepareForSave(extension);
+  return package_.ToZip();
+}
+
+void WorkbookDocument::PrepareForSave(std::string_view extension) {
+  for (const auto& part : dirtySheets_) {
+    if (package_.IsParsed(part)) Worksheet(package_.Xml(part)).UpdateDimension();
+  }
+  dirtySheets_.clear();
+  RemoveCalcChain();
+  auto calcPr = WorkbookChild(WorkbookRoot(), "calcPr");
+  calcPr.remove_attribute("fullCalcOnLoad");
+  calcPr.append_attribute("fullCalcOnLoad") = 1;
+  SetMacroContent(base::EqualsIgnoreCase(extension, ".xlsm"));
+  UpdateSelectionFlags();
+  UpdateAppProperties();
+}
+
+void WorkbookDocument::RemoveCalcChain() {
+  for (const auto& relationship : ReadRelationships(package_, workbookPart_)) {
+    if (relationship.type != reltype::kCalcChain) continue;
+    RemoveRelationship(package_, workbookPart_, relationship.id);
+    if (!relationship.external) {
+      package_.Remove(relationship.partName);
+      RemoveOverride(package_, relationship.partName);
+    }
+  }
+}
+
+void WorkbookDocument::SetMacroContent(bool macro) {
+  SetOverride(package_, workbookPart_, macro ? contenttype::kMacroWorkbook : contenttype::kWorkbook);
+  if (macro) return;
+  for (const auto& relationship : ReadRelationships(package_, workbookPart_)) {
+    if (relationship.type != reltype::kVbaProject) continue;
+    RemoveRelationship(package_, workbookPart_, relationship.id);
+    if (relationship.external) continue;
+    for (const auto& signature : ReadRelationships(package_, relationship.partName)) {
+      if (!signature.external) {
+        package_.Remove(signature.partName);
+        RemoveOverride(package_, signature.partName);
+      }
+    }
+    package_.Remove(RelsPartName(relationship.partName));
+    package_.Remove(relationship.partName);
+    RemoveOverride(package_, relationship.partName);
+  }
+  // The "bin" default of a macro workbook says "VBA project"; printer settings that relied on it
+  // need their own type now.
+  auto types = package_.Xml(kContentTypesPart).document_element();
+  for (auto node : types.children("Default")) {
+    if (node.attribute("ContentType").value() != contenttype::kVbaProject) continue;
+    for (const auto& part : package_.PartNames()) {
+      const std::string lower = base::AsciiLower(part);
+      if (lower.size() > 4 && lower.substr(lower.size() - 4) == ".bin" &&
+          ContentTypeOf(package_, part) == contenttype::kVbaProject) {
+        SetOverride(package_, part,
+                    lower.find("printersettings") != std::string::npos
+                        ? contenttype::kPrinterSettings
+                        : "application/vnd.openxmlformats-officedocument.oleObject");
+      }
+    }
+    types.remove_child(node);
+    break;
+  }
+}
+
+void WorkbookDocument::UpdateSelectionFlags() {
+  auto root = WorkbookRoot();
+  auto views = WorkbookChild(root, "bookViews");
+  auto view = views.child("workbookView");
+  if (!view) view = views.append_child("workbookView");
+  view.remove_attribute("activeTab");
+  if (activeSheet_ > 0) view.append_attribute("activeTab") = activeSheet_;
+  if (auto first = view.attribute("firstSheet"); first && first.as_int() > activeSheet_) first = activeSheet_;
+  for (int i = 0; i < SheetCount(); ++i) {
+    const auto& entry = Entry(i);
+    if (!entry.worksheet) continue;
+    if (i == activeSheet_) {
+      Sheet(i, false).SetTabSelected(true);
+      continue;
+    }
+    if (!package_.IsParsed(entry.part) && package_.Bytes(entry.part).find("tabSelected") == std::string::npos) {
+      continue;
+    }
+    Sheet(i, false).SetTabSelected(false);
+  }
+}
+
+void WorkbookDocument::UpdateAppProperties() {
+  const std::string part = FindRelatedPart(package_, "", reltype::kExtendedProperties);
+  if (part.empty() || !package_.Has(part)) return;
+  auto properties = package_.Xml(part).document_element();
+  auto headingVector = properties.child("HeadingPairs").child("vt:vector");
+  auto titleVector = properties.child("TitlesOfParts").child("vt:vector");
+  if (!headingVector || !titleVector) return;
+
+  struct Group {
+    std::string label;
+    std::vector<std::string> titles;
+  };
+  std::vector<Group> groups;
+  std::vector<std::string> oldTitles;
+  for (const auto title : titleVector.children()) oldTitles.emplace_back(title.text().get());
+  std::size_t next = 0;
+  for (auto variant = headingVector.first_child(); variant; variant = variant.next_sibling()) {
+    const auto countVariant = variant.next_sibling();
+    if (!countVariant) break;
+    Group group{variant.first_child().text().get(), {}};
+    const int count = countVariant.first_child().text().as_int();
+    for (int k = 0; k < count && next < oldTitles.size(); ++k) group.titles.push_back(oldTitles[next++]);
+    groups.push_back(std::move(group));
+    variant = countVariant;
+  }
+  std::vector<std::string> worksheets;
+  for (int i = 0; i < SheetCount(); ++i) {
+    if (Entry(i).worksheet) worksheets.push_back(SheetName(i));
+  }
+  std::vector<std::string> names;
+  for (const auto name : WorkbookRoot().child("definedNames").children("definedName")) {
+    if (name.attribute("hidden").as_bool()) continue;
+    std::string shown = name.attribute("name").value();
+    if (StartsWith(shown, "_xlnm.")) shown.erase(0, 6);
+    if (const auto local = name.attribute("localSheetId")) {
+      if (local.as_int() < 0 || local.as_int() >= SheetCount()) continue;
+      shown = QuoteSheetNameForFormula(SheetName(local.as_int())) + "!" + shown;
+    }
+    names.push_back(std::move(shown));
+  }
+  const auto isLabel = [](const std::string& label, std::initializer_list<std::string_view> options) {
+    return std::any_of(options.begin(), options.end(), [&](std::string_view o) { return label == o; });
+  };
+  bool haveNames = false;
+  for (std::size_t g = 0; g < groups.size(); ++g) {
+    if (g == 0) {
+      groups[g].titles = worksheets;  // Excel lists the worksheets first
+    } else if (isLabel(groups[g].label, {"Named Ranges", "Namngivna områden", "Benannte Bereiche"})) {
+      groups[g].titles = names;
+      haveNames = true;
+    }
+  }
+  if (!haveNames && !names.empty()) groups.push_back(Group{"Named Ranges", names});
+  std::erase_if(groups, [](const Group& group) { return group.titles.empty(); });
+
+  while (auto child = headingVector.first_child()) headingVector.remove_child(child);
+  while (auto child = titleVector.first_child()) titleVector.remove_child(child);
+  std::size_t titleCount = 0;
+  for (const auto& group : groups) {
+    headingVector.append_child("vt:variant").append_child("vt:lpstr").text().set(group.label.c_str());
+    headingVector.append_child("vt:variant").append_child("vt:i4").text().set(static_cast<int>(group.titles.size()));
+    for (const auto& title : group.titles) titleVector.append_child("vt:lpstr").text().set(title.c_str());
+    titleCount += group.titles.size();
+  }
+  headingVector.attribute("size") = static_cast<unsigned>(groups.size() * 2);
+  titleVector.attribute("size") = static_cast<unsigned>(titleCount);
+}
+
+}  // namespace sw::excel

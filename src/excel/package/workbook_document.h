@@ -1,0 +1,91 @@
+#pragma once
+// One open workbook package: its sheets in order, the workbook part with its defined names and
+// views, and the edits Excel makes at this level (copying and renaming sheets, the active sheet,
+// saving).
+#include <pugixml.hpp>
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "excel/package/package.h"
+#include "excel/package/worksheet.h"
+
+namespace sw::excel {
+
+class WorkbookDocument {
+ public:
+  // Throws PackageError: not a workbook, an old binary .xls, Strict Open XML, or a damaged package.
+  static std::unique_ptr<WorkbookDocument> FromBytes(std::string_view bytes, const PackageLimits& limits = {});
+  // A workbook of one sheet `sheetName` holding `rows`; cells of columns marked in `textColumns` use
+  // the text format, the others general (numbers stored as numbers).
+  static std::unique_ptr<WorkbookDocument> FromTable(std::string_view sheetName,
+                                                     const std::vector<std::vector<std::string>>& rows,
+                                                     const std::vector<bool>& textColumns);
+
+  struct SheetEntry {
+    int id = 0;                 // stable handle id, unique in this workbook
+    std::string part;           // part name of the sheet
+    bool worksheet = true;      // false for chart sheets and the like
+    bool createdByCopy = false; // no formula anywhere can name it yet
+  };
+
+  int SheetCount() const { return static_cast<int>(sheets_.size()); }
+  const SheetEntry& Entry(int position) const { return sheets_[static_cast<std::size_t>(position)]; }
+  int PositionOf(int id) const;  // -1 when gone
+  std::string SheetName(int position) const;
+  std::vector<std::string> SheetNames() const;
+  // Throws std::invalid_argument with Excel's reason when the name is refused.
+  void RenameSheet(int position, std::string_view name);
+  // Copies the sheet at `source` to just after `after`; returns the copy's position.
+  int CopySheet(int source, int after);
+
+  // The worksheet at `position`, parsed; `forWrite` marks it changed.
+  Worksheet Sheet(int position, bool forWrite);
+  pugi::xml_document& Styles();
+  std::string SharedString(int index);
+
+  int ActiveSheet() const { return activeSheet_; }
+  void SetActiveSheet(int position) { activeSheet_ = position; }
+  bool HasVbaProject();
+
+  // The package as it is saved under a name ending in `extension` (".xlsx", ".xlsm").
+  std::string Serialize(std::string_view extension);
+
+ private:
+  WorkbookDocument() = default;
+  void Load();
+  void Touch(const std::string& part);
+  void ShiftLocalSheetIds(int from);
+  void CopyDefinedNames(int source, int copy, std::string_view sourceName, std::string_view copyName);
+  void SortDefinedNames();
+  std::string CopyPart(const std::string& original, std::string_view sheetName, std::string_view copyName);
+  std::string CopyDrawing(const std::string& original, std::string_view sheetName, std::string_view copyName);
+  std::string CopyChart(const std::string& original, std::string_view sheetName, std::string_view copyName);
+  std::string CopyVml(const std::string& original);
+  std::string CopyTable(const std::string& original, std::vector<std::pair<std::string, std::string>>& renamed);
+  void WriteRelationshipsLike(const std::string& originalSource, const std::string& copySource,
+                              const std::vector<std::pair<std::string, std::string>>& newTargets);
+  void RenameInOtherParts(std::string_view oldName, std::string_view newName, int position);
+  void PrepareForSave(std::string_view extension);
+  void RemoveCalcChain();
+  void SetMacroContent(bool macro);
+  void UpdateSelectionFlags();
+  void UpdateAppProperties();
+  pugi::xml_node SheetNode(int position) const;
+  pugi::xml_node WorkbookRoot();
+
+  Package package_;
+  std::string workbookPart_;
+  std::vector<SheetEntry> sheets_;
+  int nextId_ = 1;
+  int activeSheet_ = 0;
+  std::deque<std::string> parsedSheets_;  // most recently used first
+  std::vector<std::string> dirtySheets_;
+  std::vector<std::string> sharedStrings_;
+  bool sharedStringsLoaded_ = false;
+};
+
+}  // namespace sw::excel

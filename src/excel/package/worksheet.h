@@ -1,0 +1,66 @@
+#pragma once
+// Edits of one worksheet part's XML: the cell store in <sheetData>, its dimension, manual row
+// breaks and the selection. Rows and cells stay in ascending order, as Excel requires.
+#include <pugixml.hpp>
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sw::excel {
+
+class Worksheet {
+ public:
+  explicit Worksheet(pugi::xml_document& document);
+
+  // Gives rows and cells without an r attribute the position they imply, and drops a namespace
+  // prefix from SpreadsheetML elements, so the other edits can rely on both.
+  static void Normalize(pugi::xml_document& document);
+
+  pugi::xml_node root() const { return root_; }
+  pugi::xml_node Row(int row) const;
+  pugi::xml_node Cell(int row, int column) const;
+  pugi::xml_node RowForWrite(int row);
+  pugi::xml_node CellForWrite(int row, int column);
+
+  // Stores `text` as an inline string, keeping the cell's style; empty text empties the cell.
+  void SetText(int row, int column, std::string_view text);
+  // Removes values and formulas in the block, keeping formats.
+  void ClearContents(int firstRow, int firstColumn, int lastRow, int lastColumn);
+  // The cell's text as Excel would show its value; `sharedString` looks up index entries.
+  std::string Text(int row, int column, const std::function<std::string(int)>& sharedString) const;
+
+  // The style the cell shows: its own, else its row's, else its column's.
+  int EffectiveStyle(int row, int column) const;
+  void SetStyle(int row, int column, int style);
+  void SetRowStyle(int row, int style, bool custom);
+  // Calls `visit(row, column)` for every stored cell in the block.
+  void ForEachCell(int firstRow, int firstColumn, int lastRow, int lastColumn,
+                   const std::function<void(pugi::xml_node)>& visit) const;
+
+  void UpdateDimension();
+  // Adds a manual break above `row`; false when Excel's limit of 1023 breaks is reached.
+  bool AddRowBreak(int row);
+  int RowBreakCount() const;
+
+  void SetSelection(int activeRow, int activeColumn, std::string_view sqref);
+  void SetTabSelected(bool selected);
+  void SetColumnWidth(int column, double width);
+
+ private:
+  void DropFormula(pugi::xml_node cell);
+  void Unshare(pugi::xml_node master);
+
+  pugi::xml_node root_;
+  pugi::xml_node sheetData_;
+};
+
+// Documents that write SpreadsheetML with a prefix ("x:worksheet") get the default namespace
+// instead, so edits can look for plain element names.
+void DropMainNamespacePrefix(pugi::xml_document& document);
+
+int CellRow(pugi::xml_node cell);
+int CellColumn(pugi::xml_node cell);
+
+}  // namespace sw::excel

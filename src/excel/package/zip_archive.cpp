@@ -1,0 +1,153 @@
+#include "excel/package/zip_archive.h"
+
+#include <zip.h>
+
+#include <ctime>
+#include <memory>
+
+namespace sw::excel {
+
+namespace {
+
+struct ArchiveCloser {
+  void operator()(zip_t* archive) const { zip_discard(archive); }
+};
+struct FileCloser {
+  void operator()(zip_file_t* file) const { zip_fclose(file); }
+};
+using ArchivePtr = std::unique_ptr<zip_t, ArchiveCloser>;
+
+std::string ZipErrorText(zip_error_t* error) { return zip_error_strerror(error); }
+
+[[noreturn]] void Damaged(const std::string& why) {
+  throw PackageError("Filen är inte en giltig arbetsbok (zip-arkivet är skadat: " + why + ").");
+}
+
+bool IsSafeName(std::string_view name) {
+  if (name.empty() || name.front() == '/' || name.find('\\') != std::string_view::npos) return false;
+  if (name.find('\0') != std::string_view::npos) return false;
+  std::size_t start = 0;
+  while (start <= name.size()) {
+    const auto end = std::min(name.find('/', start), name.size());
+    const auto segment = name.substr(start, end - start);
+    if (segment == "." || segment == "..") return false;
+    start = end + 1;
+  }
+  return true;
+}
+
+std::string LowerAscii(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return lower;
+}
+
+}  // namespace
+
+std::vector<ZipEntry> ReadZipArchive(std::string_view archive, const PackageLimits& limits) {
+  zip_error_t error;
+  zip_error_init(&error);
+  zip_source_t* source = zip_source_buffer_create(archive.data(), archive.size(), 0, &error);
+  if (source == nullptr) Damaged(ZipErrorText(&error));
+  ArchivePtr zip(zip_open_from_source(source, ZIP_RDONLY | ZIP_CHECKCONS, &error));
+  if (!zip) {
+    zip_source_free(source);
+    const std::string why = ZipErrorText(&error);
+    zip_error_fini(&error);
+    Damaged(why);
+  }
+  zip_error_fini(&error);
+
+  const zip_int64_t count = zip_get_num_entries(zip.get(), 0);
+  if (count < 0 || static_cast<std::size_t>(count) > limits.maxEntries) Damaged("för många delar");
+  std::vector<ZipEntry> entries;
+  std::vector<std::string> seen;
+  std::size_t total = 0;
+  for (zip_uint64_t index = 0; index < static_cast<zip_uint64_t>(count); ++index) {
+    zip_stat_t stat;
+    if (zip_stat_index(zip.get(), index, 0, &stat) != 0) Damaged(zip_strerror(zip.get()));
+    const std::string name = stat.name ? stat.name : "";
+    if (!name.empty() && name.back() == '/') continue;  // a folder entry
+    if (!IsSafeName(name)) Damaged("ogiltigt delnamn");
+    if ((stat.valid & ZIP_STAT_ENCRYPTION_METHOD) && stat.encryption_method != ZIP_EM_NONE) {
+      throw PackageError("Arbetsboken är krypterad och kan inte öppnas.");
+    }
+    if (stat.comp_method != ZIP_CM_STORE && stat.comp_method != ZIP_CM_DEFLATE) Damaged("okänd komprimering");
+    if (stat.size > limits.maxPartSize) Damaged("delen " + name + " är för stor");
+    if (stat.size > (1u << 20) && stat.size / std::max<zip_uint64_t>(stat.comp_size, 1) > limits.maxCompressionRatio) {
+      Damaged("delen " + name + " har orimlig komprimeringsgrad");
+    }
+    total += stat.size;
+    if (total > limits.maxTotalSize) Damaged("innehållet är för stort");
+    const std::string lower = LowerAscii(name);
+    for (const auto& other : seen) {
+      if (other == lower) Damaged("delen " + name + " finns två gånger");
+    }
+    seen.push_back(lower);
+
+    std::unique_ptr<zip_file_t, FileCloser> file(zip_fopen_index(zip.get(), index, 0));
+    if (!file) Damaged(zip_strerror(zip.get()));
+    ZipEntry entry{name, std::string(static_cast<std::size_t>(stat.size), '\0')};
+    std::size_t done = 0;
+    while (done < entry.bytes.size()) {
+      const zip_int64_t got = zip_fread(file.get(), entry.bytes.data() + done, entry.bytes.size() - done);
+      if (got < 0) Damaged(zip_file_strerror(file.get()));
+      if (got == 0) Damaged("delen " + name + " är avkortad");
+      done += static_cast<std::size_t>(got);
+    }
+    char extra;
+    if (zip_fread(file.get(), &extra, 1) != 0) Damaged("delen " + name + " är större än angivet");
+    entries.push_back(std::move(entry));
+  }
+  return entries;
+}
+
+std::string WriteZipArchive(const std::vector<ZipSource>& entries) {
+  zip_error_t error;
+  zip_error_init(&error);
+  zip_source_t* buffer = zip_source_buffer_create(nullptr, 0, 0, &error);
+  if (buffer == nullptr) throw PackageError("Kan inte skapa arbetsboken: " + ZipErrorText(&error));
+  zip_source_keep(buffer);
+  std::unique_ptr<zip_source_t, decltype(&zip_source_free)> keeper(buffer, zip_source_free);
+  ArchivePtr zip(zip_open_from_source(buffer, ZIP_TRUNCATE, &error));
+  if (!zip) throw PackageError("Kan inte skapa arbetsboken: " + ZipErrorText(&error));
+  zip_error_fini(&error);
+
+  std::tm stamp{};
+  stamp.tm_year = 80;
+  stamp.tm_mday = 1;
+  stamp.tm_isdst = -1;
+  const std::time_t fixedTime = std::mktime(&stamp);
+  for (const auto& entry : entries) {
+    zip_source_t* data = zip_source_buffer(zip.get(), entry.bytes.data(), entry.bytes.size(), 0);
+    if (data == nullptr) throw PackageError(std::string("Kan inte skapa arbetsboken: ") + zip_strerror(zip.get()));
+    const zip_int64_t index =
+        zip_file_add(zip.get(), std::string(entry.name).c_str(), data, ZIP_FL_ENC_UTF_8 | ZIP_FL_OVERWRITE);
+    if (index < 0) {
+      zip_source_free(data);
+      throw PackageError(std::string("Kan inte skapa arbetsboken: ") + zip_strerror(zip.get()));
+    }
+    const auto at = static_cast<zip_uint64_t>(index);
+    zip_set_file_compression(zip.get(), at, ZIP_CM_DEFLATE, 6);
+    zip_file_set_mtime(zip.get(), at, fixedTime, 0);
+    zip_file_set_external_attributes(zip.get(), at, 0, ZIP_OPSYS_DOS, 0);
+  }
+  if (zip_close(zip.get()) != 0) {
+    throw PackageError(std::string("Kan inte skriva arbetsboken: ") + zip_strerror(zip.get()));
+  }
+  (void)zip.release();
+
+  zip_stat_t stat;
+  if (zip_source_stat(buffer, &stat) != 0 || zip_source_open(buffer) != 0) {
+    throw PackageError("Kan inte skriva arbetsboken.");
+  }
+  std::string bytes(static_cast<std::size_t>(stat.size), '\0');
+  const zip_int64_t got = zip_source_read(buffer, bytes.data(), bytes.size());
+  zip_source_close(buffer);
+  if (got < 0 || static_cast<std::size_t>(got) != bytes.size()) throw PackageError("Kan inte skriva arbetsboken.");
+  return bytes;
+}
+
+}  // namespace sw::excel

@@ -1,0 +1,76 @@
+#include "report/preview_loader.h"
+
+#include <filesystem>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+
+#include "base/file_io.h"
+#include "base/windows_path.h"
+#include "report/cleanup.h"
+
+namespace sw::report {
+namespace {
+
+constexpr std::string_view kUseSlashTwo = "UseSlashTwo";
+constexpr std::string_view kIncludeEmptyRows = "IncludeEmptyRows";
+
+void ShowFileError(base::Dialogs& dialogs, std::string text) {
+  dialogs.ShowMessage({std::move(text), "Filfel", base::MessageIcon::kCritical, base::MessageButtons::kOk});
+}
+
+// Reads and loads the dump; false (after telling the user) when the file cannot be read or held.
+bool LoadDumpFile(ReportTable& table, const PreviewContext& context) {
+  const std::filesystem::path path = base::ResolveWindowsPath(context.dumpPath);
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(path, error);
+  if (error == std::errc::permission_denied) {
+    ShowFileError(context.dialogs, "Kan ej läsa filen " + context.dumpPath + ".");
+    return false;
+  }
+  // A folder, device or pipe named as the dump is as good as no file (and a pipe would never end).
+  if (!std::filesystem::is_regular_file(status)) {
+    context.dialogs.ShowMessage({"Hittar ej filen " + context.dumpPath + ".", "Fel",
+                                 base::MessageIcon::kInformation, base::MessageButtons::kOk});
+    return false;
+  }
+  try {
+    std::optional<std::string> bytes = base::ReadWholeFile(path);
+    if (!bytes) {
+      ShowFileError(context.dialogs, "Kan ej läsa filen " + context.dumpPath + ".");
+      return false;
+    }
+    LoadDumpText(table, *bytes, context.progress);
+  } catch (const std::bad_alloc&) {
+    table.SetRows(1);
+    ShowFileError(context.dialogs, "Filen " + context.dumpPath + " är för stor för att läsas in.");
+    return false;
+  } catch (const std::length_error&) {
+    table.SetRows(1);
+    ShowFileError(context.dialogs, "Filen " + context.dumpPath + " är för stor för att läsas in.");
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void PreviewVoltDump(ReportTable& table, const PreviewContext& context) {
+  if (context.refreshing) return;
+  const bool removeSlashTwo = context.settings.GetAppSetting(kUseSlashTwo, "1") == "0";
+  table.SetRows(1);
+  if (context.dumpPath.empty()) return;
+  if (!LoadDumpFile(table, context)) return;
+
+  if (context.layoutColumns) context.layoutColumns();
+  if (removeSlashTwo) CleanupSlashTwo(table);
+  // Loading keeps empty rows unless told otherwise, while the options start with the box unticked:
+  // two defaults for one setting, as the program always had them.
+  if (context.settings.GetAppSetting(kIncludeEmptyRows, "1") == "0") CleanupEmptyRows(table);
+  if (context.reloadTemplateLayout) context.reloadTemplateLayout();
+  if (context.showPageBreaks) context.showPageBreaks();
+}
+
+}  // namespace sw::report

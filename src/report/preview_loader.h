@@ -1,0 +1,34 @@
+#pragma once
+// Loading the report dump named in the main window's dump picker into the preview's report table,
+// with the clean-ups the settings ask for. The window supplies what only it has through the context.
+#include <functional>
+#include <string>
+
+#include "app/settings.h"
+#include "base/dialogs.h"
+#include "report/dump_reader.h"
+#include "report/report_table.h"
+
+namespace sw::report {
+
+struct PreviewContext {
+  std::string dumpPath;     // the dump picker's text (UTF-8), as the user sees it; may be empty
+  bool refreshing = false;  // the pickers are being filled: a load now would be thrown away
+  app::Settings& settings;
+  base::Dialogs& dialogs;
+  LoadProgress* progress = nullptr;  // busy state and progress bar; none in batch use
+  // After the reading pass: column widths and auto-size (GUI only).
+  std::function<void()> layoutColumns;
+  // At the very end, in this order: re-read the template's page layout, then draw the page breaks.
+  std::function<void()> reloadTemplateLayout;
+  std::function<void()> showPageBreaks;
+};
+
+// Cuts the table to its heading row and reads the dump into it; then, when "UseSlashTwo" is exactly
+// "0" removes "/2" endings, when "IncludeEmptyRows" is exactly "0" removes empty rows, and runs the
+// two end hooks. Does nothing at all while `refreshing`. An empty path leaves the heading row alone
+// silently; a missing file (or a folder) is reported with "Hittar ej filen ...", a file that cannot be
+// read with "Kan ej läsa filen ..."; neither runs the clean-ups or hooks.
+void PreviewVoltDump(ReportTable& table, const PreviewContext& context);
+
+}  // namespace sw::report

@@ -1,0 +1,37 @@
+#include "template/export_fixup.h"
+
+#include "template/current_report.h"
+#include "template/profile_file.h"
+#include "template/upper_case.h"
+
+namespace sw::templ {
+
+void InsertLeadingColumn(report::ReportTable& table) {
+  const int cols = table.Cols();
+  table.SetCols(cols + 1);
+  table.MoveColumn(cols, 0);
+  for (int row = 1; row < table.Rows(); ++row) {
+    table.SetBackColour(row, 0, table.BackColour(row, 1));
+    if (table.BackColour(row, 0) == report::kTitleGreen) {
+      table.SetText(row, 0, std::string(table.Text(row, 1)));
+      table.SetText(row, 1, "");
+    }
+  }
+}
+
+bool AdjustExportFile(bool force, std::string_view currentReportId, const base::Environment& environment,
+                      base::Dialogs& dialogs, report::ReportTable& table,
+                      const std::function<void()>& recheckTemplate) {
+  const bool sectionPresent = !ReadIniSection("CNCHSCR", CadIniPath(environment)).lines.empty();
+  if (!(UpperCase(currentReportId) == "FBLTAY" || force) || !(sectionPresent || force)) return false;
+
+  const auto answer =
+      dialogs.ShowMessage({"Infoga kolumn i yttre förbindningstabell?", "Justera fel i exportfil",
+                           base::MessageIcon::kQuestion, base::MessageButtons::kYesNo});
+  if (answer != base::MessageAnswer::kYes) return false;
+  InsertLeadingColumn(table);
+  if (recheckTemplate) recheckTemplate();
+  return true;
+}
+
+}  // namespace sw::templ

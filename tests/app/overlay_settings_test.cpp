@@ -1,0 +1,33 @@
+#include "app/overlay_settings.h"
+
+#include <gtest/gtest.h>
+
+#include "memory_settings.h"
+
+namespace sw::app {
+namespace {
+
+TEST(OverlaySettings, OverridesAnswerReadsAndWritesReachTheStore) {
+  sw::testing::MemorySettings store;
+  store.SaveAppSetting("Theme", "4");
+  store.SaveAppSetting("UseSlashTwo", "0");
+  OverlaySettings settings(store);
+  settings.Override("theme", "1");
+  settings.Override("PageNoLen", "");
+  settings.Override("Top", "300", "FRMMAIN");
+
+  EXPECT_EQ(settings.GetAppSetting("Theme", "2"), "1");
+  EXPECT_EQ(settings.GetAppSetting("PageNoLen", "1"), "1");  // empty reads as the default, as stored ones do
+  EXPECT_EQ(settings.GetAppSetting("Top", "0", "frmMain"), "300");
+  EXPECT_EQ(settings.GetAppSetting("Top", "0"), "0");
+  EXPECT_EQ(settings.GetAppSetting("UseSlashTwo", "1"), "0");
+
+  settings.SaveAppSetting("Theme", "3");
+  EXPECT_EQ(store.GetAppSetting("Theme", "2"), "3");
+  EXPECT_EQ(settings.GetAppSetting("Theme", "2"), "1");  // the override holds for the whole run
+  settings.DeleteAppSetting("UseSlashTwo");
+  EXPECT_EQ(settings.GetAppSetting("UseSlashTwo", "1"), "1");
+}
+
+}  // namespace
+}  // namespace sw::app

@@ -1,0 +1,53 @@
+#include "base/windows_path.h"
+
+#include <gtest/gtest.h>
+
+#include "temp_dir.h"
+
+namespace sw::base {
+namespace {
+
+class WindowsPathTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir_.Write("Mallar/Plan.XLSX", "x");
+    dir_.Write("Mallar/plan.ini", "y");
+    dir_.Write("Mallar/Sub/Data.txt", "z");
+  }
+  std::string Root() const { return dir_.path().string(); }
+  testing::TempDir dir_;
+};
+
+TEST_F(WindowsPathTest, BackslashesSeparateAndCaseIsIgnoredWhereTheSpellingIsMissing) {
+  WindowsPathResolver resolver;
+  EXPECT_EQ(resolver.Resolve(Root() + "\\mallar\\SUB\\data.TXT"),
+            dir_.path() / "Mallar" / "Sub" / "Data.txt");
+  EXPECT_EQ(resolver.Resolve(Root() + "\\\\Mallar\\"), dir_.path() / "Mallar");  // no empty parts
+  // Below a missing part everything keeps its spelling.
+  EXPECT_EQ(resolver.Resolve(Root() + "\\mallar\\Saknas\\X.ini"),
+            dir_.path() / "Mallar" / "Saknas" / "X.ini");
+  EXPECT_TRUE(WindowsFileExists(Root() + "\\mallar\\PLAN.ini"));
+  EXPECT_FALSE(WindowsFileExists(Root() + "\\mallar"));
+  EXPECT_TRUE(WindowsFolderExists(Root() + "\\MALLAR"));
+}
+
+TEST_F(WindowsPathTest, MappedDriveStandsForAHostFolder) {
+  WindowsPathResolver resolver;
+  EXPECT_EQ(resolver.Resolve("C:\\Mallar\\Plan.xlsx"), std::filesystem::path("C:") / "Mallar" / "Plan.xlsx");
+  resolver.MapDrive('c', dir_.path());
+  EXPECT_EQ(resolver.Resolve("C:\\MALLAR\\plan.xlsx"), dir_.path() / "Mallar" / "Plan.XLSX");
+  EXPECT_EQ(resolver.Resolve("c:mallar"), dir_.path() / "Mallar");
+  resolver.MapDrive('C', {});
+  EXPECT_EQ(resolver.Resolve("C:\\x"), std::filesystem::path("C:") / "x");
+}
+
+TEST_F(WindowsPathTest, FolderListingHoldsFilesInNameOrderIgnoringCase) {
+  dir_.Write("Mallar/a.xls", "");
+  dir_.Write("Mallar/B.xls", "");
+  EXPECT_EQ(ListFolderFiles(Root() + "\\MALLAR"),
+            (std::vector<std::string>{"a.xls", "B.xls", "plan.ini", "Plan.XLSX"}));
+  EXPECT_TRUE(ListFolderFiles(Root() + "\\Saknas").empty());
+}
+
+}  // namespace
+}  // namespace sw::base

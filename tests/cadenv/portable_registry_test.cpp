@@ -1,0 +1,158 @@
+#include "cadenv/portable_registry.h"
+
+#include <gtest/gtest.h>
+
+#include "base/environment.h"
+#include "base/file_io.h"
+#include "temp_dir.h"
+
+namespace sw::cadenv {
+namespace {
+
+using sw::testing::DataFile;
+using sw::testing::TempDir;
+
+std::vector<std::filesystem::path> BrokenCopies(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> copies;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.path().filename().string().find(".broken-") != std::string::npos)
+      copies.push_back(entry.path());
+  }
+  return copies;
+}
+
+std::string ReadValue(Registry& registry, std::string_view key, std::string_view name) {
+  return ReadRegistryValue(registry, RootKey::kCurrentUser, key, name, "<default>");
+}
+
+TEST(PortableRegistry, FirstWriteCreatesFoldersAndRegeditFile) {
+  TempDir dir;
+  PortableRegistry registry(dir.path() / "config" / "sheetwright" / "registry.reg");
+  EXPECT_FALSE(registry.QueryValue(RootKey::kCurrentUser, "Software\\ZENT", "x"));
+  EXPECT_FALSE(std::filesystem::exists(registry.FilePath()));
+
+  ASSERT_TRUE(
+      registry.SetStringValue(RootKey::kCurrentUser, "Software\\ZENT\\Sheetwright\\frmMain", "Top", "120"));
+  EXPECT_EQ(ReadValue(registry, "software\\zent\\sheetwright\\FRMMAIN", "top"), "120");
+  EXPECT_EQ(EnumRegistryKey(registry, RootKey::kCurrentUser, "Software\\ZENT", 0), "Sheetwright");
+  const auto bytes = base::ReadWholeFile(registry.FilePath());
+  ASSERT_TRUE(bytes);
+  EXPECT_EQ(bytes->substr(0, 4), std::string("\xff\xfeW\0", 4));
+}
+
+TEST(PortableRegistry, EveryReadSeesAnotherWritersChanges) {
+  TempDir dir;
+  PortableRegistry reader(dir.path() / "registry.reg");
+  PortableRegistry writer(dir.path() / "registry.reg");
+  writer.SetStringValue(RootKey::kCurrentUser, "K", "v", "1");
+  EXPECT_EQ(ReadValue(reader, "K", "v"), "1");
+  writer.SetStringValue(RootKey::kCurrentUser, "K", "v", "22");
+  EXPECT_EQ(ReadValue(reader, "K", "v"), "22");
+  EXPECT_TRUE(writer.DeleteValue(RootKey::kCurrentUser, "K", "V"));
+  EXPECT_EQ(ReadValue(reader, "K", "v"), "<default>");
+  EXPECT_FALSE(writer.DeleteValue(RootKey::kCurrentUser, "K", "v"));
+  EXPECT_FALSE(writer.DeleteValue(RootKey::kCurrentUser, "No\\Key", "v"));
+}
+
+TEST(PortableRegistry, ResettingAValueKeepsItsPlace) {
+  TempDir dir;
+  PortableRegistry registry(dir.path() / "registry.reg");
+  for (const char* name : {"b", "a", "c"}) registry.SetStringValue(RootKey::kCurrentUser, "K", name, "1");
+  registry.SetStringValue(RootKey::kCurrentUser, "K", "A", "2");
+  EXPECT_EQ(EnumRegistryValue(registry, RootKey::kCurrentUser, "K", 1).name, "a");
+  EXPECT_EQ(EnumRegistryValue(registry, RootKey::kCurrentUser, "K", 1).data, "2");
+}
+
+TEST(PortableRegistry, NamesWithLineBreaksAreRefused) {
+  TempDir dir;
+  PortableRegistry registry(dir.path() / "registry.reg");
+  EXPECT_FALSE(registry.SetStringValue(RootKey::kCurrentUser, "K", "two\nlines", "1"));
+  EXPECT_FALSE(registry.SetStringValue(RootKey::kCurrentUser, "K\r\nX", "v", "1"));
+  EXPECT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "v", "data may\r\nhave them"));
+  EXPECT_EQ(ReadValue(registry, "K", "v"), "data may\r\nhave them");
+}
+
+TEST(PortableRegistry, BrokenFileReadsEmptyAndIsKeptBeforeTheFirstWrite) {
+  TempDir dir;
+  const std::string broken = "REGEDIT4\r\n[HKCU\\K]\r\n\"v\"=\"1\"\r\nthis line is damaged\r\n";
+  const auto file = dir.Write("registry.reg", broken);
+  PortableRegistry registry(file);
+
+  EXPECT_EQ(ReadValue(registry, "K", "v"), "<default>");
+  EXPECT_EQ(registry.LastReadResult().status, RegParseStatus::kUnrecognisedLine);
+  EXPECT_EQ(registry.LastReadResult().line, 4u);
+  EXPECT_EQ(base::ReadWholeFile(file), broken);  // reading never rewrites
+  EXPECT_TRUE(BrokenCopies(dir.path()).empty());
+
+  ASSERT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "w", "2"));
+  const auto copies = BrokenCopies(dir.path());
+  ASSERT_EQ(copies.size(), 1u);
+  EXPECT_EQ(base::ReadWholeFile(copies[0]), broken);
+  EXPECT_EQ(ReadValue(registry, "K", "w"), "2");
+  EXPECT_TRUE(registry.LastReadResult());
+
+  registry.SetStringValue(RootKey::kCurrentUser, "K", "x", "3");
+  EXPECT_EQ(BrokenCopies(dir.path()).size(), 1u);
+}
+
+TEST(PortableRegistry, EmptyFileIsAnEmptyRegistryNotABrokenOne) {
+  TempDir dir;
+  PortableRegistry registry(dir.Write("registry.reg", ""));
+  ASSERT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "v", "1"));
+  EXPECT_TRUE(BrokenCopies(dir.path()).empty());
+}
+
+TEST(PortableRegistry, MergeAppliesKeysValuesAndDeletions) {
+  TempDir dir;
+  PortableRegistry registry(dir.path() / "registry.reg");
+  registry.SetStringValue(RootKey::kCurrentUser, "Software\\ZENT\\Sheetwright", "Theme", "4");
+  registry.SetStringValue(RootKey::kCurrentUser, "Software\\ZENT\\Sheetwright\\Layout", "Bars", "x");
+  const auto initReg = dir.Write("Init.reg",
+                                 "Windows Registry Editor Version 5.00\r\n\r\n"
+                                 "[-HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright\\Layout]\r\n\r\n"
+                                 "[HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright]\r\n"
+                                 "\"Theme\"=-\r\n\"UseSlashTwo\"=\"1\"\r\n");
+  const auto result = registry.MergeRegFile(initReg);
+  ASSERT_TRUE(result) << result.description;
+  EXPECT_EQ(ReadValue(registry, "Software\\ZENT\\Sheetwright", "Theme"), "<default>");
+  EXPECT_EQ(ReadValue(registry, "Software\\ZENT\\Sheetwright", "UseSlashTwo"), "1");
+  EXPECT_EQ(EnumRegistryKey(registry, RootKey::kCurrentUser, "Software\\ZENT\\Sheetwright", 0), "Not Found");
+
+  ASSERT_TRUE(registry.MergeRegFile(DataFile("registry/regedit4_ansi.reg")));
+  EXPECT_EQ(
+      ReadRegistryValue(registry, RootKey::kLocalMachine, "SOFTWARE\\VOLTARIS\\Projekt Ängen", "RDS", ""),
+      "C:\\Ritningar\\Kopplingsschema för ångpanna\\");
+}
+
+TEST(PortableRegistry, MergeOfABadFileChangesNothing) {
+  TempDir dir;
+  PortableRegistry registry(dir.path() / "registry.reg");
+  registry.SetStringValue(RootKey::kCurrentUser, "K", "v", "1");
+  const auto before = base::ReadWholeFile(registry.FilePath());
+  const auto bad = dir.Write("bad.reg", "REGEDIT4\r\n[HKCU\\K]\r\n\"v\"=-\r\n\"w\"=dword:xyz\r\n");
+  const auto result = registry.MergeRegFile(bad);
+  EXPECT_EQ(result.status, RegParseStatus::kBadValueData);
+  EXPECT_EQ(result.line, 4u);
+  EXPECT_EQ(base::ReadWholeFile(registry.FilePath()), before);
+  EXPECT_EQ(registry.MergeRegFile(dir.path() / "missing.reg").status, RegParseStatus::kUnreadable);
+}
+
+struct PathCase {
+  base::FakeEnvironment environment;
+  std::filesystem::path expected;
+};
+
+TEST(PortableRegistry, DefaultPathFromTheEnvironment) {
+  const std::vector<PathCase> cases = {
+      {{{"SHEETWRIGHT_REGISTRY", "/srv/reg.reg"}, {"XDG_CONFIG_HOME", "/xdg"}, {"HOME", "/home/u"}},
+       "/srv/reg.reg"},
+      {{{"SHEETWRIGHT_REGISTRY", ""}, {"XDG_CONFIG_HOME", "/xdg"}, {"HOME", "/home/u"}},
+       "/xdg/sheetwright/registry.reg"},
+      {{{"XDG_CONFIG_HOME", "relative"}, {"HOME", "/home/u"}}, "/home/u/.config/sheetwright/registry.reg"},
+      {{{"HOME", "/home/u"}}, "/home/u/.config/sheetwright/registry.reg"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(PortableRegistry::DefaultPath(c.environment), c.expected);
+}
+
+}  // namespace
+}  // namespace sw::cadenv

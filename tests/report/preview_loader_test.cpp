@@ -1,0 +1,163 @@
+#include "report/preview_loader.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "memory_settings.h"
+#include "scripted_dialogs.h"
+#include "table_rows.h"
+#include "temp_dir.h"
+
+namespace sw::report {
+namespace {
+
+using testing::DataFile;
+
+// Records the load's calls to the window in the order they come.
+class WindowDouble final : public LoadProgress {
+ public:
+  std::vector<std::string> calls;
+  void Begin(int lineCount) override { calls.push_back("Begin " + std::to_string(lineCount)); }
+  void Step(int) override {}
+  void End() override { calls.push_back("End"); }
+};
+
+class PreviewVoltDumpTest : public ::testing::Test {
+ protected:
+  PreviewContext Context(std::string path) {
+    return PreviewContext{.dumpPath = std::move(path),
+                          .settings = settings,
+                          .dialogs = dialogs,
+                          .progress = &window,
+                          .layoutColumns = [this] { window.calls.push_back("layout"); },
+                          .reloadTemplateLayout = [this] { window.calls.push_back("template"); },
+                          .showPageBreaks = [this] { window.calls.push_back("page breaks"); }};
+  }
+  static std::string Placements() { return DataFile("dumps/placements_windows1252.txt").string(); }
+
+  testing::MemorySettings settings;
+  testing::ScriptedDialogs dialogs;
+  WindowDouble window;
+  ReportTable table;
+};
+
+TEST_F(PreviewVoltDumpTest, LoadsTheDumpThenLaysOutAndRunsTheHooksInOrder) {
+  PreviewVoltDump(table, Context(Placements()));
+  EXPECT_EQ(window.calls, (std::vector<std::string>{"Begin 8", "End", "layout", "template", "page breaks"}));
+  EXPECT_TRUE(dialogs.messages.empty());
+  EXPECT_EQ(ReportRows(table), (std::vector<std::string>{
+                                   "+A1 Apparatsk\u00e5p|||||",
+                                   "|X1|1|K\u00e4llare/2|W1|2.5",
+                                   "|X1|2|Pump/2|W1|2.5",
+                                   "|||||",
+                                   "+A2 \u00d6verv\u00e5ning|||||",
+                                   "|X2|1/2|L\u00e5da|W7|1.5",
+                                   "||/2||/2|",
+                               }));
+  EXPECT_EQ(table.ClassOf(1), RowClass::kPlacementHead);
+  EXPECT_EQ(PaintedColumns(table, 5, kTitleGreen), "111111");
+}
+
+struct CleanupSettingsCase {
+  const char* useSlashTwo;  // nullptr: not stored
+  const char* includeEmptyRows;
+  std::vector<std::string> column3;  // column 3 of every report row
+  friend void PrintTo(const CleanupSettingsCase& c, std::ostream* out) {
+    *out << "UseSlashTwo " << (c.useSlashTwo ? c.useSlashTwo : "(none)") << ", IncludeEmptyRows "
+         << (c.includeEmptyRows ? c.includeEmptyRows : "(none)");
+  }
+};
+
+class CleanupSettings : public PreviewVoltDumpTest,
+                        public ::testing::WithParamInterface<CleanupSettingsCase> {};
+
+TEST_P(CleanupSettings, OnlyAnExactZeroRunsACleanup) {
+  const CleanupSettingsCase& c = GetParam();
+  if (c.useSlashTwo) settings.SaveAppSetting("UseSlashTwo", c.useSlashTwo);
+  if (c.includeEmptyRows) settings.SaveAppSetting("IncludeEmptyRows", c.includeEmptyRows);
+  PreviewVoltDump(table, Context(Placements()));
+  std::vector<std::string> column3;
+  for (int row = 1; row < table.Rows(); ++row) column3.emplace_back(table.Text(row, 3));
+  EXPECT_EQ(column3, c.column3);
+}
+
+const std::vector<std::string> kAsRead = {"", "K\u00e4llare/2", "Pump/2", "", "", "L\u00e5da", ""};
+
+INSTANTIATE_TEST_SUITE_P(
+    PreviewVoltDump, CleanupSettings,
+    ::testing::Values(
+        CleanupSettingsCase{nullptr, nullptr, kAsRead}, CleanupSettingsCase{"1", "1", kAsRead},
+        CleanupSettingsCase{"", "", kAsRead},  // an empty value reads as the default
+        CleanupSettingsCase{"false", " 0", kAsRead},
+        CleanupSettingsCase{"0", nullptr, {"", "K\u00e4llare", "Pump", "", "", "L\u00e5da", ""}},
+        // The blank title row is not there: the dump opens with a title line.
+        CleanupSettingsCase{nullptr, "0", {"", "K\u00e4llare/2", "Pump/2", "", "L\u00e5da", ""}},
+        // "/2" goes first, so the row that held only "/2" texts is then empty too.
+        CleanupSettingsCase{"0", "0", {"", "K\u00e4llare", "Pump", "", "L\u00e5da"}}));
+
+TEST_F(PreviewVoltDumpTest, DoesNothingWhileThePickersAreFilled) {
+  table.SetRows(3);
+  table.SetText(2, 0, "kvar");
+  PreviewContext context = Context(Placements());
+  context.refreshing = true;
+  PreviewVoltDump(table, context);
+  EXPECT_EQ(table.Rows(), 3);
+  EXPECT_EQ(table.Text(2, 0), "kvar");
+  EXPECT_TRUE(window.calls.empty());
+}
+
+TEST_F(PreviewVoltDumpTest, EmptyPathLeavesOnlyTheHeadingRowSilently) {
+  table.SetRows(3);
+  table.SetText(0, 0, "Rubrik");
+  PreviewVoltDump(table, Context(""));
+  EXPECT_EQ(table.Rows(), 1);
+  EXPECT_EQ(table.Text(0, 0), "Rubrik");
+  EXPECT_TRUE(dialogs.messages.empty());
+  EXPECT_TRUE(window.calls.empty());
+}
+
+TEST_F(PreviewVoltDumpTest, MissingFileOrFolderIsReportedAndNothingElseRuns) {
+  testing::TempDir temp;
+  for (const std::string& path : {(temp.path() / "saknas.txt").string(), temp.path().string()}) {
+    table.SetRows(4);
+    dialogs.messages.clear();
+    PreviewVoltDump(table, Context(path));
+    EXPECT_EQ(table.Rows(), 1);
+    ASSERT_EQ(dialogs.messages.size(), 1u);
+    const base::Message& message = dialogs.messages[0];
+    EXPECT_EQ(message.text, "Hittar ej filen " + path + ".");
+    EXPECT_EQ(message.title, "Fel");
+    EXPECT_EQ(message.icon, base::MessageIcon::kInformation);
+    EXPECT_EQ(message.buttons, base::MessageButtons::kOk);
+  }
+  EXPECT_TRUE(window.calls.empty());
+}
+
+TEST_F(PreviewVoltDumpTest, UnreadableFileIsAFileErrorNotACrash) {
+  testing::TempDir temp;
+  const auto path = temp.Write("l\u00e5st.txt", "%T\n");
+  std::filesystem::permissions(path, std::filesystem::perms::none);
+  if (std::ifstream(path).is_open()) GTEST_SKIP() << "this account reads files whatever their permissions";
+  PreviewVoltDump(table, Context(path.string()));
+  EXPECT_EQ(table.Rows(), 1);
+  ASSERT_EQ(dialogs.messages.size(), 1u);
+  EXPECT_EQ(dialogs.messages[0].text, "Kan ej l\u00e4sa filen " + path.string() + ".");
+  EXPECT_EQ(dialogs.messages[0].title, "Filfel");
+  EXPECT_EQ(dialogs.messages[0].icon, base::MessageIcon::kCritical);
+}
+
+TEST_F(PreviewVoltDumpTest, ByteOrderMarkedDumpsReadAlike) {
+  ReportTable utf16;
+  PreviewVoltDump(table, Context(DataFile("dumps/utf8_bom.txt").string()));
+  PreviewVoltDump(utf16, Context(DataFile("dumps/utf16le_bom.txt").string()));
+  EXPECT_EQ(ReportRows(table),
+            (std::vector<std::string>{"+A1 Apparatsk\u00e5p||", "|X1|K\u00e4llare\u20ac"}));
+  EXPECT_EQ(ReportRows(utf16), ReportRows(table));
+}
+
+}  // namespace
+}  // namespace sw::report
