@@ -3,6 +3,7 @@
 
 #include <iostream>
 
+#include "cli/check_command.h"
 #include "cli/preview_command.h"
 
 int main(int argc, char** argv) {
@@ -12,6 +13,8 @@ int main(int argc, char** argv) {
 
   sw::cli::PreviewOptions preview;
   sw::cli::AddPreviewCommand(app, preview);
+  sw::cli::CheckOptions check;
+  sw::cli::AddCheckCommand(app, check);
 
   try {
     app.parse(argc, argv);
@@ -25,5 +28,6 @@ int main(int argc, char** argv) {
   }
 
   if (app.got_subcommand("preview")) return sw::cli::RunPreview(preview, std::cout, std::cerr);
+  if (app.got_subcommand("check")) return sw::cli::RunCheck(check, std::cout, std::cerr);
   return 2;
 }

@@ -6,26 +6,43 @@
 
 #include "app/overlay_settings.h"
 #include "app/settings.h"
+#include "base/environment.h"
 #include "cadenv/registry.h"
 #include "cli/console_dialogs.h"
 #include "cli/table_output.h"
+#include "cli/template_path.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
+#include "template/current_report.h"
+#include "template/export_fixup.h"
+#include "template/field_panel.h"
+#include "template/preview_page_breaks.h"
+#include "template/template_definition.h"
+#include "template/template_ini.h"
 
 namespace sw::cli {
 
 void AddPreviewCommand(CLI::App& app, PreviewOptions& options) {
   CLI::App* command = app.add_subcommand("preview", "Load a report dump as the preview does and print it");
   command->add_option("DUMP", options.dump, "The report dump (text file written by VOLTARIS)")->required();
+  command->add_option("--template", options.templateWorkbook,
+                      "Template workbook; its INI file gives the headings and the page length");
   auto* json = command->add_flag("--json", options.json, "Print the table as one JSON object");
   auto* summary = command->add_flag("--summary", options.summary, "Print only rows, columns and placements");
   json->excludes(summary);
+  command->add_flag("--fix-export", options.fixExport,
+                    "Insert the missing leading column of the outer connection table (asks first)");
+  command->add_flag("--yes", options.yes, "Answer Yes to the program's questions");
+  const auto zeroOrOne = CLI::IsMember({"0", "1"});
   command->add_option("--include-empty-rows", options.includeEmptyRows,
                       "Keep empty rows (1) or remove them (0) for this run; default: the stored setting")
-      ->check(CLI::IsMember({"0", "1"}));
+      ->check(zeroOrOne);
   command->add_option("--slash-two", options.slashTwo,
                       "Keep \"/2\" endings (1) or remove them (0) for this run; default: the stored setting")
-      ->check(CLI::IsMember({"0", "1"}));
+      ->check(zeroOrOne);
+  command->add_option("--show-page-breaks", options.showPageBreaks,
+                      "Draw page-break marks (1) or not (0) for this run; default: the stored setting")
+      ->check(zeroOrOne);
 }
 
 int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& err) {
@@ -34,13 +51,35 @@ int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& e
   app::OverlaySettings settings(stored);
   if (options.includeEmptyRows) settings.Override("IncludeEmptyRows", *options.includeEmptyRows);
   if (options.slashTwo) settings.Override("UseSlashTwo", *options.slashTwo);
+  if (options.showPageBreaks) settings.Override("ShowPageBreaks", *options.showPageBreaks);
 
-  ConsoleDialogs dialogs(err, /*answerYes=*/false);
+  ConsoleDialogs dialogs(err, options.yes);
   report::ReportTable table;
+  templ::TemplateDefinition definition;
+  templ::FieldPanel fields;
+  templ::PreviewPageLayout layout(definition, dialogs, settings);
+
   report::PreviewContext context{.dumpPath = options.dump, .settings = settings, .dialogs = dialogs,
                                  .layoutColumns = {}, .reloadTemplateLayout = {}, .showPageBreaks = {}};
+  if (options.templateWorkbook) {
+    // The main window pairs the template before it reads the dump, so the headings are in place.
+    const TemplateLocation location = SplitTemplatePath(*options.templateWorkbook);
+    layout.SetTemplate(location.folder, location.file);
+    templ::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
+    context.reloadTemplateLayout = [&layout] { layout.ReloadLayout(); };
+    context.showPageBreaks = [&layout, &table] { layout.ShowPageBreaks(table); };
+  }
+  const int messagesBeforeLoad = dialogs.MessagesShown();
   report::PreviewVoltDump(table, context);
-  if (dialogs.MessagesShown() > 0) return 1;
+  // A dump that could not be read ends the run; template messages alone do not.
+  if (table.Rows() <= 1 && dialogs.MessagesShown() > messagesBeforeLoad) return 1;
+
+  if (options.fixExport) {
+    const auto current = templ::ReadCurrentReport(base::ProcessEnvironment(), {});
+    if (templ::AdjustExportFile(true, current.reportId, base::ProcessEnvironment(), dialogs, table)) {
+      layout.ShowPageBreaks(table);
+    }
+  }
 
   if (options.json) {
     WriteRowsAsJson(out, table);

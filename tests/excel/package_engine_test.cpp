@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
+#include <filesystem>
 #include <memory>
 
 #include "base/file_io.h"
@@ -83,6 +84,189 @@ TEST_F(PackageEngineTest, GeneratesPagesLikeExcel) {
                               "_xlnm.Print_Titles@3='2'!1:9", "_xlnm.Print_Titles@4='3'!1:9"}));
   EXPECT_STREQ(workbook.document_element().child("bookViews").child("workbookView").attribute("activeTab").value(),
                "4");
+}
+
+std::string Replace(std::string text, std::string_view from, std::string_view to) {
+  const auto at = text.find(from);
+  if (at != std::string::npos) text.replace(at, from.size(), to);
+  return text;
+}
+
+// The template's package with one part changed.
+std::string TemplateWith(const char* name, const std::string& part, const std::string& from, const std::string& to) {
+  Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath(name)));
+  package.SetBytes(part, Replace(package.Bytes(part), from, to));
+  return package.ToZip();
+}
+
+TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
+  const std::string workbookRel = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
+  const std::string good = *base::ReadWholeFile(TemplatePath("title_block.xlsx"));
+  struct Case {
+    const char* what;
+    std::string bytes;
+    const char* says;
+  };
+  const std::vector<Case> cases = {
+      {"binary .xls", std::string("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + std::string(500, '\0'), ".xls"},
+      {"strict", TemplateWith("title_block.xlsx", "_rels/.rels", workbookRel,
+                              "http://purl.oclc.org/ooxml/officeDocument/relationships/officeDocument"), "Strikt"},
+      {"text", "Kabel\tFrån\r\n", "inte en Excel-arbetsbok"},
+      {"document", TemplateWith("title_block.xlsx", "[Content_Types].xml", "spreadsheetml.sheet.main+xml",
+                                "wordprocessingml.document.main+xml"), "inte en Excel-arbetsbok"},
+      {"truncated", good.substr(0, good.size() / 2), "zip-arkivet"},
+      {"bad workbook xml", TemplateWith("title_block.xlsx", "xl/workbook.xml", "</sheets>", "</sheet>"), "XML"},
+      {"missing sheet", TemplateWith("title_block.xlsx", "xl/_rels/workbook.xml.rels", "sheet2.xml", "sheet9.xml"),
+       "saknas"},
+  };
+  for (const auto& c : cases) {
+    const auto path = temp_.Write(std::string(c.what) + ".xlsx", c.bytes);
+    try {
+      app_.Workbooks().Open(path.string());
+      ADD_FAILURE() << c.what << " was opened";
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.number(), kApplicationDefined) << c.what;
+      EXPECT_NE(error.description().find(c.says), std::string::npos) << c.what << ": " << error.description();
+    }
+  }
+  EXPECT_EQ(app_.Workbooks().Count(), 0);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(temp_.path()), {}),
+            static_cast<std::ptrdiff_t>(cases.size()));
+}
+
+TEST_F(PackageEngineTest, ReadOnlyWorkbookIsNotSavedOverItself) {
+  const auto path = temp_.Write("mall.xlsx", *base::ReadWholeFile(TemplatePath("title_block.xlsx")));
+  const std::string before = *base::ReadWholeFile(path);
+  Workbook book = app_.Workbooks().Open(path.string(), true);
+  book.Sheets().Item(1).Cells(1, 1).SetValue("ändrad");
+  EXPECT_THROW(book.Save(), AutomationError);
+  EXPECT_THROW(book.SaveAs(path.string()), AutomationError);
+  EXPECT_THROW(book.SaveAs((temp_.path() / "saknad mapp" / "x.xlsx").string()), AutomationError);
+  EXPECT_THROW(book.SaveAs((temp_.path() / "x.ods").string()), AutomationError);
+  EXPECT_EQ(*base::ReadWholeFile(path), before);
+  book.Close(false);
+  EXPECT_EQ(app_.Workbooks().Count(), 0);
+}
+
+TEST_F(PackageEngineTest, MacroProjectStaysInXlsmAndLeavesWithXlsx) {
+  Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath("title_block.xlsm")));
+  package.SetBytes("xl/vbaProject.bin", "VBA-projekt");
+  package.SetBytes("xl/calcChain.xml", "<calcChain xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"/>");
+  auto& types = package.Xml("[Content_Types].xml");
+  auto bin = types.document_element().prepend_child("Default");
+  bin.append_attribute("Extension") = "bin";
+  bin.append_attribute("ContentType") = "application/vnd.ms-office.vbaProject";
+  package.SetBytes("xl/_rels/workbook.xml.rels",
+                   Replace(package.Bytes("xl/_rels/workbook.xml.rels"), "</Relationships>",
+                           "<Relationship Id=\"rId90\" Type=\"http://schemas.microsoft.com/office/2006/relationships/"
+                           "vbaProject\" Target=\"vbaProject.bin\"/><Relationship Id=\"rId91\" Type=\"http://"
+                           "schemas.openxmlformats.org/officeDocument/2006/relationships/calcChain\" "
+                           "Target=\"calcChain.xml\"/></Relationships>"));
+  const WorkbookId id = engine().OpenBytes(package.ToZip(), "mall.xlsm", false);
+
+  Package macro = Package::FromZip(engine().SaveToBytes(id, ".xlsm"));
+  EXPECT_EQ(macro.Bytes("xl/vbaProject.bin"), "VBA-projekt");
+  EXPECT_NE(macro.Bytes("[Content_Types].xml").find("macroEnabled.main+xml"), std::string::npos);
+  EXPECT_FALSE(macro.Has("xl/calcChain.xml"));
+  EXPECT_EQ(macro.Bytes("xl/_rels/workbook.xml.rels").find("calcChain"), std::string::npos);
+  EXPECT_NE(macro.Bytes("xl/workbook.xml").find("fullCalcOnLoad=\"1\""), std::string::npos);
+
+  Package plain = Package::FromZip(engine().SaveToBytes(id, ".xlsx"));
+  EXPECT_FALSE(plain.Has("xl/vbaProject.bin"));
+  EXPECT_EQ(plain.Bytes("xl/_rels/workbook.xml.rels").find("vbaProject"), std::string::npos);
+  EXPECT_EQ(plain.Bytes("[Content_Types].xml").find("vbaProject"), std::string::npos);
+  EXPECT_NE(plain.Bytes("[Content_Types].xml").find("spreadsheetml.sheet.main+xml"), std::string::npos);
+}
+
+TEST_F(PackageEngineTest, CopiesGetTheirOwnCommentShapesAndTables) {
+  Workbook book = app_.Workbooks().Open(TemplatePath("title_block_openpyxl.xlsx"));
+  book.Sheets().Item(2).CopyAfter(book.Sheets().Item(2));
+  book.Sheets().Item(2).CopyAfter(book.Sheets().Item(3));
+  EXPECT_EQ(book.Sheets().Item(3).Name(), "Mall (2)");
+  EXPECT_EQ(book.Sheets().Item(3).Cells(8, 9).Value(), "");
+  Package saved = Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx"));
+  std::vector<std::string> idmaps, tableNames, shapeIds;
+  for (const auto& part : saved.PartNames()) {
+    const std::string& text = saved.Bytes(part);
+    if (part.ends_with(".vml")) {
+      idmaps.push_back(text.substr(text.find("data=\"") + 6, 1));
+      shapeIds.push_back(text.substr(text.find("_x0000_s"), 12));
+    }
+    if (part.starts_with("xl/tables/")) {
+      auto& table = saved.Xml(part);
+      tableNames.push_back(std::string(table.document_element().attribute("displayName").value()) + "#" +
+                           table.document_element().attribute("id").value());
+    }
+  }
+  EXPECT_EQ(idmaps, (std::vector<std::string>{"1", "2", "3"}));
+  EXPECT_EQ(shapeIds, (std::vector<std::string>{"_x0000_s1026", "_x0000_s2050", "_x0000_s3074"}));
+  EXPECT_EQ(tableNames, (std::vector<std::string>{"Kabeltyper#1", "Kabeltyper1#2", "Kabeltyper2#3"}));
+  EXPECT_NE(saved.Bytes("xl/worksheets/sheet3.xml").find("Kabeltyper1[Antal]"), std::string::npos);
+  EXPECT_EQ(saved.Bytes("xl/worksheets/sheet3.xml").find("tabSelected"), std::string::npos);
+}
+
+TEST_F(PackageEngineTest, KeepsCellsInOrderAndSharedFormulasWhole) {
+  Workbook book = app_.Workbooks().Open(TemplatePath("title_block_openpyxl.xlsx"));
+  Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath("title_block_openpyxl.xlsx")));
+  package.SetBytes("xl/worksheets/sheet1.xml",
+                   "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><sheetData>"
+                   "<row r=\"1\"><c r=\"A1\"><v>1</v></c><c r=\"B1\"><f t=\"shared\" ref=\"B1:B3\" si=\"0\">"
+                   "A1*2</f><v>2</v></c></row><row r=\"2\"><c r=\"B2\"><f t=\"shared\" si=\"0\"/></c></row>"
+                   "<row r=\"3\"><c r=\"B3\"><f t=\"shared\" si=\"0\"/></c></row></sheetData></worksheet>");
+  const WorkbookId id = engine().OpenBytes(package.ToZip(), "f.xlsx", false);
+  Sheet sheet = Workbook(&engine(), id).Sheets().Item(1);
+  sheet.Cells(1, 2).SetValue("text");
+  sheet.Cells(5, 3).SetValue("c");
+  sheet.Cells(5, 1).SetValue("a");
+  sheet.Cells(4, 2).SetValue("b");
+  sheet.Cells(5, 2).SetValue(" b ");
+  sheet.Range("A5:B5").ClearContents();
+  sheet.Cells(2, 30).SetValue("\x01_x0041_");
+  EXPECT_EQ(sheet.Cells(2, 30).Value(), "\x01_x0041_");
+  const std::string xml = Package::FromZip(engine().SaveToBytes(id, ".xlsx")).Bytes("xl/worksheets/sheet1.xml");
+  EXPECT_NE(xml.find("<dimension ref=\"A1:AD5\"/>"), std::string::npos) << xml;
+  EXPECT_NE(xml.find("<row r=\"2\"><c r=\"B2\"><f>A2*2</f></c><c r=\"AD2\" t=\"inlineStr\"><is><t>_x0001__x005F_x0041_</t>"),
+            std::string::npos) << xml;
+  EXPECT_NE(xml.find("<row r=\"3\"><c r=\"B3\"><f>A3*2</f></c></row><row r=\"4\"><c r=\"B4\""), std::string::npos);
+  EXPECT_NE(xml.find("<row r=\"5\"><c r=\"C5\" t=\"inlineStr\"><is><t>c</t></is></c></row>"), std::string::npos) << xml;
+}
+
+TEST_F(PackageEngineTest, PageBreaksStopAtExcelsLimit) {
+  Workbook book = app_.Workbooks().Open(TemplatePath("title_block.xlsx"));
+  Sheet sheet = book.Sheets().Item(2);
+  EXPECT_THROW(sheet.HPageBreaks().Add(sheet.Cells(1, 1)), AutomationError);
+  for (int row = 2; row <= 1024; ++row) sheet.HPageBreaks().Add(sheet.Cells(row, 1));
+  sheet.HPageBreaks().Add(sheet.Cells(500, 3));  // already there
+  EXPECT_EQ(sheet.HPageBreaks().Count(), 1023);
+  EXPECT_THROW(sheet.HPageBreaks().Add(sheet.Cells(2000, 1)), AutomationError);
+  const std::string xml = Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx")).Bytes("xl/worksheets/sheet2.xml");
+  EXPECT_NE(xml.find("<rowBreaks count=\"1023\" manualBreakCount=\"1023\"><brk id=\"1\" max=\"16383\" man=\"1\"/>"),
+            std::string::npos);
+}
+
+TEST_F(PackageEngineTest, OpenTextKeepsTextColumnsAsWritten) {
+  std::string line = "007\t\"citat\"\t\t";
+  for (int column = 4; column <= 20; ++column) line += "x\t";
+  line += "007\t\xC5sa\r\n";  // column 21 is general; the file is Windows-1252
+  OpenTextOptions options;
+  options.fileName = temp_.Write("Rapport 7.txt", line + "a\tb\r\n").string();
+  for (int column = 1; column <= 20; ++column) options.fieldInfo.emplace_back(column, XlColumnDataType::xlTextFormat);
+  Workbook book = app_.Workbooks().OpenText(options);
+  Sheet sheet = app_.ActiveWorkbook().Sheets().Item(1);
+  EXPECT_EQ(sheet.Name(), "Rapport 7");
+  EXPECT_EQ(sheet.Cells(1, 1).Value(), "007");
+  EXPECT_EQ(sheet.Cells(1, 2).Value(), "\"citat\"");
+  EXPECT_EQ(sheet.Cells(1, 3).Value(), "");
+  EXPECT_EQ(sheet.Cells(1, 21).Value(), "7");
+  EXPECT_EQ(sheet.Cells(1, 22).Value(), "Åsa");
+  EXPECT_EQ(sheet.Cells(2, 2).Value(), "b");
+  sheet.Cells().Select();
+  app_.Selection().EntireColumn().AutoFit();
+  sheet.Range("A1").Select();
+  EXPECT_THROW(book.Save(), AutomationError);
+  book.SaveAs((temp_.path() / "Rapport.xlsx").string());
+  EXPECT_EQ(app_.Workbooks().Open((temp_.path() / "Rapport.xlsx").string()).Sheets().Item(1).Cells(1, 22).Value(),
+            "Åsa");
 }
 
 }  // namespace

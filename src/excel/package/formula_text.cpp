@@ -52,7 +52,7 @@ std::size_t CellReferenceLength(std::string_view text, std::size_t at) {
   const std::size_t digits = i;
   while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i;
   if (i == digits) return 0;
-  if (i < text.size() && (IsNameChar(text[i]) || text[i] == '(' || text[i] == '!')) return 0;
+  if (i < text.size() && (IsNameChar(text[i]) || text[i] == '(' || text[i] == '!' || text[i] == '[')) return 0;
   return ParseCellAddress(text.substr(at, i - at)) ? i - at : 0;
 }
 

@@ -121,6 +121,9 @@ int WorkbookDocument::CopySheet(int source, int after) {
   unsigned highestSheetId = 0;
   for (const auto sheet : sheets.children("sheet")) highestSheetId = std::max(highestSheetId, sheet.attribute("sheetId").as_uint());
   auto node = sheets.insert_child_after("sheet", SheetNode(after));
+  for (const auto attribute : sourceNode.attributes()) {  // some writers declare r: on each sheet
+    if (std::string_view(attribute.name()).substr(0, 6) == "xmlns:") node.append_copy(attribute);
+  }
   node.append_attribute("name") = copyName.c_str();
   node.append_attribute("sheetId") = highestSheetId + 1;
   if (const auto state = sourceNode.attribute("state")) node.append_attribute("state") = state.value();

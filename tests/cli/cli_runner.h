@@ -1,0 +1,31 @@
+#pragma once
+// Runs the built sheetwright-cli as a user would, with its own registry file, and captures the result.
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace sw::testing {
+
+struct CliResult {
+  int exitCode = -1;
+  std::string out;
+  std::string err;
+};
+
+class CliRunner {
+ public:
+  // `folder` holds the registry file and the captured streams.
+  explicit CliRunner(std::filesystem::path folder);
+
+  const std::filesystem::path& RegistryFile() const { return registry_; }
+  // Extra environment variables for every run ("NAME=value").
+  std::vector<std::string> environment;
+
+  CliResult Run(const std::vector<std::string>& args) const;
+
+ private:
+  std::filesystem::path folder_;
+  std::filesystem::path registry_;
+};
+
+}  // namespace sw::testing
