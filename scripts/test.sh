@@ -15,10 +15,16 @@ if [ "$fuzz_seconds" -gt 0 ]; then
     name=$(basename "$fuzzer")
     corpus=build/fuzz/corpus/$name
     mkdir -p "$corpus"
-    seeds=()
-    [ -d "fuzz/corpus/$name" ] && seeds=("fuzz/corpus/$name")
+    # Start from the test data of the format each target reads.
+    case "$name" in
+      package_fuzzer) starting=(tests/data/templates) ;;
+      dump_reader_fuzzer) starting=(tests/data/dumps) ;;
+      reg_file_fuzzer) starting=(tests/data/registry) ;;
+      profile_reader_fuzzer) starting=(tests/data/templates_ini) ;;
+      *) starting=() ;;
+    esac
     echo "fuzz: $name for ${fuzz_seconds}s"
-    "$fuzzer" -max_total_time="$fuzz_seconds" -rss_limit_mb=2048 -print_final_stats=0 "$corpus" "${seeds[@]}" \
+    "$fuzzer" -max_total_time="$fuzz_seconds" -rss_limit_mb=2048 -print_final_stats=0 "$corpus" "${starting[@]}" \
       >"build/fuzz/$name.log" 2>&1 || { tail -40 "build/fuzz/$name.log"; exit 1; }
   done
 fi

@@ -4,6 +4,8 @@
 #include <iostream>
 
 #include "cli/check_command.h"
+#include "cli/environment_command.h"
+#include "cli/generate_command.h"
 #include "cli/preview_command.h"
 
 int main(int argc, char** argv) {
@@ -15,6 +17,10 @@ int main(int argc, char** argv) {
   sw::cli::AddPreviewCommand(app, preview);
   sw::cli::CheckOptions check;
   sw::cli::AddCheckCommand(app, check);
+  sw::cli::EnvironmentOptions environment;
+  sw::cli::AddEnvironmentCommand(app, environment);
+  sw::cli::GenerateOptions generate;
+  sw::cli::AddGenerateCommand(app, generate);
 
   try {
     app.parse(argc, argv);
@@ -29,5 +35,7 @@ int main(int argc, char** argv) {
 
   if (app.got_subcommand("preview")) return sw::cli::RunPreview(preview, std::cout, std::cerr);
   if (app.got_subcommand("check")) return sw::cli::RunCheck(check, std::cout, std::cerr);
+  if (app.got_subcommand("environment")) return sw::cli::RunEnvironment(environment, std::cout, std::cerr);
+  if (app.got_subcommand("generate")) return sw::cli::RunGenerate(generate, std::cout, std::cerr);
   return 2;
 }

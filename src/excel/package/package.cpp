@@ -2,6 +2,8 @@
 
 #include "excel/package/zip_archive.h"
 
+#include <algorithm>
+
 namespace sw::excel {
 
 namespace {
@@ -99,6 +101,27 @@ std::vector<std::string> Package::PartNames() const {
   return names;
 }
 
+std::vector<std::string> Package::PartNamesWithPrefix(std::string_view prefix) const {
+  std::vector<std::string> names;
+  for (const auto& part : parts_) {
+    if (part->name.size() >= prefix.size() && std::string_view(part->name).substr(0, prefix.size()) == prefix) {
+      names.push_back(part->name);
+    }
+  }
+  return names;
+}
+
+std::unordered_map<std::string, pugi::xml_node>& Package::OverrideIndex() {
+  if (!overridesIndexed_) {
+    overrides_.clear();
+    for (const auto node : Xml("[Content_Types].xml").document_element().children("Override")) {
+      overrides_[Key(node.attribute("PartName").value())] = node;
+    }
+    overridesIndexed_ = true;
+  }
+  return overrides_;
+}
+
 pugi::xml_document& Package::Xml(std::string_view name) {
   Part& part = Require(name);
   if (!part.xml) {
@@ -116,6 +139,7 @@ bool Package::IsParsed(std::string_view name) const {
 const std::string& Package::Bytes(std::string_view name) {
   Part& part = Require(name);
   if (part.xml) {
+    if (Key(name) == "[content_types].xml") overridesIndexed_ = false;
     part.bytes = SerializeXml(*part.xml);
     part.xml.reset();
   }
@@ -134,6 +158,7 @@ void Package::SetBytes(std::string_view name, std::string bytes) {
   }
   part->bytes = std::move(bytes);
   part->xml.reset();
+  if (Key(clean) == "[content_types].xml") overridesIndexed_ = false;
 }
 
 void Package::SetXml(std::string_view name, std::unique_ptr<pugi::xml_document> document) {
@@ -153,15 +178,20 @@ void Package::Remove(std::string_view name) {
 void Package::Park(std::string_view name) {
   Part* part = Find(name);
   if (part != nullptr && part->xml) {
+    if (Key(name) == "[content_types].xml") overridesIndexed_ = false;
     part->bytes = SerializeXml(*part->xml);
     part->xml.reset();
   }
 }
 
 std::string Package::FreeName(std::string_view prefix, std::string_view suffix, int from) const {
-  for (int n = std::max(from, 1);; ++n) {
+  int& next = nextFree_[std::string(prefix) + "\n" + std::string(suffix)];
+  for (int n = std::max({from, 1, next});; ++n) {
     std::string name = std::string(prefix) + std::to_string(n) + std::string(suffix);
-    if (!Has(name)) return name;
+    if (!Has(name)) {
+      next = n;
+      return name;
+    }
   }
 }
 

@@ -25,6 +25,9 @@ class Package {
   // Part names are written without the leading "/" and compared ignoring ASCII case, as OPC says.
   bool Has(std::string_view name) const;
   std::vector<std::string> PartNames() const;
+  std::vector<std::string> PartNamesWithPrefix(std::string_view prefix) const;
+  // [Content_Types].xml overrides by lower-cased part name (with its "/"), kept by content_types.cpp.
+  std::unordered_map<std::string, pugi::xml_node>& OverrideIndex();
   // The parsed document of an XML part; throws PackageError when it is missing or not well-formed.
   pugi::xml_document& Xml(std::string_view name);
   bool IsParsed(std::string_view name) const;
@@ -54,6 +57,9 @@ class Package {
 
   std::vector<std::unique_ptr<Part>> parts_;
   std::unordered_map<std::string, Part*> index_;  // lower-cased name -> part
+  std::unordered_map<std::string, pugi::xml_node> overrides_;
+  bool overridesIndexed_ = false;
+  mutable std::unordered_map<std::string, int> nextFree_;  // FreeName's next candidate per pattern
   PackageLimits limits_;
 };
 

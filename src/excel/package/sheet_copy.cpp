@@ -136,7 +136,6 @@ int WorkbookDocument::CopySheet(int source, int after) {
 
   sheets_.insert(sheets_.begin() + position, SheetEntry{nextId_++, part, true, true});
   CopyDefinedNames(sourceAfterInsert, position, sourceName, copyName);
-  SortDefinedNames();
   activeSheet_ = position;
   dirtySheets_.push_back(part);
   Touch(part);
@@ -214,14 +213,19 @@ std::string WorkbookDocument::CopyChart(const std::string& original, std::string
 // Comments and header/footer pictures live in VML, whose shapes are numbered in blocks of 1024
 // named by the part's o:idmap; every VML part of the workbook needs blocks of its own.
 std::string WorkbookDocument::CopyVml(const std::string& original) {
-  int highest = 0;
-  for (const auto& part : package_.PartNames()) {
-    if (!EndsWith(base::AsciiLower(part), ".vml")) continue;
-    const std::string& text = package_.Bytes(part);
-    const auto [at, length] = FindIdMapData(text);
-    if (at == std::string::npos) continue;
-    for (const int id : ParseIdList(std::string_view(text).substr(at, length))) highest = std::max(highest, id);
+  if (highestVmlBlock_ < 0) {
+    highestVmlBlock_ = 0;
+    for (const auto& part : package_.PartNames()) {
+      if (!EndsWith(base::AsciiLower(part), ".vml")) continue;
+      const std::string& text = package_.Bytes(part);
+      const auto [at, length] = FindIdMapData(text);
+      if (at == std::string::npos) continue;
+      for (const int id : ParseIdList(std::string_view(text).substr(at, length))) {
+        highestVmlBlock_ = std::max(highestVmlBlock_, id);
+      }
+    }
   }
+  const int highest = highestVmlBlock_;
   std::string text = package_.Bytes(original);
   const auto [at, length] = FindIdMapData(text);
   if (at != std::string::npos) {
@@ -232,6 +236,7 @@ std::string WorkbookDocument::CopyVml(const std::string& original) {
       newList += std::to_string(highest + 1 + static_cast<int>(i));
     }
     text.replace(at, length, newList);
+    highestVmlBlock_ = highest + static_cast<int>(oldBlocks.size());
     std::string renumbered;
     renumbered.reserve(text.size());
     constexpr std::string_view kShapePrefix = "_x0000_s";
@@ -266,19 +271,21 @@ std::string WorkbookDocument::CopyVml(const std::string& original) {
 // A table's name and id must be unique in the workbook; the copy takes the next free number.
 std::string WorkbookDocument::CopyTable(const std::string& original,
                                         std::vector<std::pair<std::string, std::string>>& renamed) {
-  unsigned highestId = 0;
-  std::set<std::string> names;
-  for (const auto& part : package_.PartNames()) {
-    if (!base::EqualsIgnoreCase(ContentTypeOf(package_, part),
-                                "application/vnd.openxmlformats-officedocument.spreadsheetml.table+xml")) {
-      continue;
+  if (!tablesGathered_) {
+    tablesGathered_ = true;
+    for (const auto& part : package_.PartNames()) {
+      if (!base::EqualsIgnoreCase(ContentTypeOf(package_, part),
+                                  "application/vnd.openxmlformats-officedocument.spreadsheetml.table+xml")) {
+        continue;
+      }
+      const auto document = ParseXml(part, package_.Bytes(part), package_.limits());
+      const auto table = document->document_element();
+      highestTableId_ = std::max(highestTableId_, table.attribute("id").as_uint());
+      tableNames_.insert(base::AsciiLower(table.attribute("name").value()));
+      tableNames_.insert(base::AsciiLower(table.attribute("displayName").value()));
     }
-    const auto table = package_.Xml(part).document_element();
-    highestId = std::max(highestId, table.attribute("id").as_uint());
-    names.insert(base::AsciiLower(table.attribute("name").value()));
-    names.insert(base::AsciiLower(table.attribute("displayName").value()));
-    package_.Park(part);
   }
+  std::set<std::string> names = tableNames_;
   for (const auto name : WorkbookRoot().child("definedNames").children("definedName")) {
     names.insert(base::AsciiLower(name.attribute("name").value()));
   }
@@ -295,7 +302,8 @@ std::string WorkbookDocument::CopyTable(const std::string& original,
     newName = base + std::to_string(n);
     if (!names.count(base::AsciiLower(newName))) break;
   }
-  table.attribute("id") = highestId + 1;
+  table.attribute("id") = ++highestTableId_;
+  tableNames_.insert(base::AsciiLower(newName));
   if (table.attribute("name")) table.attribute("name") = newName.c_str();
   if (table.attribute("displayName")) table.attribute("displayName") = newName.c_str();
   for (auto node : table.select_nodes("//*[local-name()='calculatedColumnFormula' or local-name()='totalsRowFormula']")) {

@@ -139,8 +139,14 @@ void WorkbookDocument::RenameSheet(int position, std::string_view name) {
   const std::string oldName = SheetName(position);
   if (oldName == name) return;
   SheetNode(position).attribute("name") = std::string(name).c_str();
+  const bool fresh = Entry(position).createdByCopy;
   for (auto definedName : WorkbookRoot().child("definedNames").children("definedName")) {
+    // Only a copy's own names can name a sheet this session made.
+    if (fresh && (!definedName.attribute("localSheetId") || definedName.attribute("localSheetId").as_int() != position)) {
+      continue;
+    }
     auto text = definedName.text();
+    if (!ContainsIgnoringCase(text.get(), oldName)) continue;
     const std::string renamed = RenameSheetInFormula(text.get(), oldName, name);
     if (renamed != text.get()) text.set(renamed.c_str());
   }
@@ -159,8 +165,7 @@ void WorkbookDocument::RenameInOtherParts(std::string_view oldName, std::string_
       RenameInFormulas(Sheet(i, true).root(), "f", oldName, newName);
     }
   }
-  for (const auto& part : package_.PartNames()) {
-    if (!StartsWith(part, "xl/charts/chart")) continue;
+  for (const auto& part : package_.PartNamesWithPrefix("xl/charts/chart")) {
     if (!package_.IsParsed(part) && !ContainsIgnoringCase(package_.Bytes(part), oldName)) continue;
     RenameInFormulas(package_.Xml(part).document_element(), "c:f", oldName, newName);
     package_.Park(part);
@@ -249,28 +254,19 @@ void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view s
     if (name.attribute("localSheetId") && name.attribute("localSheetId").as_int() == source) originals.push_back(name);
   }
   for (auto original : originals) {
-    auto duplicate = names.insert_copy_after(original, original);
+    // Excel keeps the names sorted by name, then by sheet: the copy goes behind the same name's
+    // entries for earlier sheets.
+    auto before = original;
+    for (auto next = original.next_sibling("definedName");
+         next && base::EqualsIgnoreCase(next.attribute("name").value(), original.attribute("name").value()) &&
+         next.attribute("localSheetId") && next.attribute("localSheetId").as_int() < copy;
+         next = next.next_sibling("definedName")) {
+      before = next;
+    }
+    auto duplicate = names.insert_copy_after(original, before);
     duplicate.attribute("localSheetId") = copy;
     duplicate.text().set(RenameSheetInFormula(original.text().get(), sourceName, copyName).c_str());
   }
-}
-
-// Excel keeps defined names sorted by name, then by the sheet they belong to.
-void WorkbookDocument::SortDefinedNames() {
-  auto names = WorkbookRoot().child("definedNames");
-  if (!names) return;
-  std::vector<pugi::xml_node> nodes;
-  for (auto name : names.children("definedName")) nodes.push_back(name);
-  auto sorted = nodes;
-  std::stable_sort(sorted.begin(), sorted.end(), [](pugi::xml_node a, pugi::xml_node b) {
-    const int byName = base::CompareIgnoreCase(a.attribute("name").value(), b.attribute("name").value());
-    if (byName != 0) return byName < 0;
-    const int localA = a.attribute("localSheetId") ? a.attribute("localSheetId").as_int() : -1;
-    const int localB = b.attribute("localSheetId") ? b.attribute("localSheetId").as_int() : -1;
-    return localA < localB;
-  });
-  if (sorted == nodes) return;
-  for (auto node : sorted) names.append_move(node);
 }
 
 std::string WorkbookDocument::Serialize(std::string_view extension) {

@@ -6,6 +6,7 @@
 
 #include <deque>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,7 +61,6 @@ class WorkbookDocument {
   void Touch(const std::string& part);
   void ShiftLocalSheetIds(int from);
   void CopyDefinedNames(int source, int copy, std::string_view sourceName, std::string_view copyName);
-  void SortDefinedNames();
   std::string CopyPart(const std::string& original, std::string_view sheetName, std::string_view copyName);
   std::string CopyDrawing(const std::string& original, std::string_view sheetName, std::string_view copyName);
   std::string CopyChart(const std::string& original, std::string_view sheetName, std::string_view copyName);
@@ -85,6 +85,11 @@ class WorkbookDocument {
   std::deque<std::string> parsedSheets_;  // most recently used first
   std::vector<std::string> dirtySheets_;
   std::vector<std::string> sharedStrings_;
+  // What copies must not reuse, gathered once from the package and kept up to date by each copy.
+  int highestVmlBlock_ = -1;  // -1: not gathered yet
+  bool tablesGathered_ = false;
+  unsigned highestTableId_ = 0;
+  std::set<std::string> tableNames_;  // lower-cased
   bool sharedStringsLoaded_ = false;
 };
 

@@ -1,0 +1,17 @@
+#pragma once
+// Settings the window reads as whole numbers.
+#include <string>
+#include <string_view>
+
+#include "app/settings.h"
+
+namespace sw::workspace {
+
+// The stored text as a 16-bit number; a text that is no number falls back to `defaultValue`'s number,
+// so a damaged value behaves like a missing one.
+int IntegerSetting(app::Settings& settings, std::string_view key, std::string_view defaultValue);
+
+// `text` left-padded with "0" to at least `length` characters.
+std::string PadSheetNumber(std::string text, int length);
+
+}  // namespace sw::workspace

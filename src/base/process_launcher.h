@@ -1,0 +1,27 @@
+#pragma once
+// Starting other programs: the text editor for a template's INI file and the system's default
+// application for a finished workbook. The program never waits for what it starts.
+//
+// On Windows the INI file goes to Notepad ("NOTEPAD.EXE " and the path, a normal window with focus)
+// and a workbook to whatever Windows associates with it. Elsewhere both go through xdg-open, which
+// hands a text file to the desktop's text editor and a workbook to the desktop's spreadsheet program.
+// Terminal editors ($VISUAL, $EDITOR) are deliberately not used: they would take over the terminal of
+// a command-line run, where Notepad opens beside the program.
+#include <memory>
+#include <string_view>
+
+namespace sw::base {
+
+class ProcessLauncher {
+ public:
+  virtual ~ProcessLauncher() = default;
+  // Opens the text file `windowsPath` for editing. False when nothing could be started.
+  virtual bool EditTextFile(std::string_view windowsPath) = 0;
+  // Opens `windowsPath` with the application the system associates with it.
+  virtual bool OpenWithDefaultApplication(std::string_view windowsPath) = 0;
+};
+
+// The launcher of this platform.
+std::unique_ptr<ProcessLauncher> CreateSystemProcessLauncher();
+
+}  // namespace sw::base

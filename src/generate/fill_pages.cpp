@@ -1,0 +1,99 @@
+#include "generate/fill_pages.h"
+
+#include <algorithm>
+#include <string>
+
+#include "generate/run_error.h"
+#include "generate/start_new_page.h"
+#include "report/colours.h"
+#include "template/upper_case.h"
+
+namespace sw::gen {
+namespace {
+
+std::string RowsAddress(int first, int last) { return std::to_string(first) + ":" + std::to_string(last); }
+
+// Before a placement's first row (dynamic length): the break goes on the active sheet, above the row
+// the next data row will take.
+void BreakBeforeNextRow(GenerationRun& run) {
+  excel::Application& excel = run.Excel();
+  const int row = Int16(run.definition.StartRow + run.state.rowsOnPage);
+  ResumeOn1004([&] { excel.ActiveSheet().Rows(RowsAddress(row, row)).Select(); });
+  ResumeOn1004([&] { excel.ActiveSheet().HPageBreaks().Add(excel.ActiveCell()); });
+}
+
+void WriteDataRow(GenerationRun& run, const std::vector<std::string_view>& cells, int tableColumns) {
+  const templ::TemplateDefinition& definition = run.definition;
+  GenerationState& state = run.state;
+  const int fields = static_cast<int>(definition.DataColumns.size());
+  for (int k = 1; k <= fields; ++k) {
+    const int column = definition.DataColumns[static_cast<std::size_t>(k - 1)];
+    if (k > tableColumns - 1 || column < 1) continue;
+    const int row = Int16(definition.StartRow + state.rowsOnPage);
+    const std::string_view text = k < static_cast<int>(cells.size()) ? cells[static_cast<std::size_t>(k)] : "";
+    ResumeOn1004([&] { state.currentSheet.Cells(row, column).SetValue(text); });
+  }
+  state.rowsOnPage = Int16(state.rowsOnPage + 1);
+}
+
+}  // namespace
+
+void FillPages(GenerationRun& run) {
+  const report::ReportTable& table = run.inputs.table;
+  const templ::TemplateDefinition& definition = run.definition;
+  GenerationState& state = run.state;
+  const int pageRows = definition.EndRow - definition.StartRow + 1;
+  const int tableColumns = table.Cols();
+  std::string location;
+  bool firstMarker = true;
+
+  for (int r = 1; r < table.Rows(); ++r) {
+    if (table.BackColour(r, 0) == report::kTitleGreen) {
+      // A placement head names the pages that follow; a manual break keeps the name it interrupts.
+      std::string title = templ::RemoveAll(table.Text(r, 0), "\t");
+      if (!title.empty()) location = std::move(title);
+      if (!state.dynamicLength) {
+        StartNewPage(run, location);
+      } else if (firstMarker) {
+        firstMarker = false;
+      } else {
+        BreakBeforeNextRow(run);
+      }
+      continue;
+    }
+    if (state.rowsOnPage == pageRows && !state.dynamicLength) StartNewPage(run, location);
+    WriteDataRow(run, table.RowTexts(r), tableColumns);
+  }
+
+  ResumeOn1004([&] { state.currentSheet.Cells(definition.NextSheetRow, definition.NextSheetCol).SetValue("-"); });
+  if (state.dynamicLength) FormatDynamicSheet(run);
+}
+
+void FormatDynamicSheet(GenerationRun& run) {
+  const templ::TemplateDefinition& definition = run.definition;
+  GenerationState& state = run.state;
+  excel::Application& excel = run.Excel();
+  excel::Sheet& sheet = state.currentSheet;
+  const int start = definition.StartRow;
+  const int rows = state.rowsOnPage;
+  int widest = 0;
+  for (const int column : definition.DataColumns) widest = std::max(widest, column);
+
+  // The formats come from the second data row and the border goes under the row below the data:
+  // both one row lower than one would expect, and kept that way since finished lists look so.
+  ResumeOn1004([&] { sheet.Rows(RowsAddress(Int16(start + 1), Int16(start + 1))).Select(); });
+  ResumeOn1004([&] { excel.Selection().Copy(); });
+  ResumeOn1004([&] { sheet.Rows(RowsAddress(Int16(start + 2), Int16(start + rows))).Select(); });
+  ResumeOn1004([&] { excel.Selection().PasteSpecial(excel::XlPasteType::xlPasteFormats); });
+  const int bottom = Int16(start + rows);
+  for (int column = 1; column <= widest; ++column) {
+    ResumeOn1004([&] { sheet.Cells(bottom, column).Select(); });
+    ResumeOn1004([&] {
+      excel.Selection().Borders(excel::XlBordersIndex::xlEdgeBottom).SetWeight(excel::XlBorderWeight::xlMedium);
+    });
+  }
+  ResumeOn1004([&] { sheet.Cells(start, FirstDataColumn(definition)).Select(); });
+  ResumeOn1004([&] { excel.SetCutCopyMode(false); });
+}
+
+}  // namespace sw::gen

@@ -1,0 +1,236 @@
+#include "generate/generate_workbook.h"
+
+#include <string>
+
+#include "base/strings.h"
+#include "excel/application_factory.h"
+#include "generate/fill_pages.h"
+#include "generate/generation_run.h"
+#include "generate/page_text.h"
+#include "generate/run_error.h"
+#include "template/template_ini.h"
+#include "template/upper_case.h"
+
+namespace sw::gen {
+namespace {
+
+using base::MessageIcon;
+
+// OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOREADONLYRETURN | OFN_EXPLORER
+constexpr unsigned long kTargetDialogFlags = 0x89802;
+
+// Windows' save dialog answers with "\"; a path typed on the command line elsewhere has "/".
+std::string FolderOf(std::string_view path) {
+  const auto cut = path.find_last_of("\\/");
+  return cut == std::string_view::npos ? std::string() : std::string(path.substr(0, cut + 1));
+}
+
+// VB's Left(text, length): a negative length is error 5, as it always was.
+std::string LeftCharacters(std::string_view text, int length) {
+  if (length < 0) RaiseRunError(5);
+  std::size_t end = 0;
+  for (int taken = 0; end < text.size() && taken < length; ++taken) {
+    ++end;
+    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) ++end;
+  }
+  return std::string(text.substr(0, end));
+}
+
+// Steps up to the target file: false when the run ends here.
+bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, const std::string& extension) {
+  GenerationState& state = run.state;
+  app::Settings& settings = run.services.settings;
+  if (base::TrimSpaces(inputs.sheetNumberText).empty()) inputs.sheetNumberText = "1";
+  if (base::TrimSpaces(inputs.templateFile).empty()) {
+    run.Tell("Ingen Excelmall vald.", "Fel", MessageIcon::kExclamation);
+    return false;
+  }
+  if (inputs.table.Rows() <= 1) {
+    run.Tell("Ingen data att överföra till Excel.", "Fel", MessageIcon::kExclamation);
+    return false;
+  }
+  settings.SaveAppSetting("LastVoltDmp", inputs.dumpPickerText);
+  settings.SaveAppSetting("LastRdsDir", inputs.templateDirPickerText);
+  settings.SaveAppSetting("PageNoLen", std::to_string(CharacterCount(inputs.sheetNumberText)));
+
+  if (inputs.singleSheet && settings.GetAppSetting("ShowSingleSheetWarning", "1") == "1") {
+    state.warningAccepted = AskSingleSheetWarning(run.services.warning, settings);
+    if (!state.warningAccepted) return false;
+  }
+
+  base::FileDialogRequest request;
+  request.save = true;
+  request.title = "Ange filnamn för fil som skall skapas";
+  request.filter = TargetFilter(extension);
+  request.initialFolder = settings.GetAppSetting("ResultPath", run.services.programFolder);
+  request.flags = kTargetDialogFlags;
+  const auto chosen = run.services.dialogs.ShowFileDialog(request);
+  if (!chosen || chosen->empty()) {
+    inputs.targetPath.clear();
+    return false;
+  }
+  // A name without ".XLS" in it is not taken: the run goes on with the target it had before.
+  if (templ::UpperCase(*chosen).find(".XLS") != std::string::npos) {
+    inputs.targetPath = *chosen;
+    settings.SaveAppSetting("ResultPath", FolderOf(*chosen));
+  }
+  if (inputs.singleSheet) {
+    state.baseFileName = LeftCharacters(inputs.targetPath, CharacterCount(inputs.targetPath) -
+                                                               CharacterCount(run.pageFileExtension));
+  }
+  return true;
+}
+
+// The template's INI file as generation needs it; a failing one is opened for editing.
+bool ValidateIni(GenerationRun& run, templ::TemplateDefinition& definition) {
+  const auto result = templ::ValidateTemplateIni(definition.IniPath, definition, run.services.dialogs);
+  run.state.dynamicLength = definition.Infinite;
+  if (result.status == templ::IniValidationStatus::kMissingSheetSection) return false;
+  if (result.status == templ::IniValidationStatus::kTooFewEntries) {
+    run.state.iniEditRequested = true;
+    // The message has already told the user to edit the file; a missing editor adds nothing to it.
+    run.services.launcher.EditTextFile(definition.IniPath);
+    run.SetMousePointer(MousePointer::kDefault);
+    return false;
+  }
+  run.state.iniEditRequested = false;
+  return true;
+}
+
+// Opens the template read-only and finds its two sheets; tells what is missing and quits Excel.
+bool FindTemplateSheets(GenerationRun& run, const std::string& templatePath) {
+  GenerationState& state = run.state;
+  const templ::TemplateDefinition& definition = run.definition;
+  excel::Application& excel = run.Excel();
+  ResumeOn1004([&] { state.workbook = excel.Workbooks().Open(EnginePath(templatePath), true); });
+  run.workbookPath = templatePath;
+
+  state.templateSheetIndex = 0;
+  state.commonSheetIndex = 0;
+  const std::string commonName = templ::UpperCase(definition.CommonSheetName);
+  const std::string templateName = templ::UpperCase(definition.TemplateSheetName);
+  int count = 0;
+  ResumeOn1004([&] { count = state.workbook.Sheets().Count(); });
+  for (int i = 1; i <= count; ++i) {
+    std::string name;
+    ResumeOn1004([&] { name = templ::UpperCase(state.workbook.Sheets().Item(i).Name()); });
+    if (name == commonName) state.commonSheetIndex = Int16(i);
+    if (name == templateName) state.templateSheetIndex = Int16(i);
+  }
+  if (state.commonSheetIndex != 0 && state.templateSheetIndex != 0) return true;
+
+  if (state.commonSheetIndex == 0) {
+    run.Tell("Fliken '" + definition.CommonSheetName + "' saknas i excelfilen", "", MessageIcon::kInformation);
+  }
+  if (state.templateSheetIndex == 0) {
+    run.Tell("Fliken '" + definition.TemplateSheetName + "' saknas i excelfilen", "", MessageIcon::kInformation);
+  }
+  run.Tell("Redigera mallfilen så att den uppfyller kraven.", "", MessageIcon::kNone);
+  ResumeOn1004([&] { excel.Quit(); });
+  run.SetMousePointer(MousePointer::kDefault);
+  return false;
+}
+
+void WriteCommonTexts(GenerationRun& run) {
+  GenerationState& state = run.state;
+  ResumeOn1004([&] { state.currentSheet = state.workbook.Worksheets().Item(state.commonSheetIndex); });
+  for (const auto& field : run.definition.CommonFields) {
+    if (field.Row > 0 && field.Col > 0) {
+      ResumeOn1004([&] { state.currentSheet.Cells(field.Row, field.Col).SetValue(field.Value); });
+    }
+  }
+}
+
+void Run(GenerationRun& run, GenerationInputs& inputs, templ::TemplateDefinition& definition,
+         GenerationOutcome& outcome) {
+  GenerationState& state = run.state;
+  const std::string extension = TemplateExtension(inputs.templateFile);
+  run.pageFileExtension = "." + extension;
+  if (!CheckInputsAndAskForTarget(run, inputs, extension)) return;
+  if (!ValidateIni(run, definition)) return;
+
+  run.SetMousePointer(MousePointer::kHourglass);
+  for (std::size_t i = 0; i < definition.CommonFields.size(); ++i) {
+    definition.CommonFields[i].Value = i < inputs.fieldTexts.size() ? inputs.fieldTexts[i] : std::string();
+  }
+  if (!inputs.targetPath.empty()) DeleteFileIfPresent(inputs.targetPath);
+
+  // The objects of an earlier run belong to the application being replaced.
+  state.currentSheet = excel::Sheet();
+  state.workbook = excel::Workbook();
+  state.excelApp.reset();
+  state.excelApp = run.services.createExcel ? run.services.createExcel() : excel::CreateApplication();
+  excel::Application& excel = *state.excelApp;
+  ResumeOn1004([&] { excel.SetVisible(true); });
+
+  state.sheetNumber = Int16(StartNumberValue(inputs.sheetNumberText) - 1);
+  state.pageNoLen = Int16(CharacterCount(inputs.sheetNumberText));
+  state.rowsOnPage = 0;
+
+  const std::string templatePath = inputs.templateFolder + "\\" + inputs.templateFile;
+  if (!FindTemplateSheets(run, templatePath)) return;
+
+  ResumeOn1004([&] { state.workbook.Close(false); });
+  ResumeOn1004([&] { excel.SetVisible(true); });
+  ResumeOn1004([&] { state.workbook = excel.Workbooks().Open(EnginePath(templatePath), false); });
+  run.workbookPath = templatePath;
+  if (!inputs.singleSheet) ResumeOn1004([&] { run.SaveAs(inputs.targetPath); });
+
+  WriteCommonTexts(run);
+  FillPages(run);
+  ResumeOn1004([&] { run.Save(); });
+  ResumeOn1004([&] { excel.SetVisible(true); });
+  run.SetMousePointer(MousePointer::kDefault);
+  outcome.completed = true;
+}
+
+void TellRunFailure(GenerationRun& run, int number, const std::string& description) {
+  switch (number) {
+    case kDeviceUnavailable:
+      run.Tell("Enheten ej läsbar/tillgänglig.", "", MessageIcon::kNone);
+      break;
+    case kPermissionDenied:
+      run.Tell("Filen används, kan ej skriva över.\rAnge annat filnamn", "Filfel", MessageIcon::kCritical);
+      break;
+    case kCannotCreateObject:
+      run.Tell("Kan ej starta Microsoft Excel.\rKontrollera installationen.", "Active-X fel",
+               MessageIcon::kCritical);
+      break;
+    default:
+      run.Tell(std::to_string(number) + " - " + description, "Fel", MessageIcon::kCritical);
+      break;
+  }
+  run.SetMousePointer(MousePointer::kDefault);
+}
+
+}  // namespace
+
+std::string TargetFilter(std::string_view extension) {
+  const std::string ext(extension);
+  return "(Kalkylblad *." + ext + ")|*." + ext;
+}
+
+std::string TemplateExtension(std::string_view templateFile) {
+  const auto dot = templateFile.rfind('.');
+  const std::string_view extension = dot == std::string_view::npos ? templateFile : templateFile.substr(dot + 1);
+  return base::AsciiLower(extension);
+}
+
+GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templ::TemplateDefinition& definition,
+                                   GenerationState& state, const GenerationServices& services) {
+  GenerationRun run{state, definition, inputs, services, {}, {}, {}};
+  GenerationOutcome outcome;
+  try {
+    Run(run, inputs, definition, outcome);
+  } catch (const excel::AutomationError& error) {
+    TellRunFailure(run, error.number(), error.description());
+  } catch (const std::exception& error) {
+    // Nothing but the automation errors should get here; should anything else, it ends the run like
+    // any unexpected error instead of ending the program.
+    TellRunFailure(run, 51, error.what());
+  }
+  outcome.savedFiles = std::move(run.savedFiles);
+  return outcome;
+}
+
+}  // namespace sw::gen

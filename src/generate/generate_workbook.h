@@ -1,0 +1,72 @@
+#pragma once
+// GenerateWorkbook: the command "Generera Excel-dokument". Checks the inputs, asks for the target
+// file, validates the template's INI file, starts Excel, opens and checks the template, writes the
+// common texts, cuts the report into pages (fill_pages.h) and saves. Excel is left running with the
+// result; the files written are handed back so a front end can show or open them.
+//
+// The window's controls come in as one plain struct, so the window and the command line run the very
+// same code; the two controls the routine writes back (the start number and the target file name) are
+// written back into it.
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/settings.h"
+#include "base/dialogs.h"
+#include "base/process_launcher.h"
+#include "excel/automation.h"
+#include "generate/generation_state.h"
+#include "generate/single_sheet_warning.h"
+#include "report/report_table.h"
+#include "template/template_definition.h"
+
+namespace sw::gen {
+
+enum class MousePointer { kDefault = 0, kHourglass = 11 };
+
+struct GenerationInputs {
+  const report::ReportTable& table;   // the preview grid (fgPreView)
+  std::string sheetNumberText;        // cboSheetNo; a blank text is replaced by "1" here
+  std::string templateFolder;         // the template folder list's path (FileXls.Path)
+  std::string templateFile;           // cboRdsFile: the template workbook's file name
+  std::string dumpPickerText;         // cboVoltDump, remembered as "LastVoltDmp"
+  std::string templateDirPickerText;  // cboRdsDir, remembered as "LastRdsDir"
+  std::vector<std::string> fieldTexts;  // txtField(0 …): one per [Common] entry
+  bool singleSheet = false;             // the single-sheet toggle (command 707) is checked
+  std::string targetPath;               // txtExcelFilename; the chosen target is written back
+};
+
+using ApplicationFactory = std::function<std::unique_ptr<excel::Application>()>;
+
+struct GenerationServices {
+  app::Settings& settings;
+  base::Dialogs& dialogs;
+  SingleSheetWarning& warning;
+  base::ProcessLauncher& launcher;    // opens a faulty INI file for editing
+  ApplicationFactory createExcel;     // CreateObject("Excel.Application"); empty: the package engine
+  std::string programFolder;          // the target dialog's folder until "ResultPath" is stored
+  std::function<void(MousePointer)> setMousePointer;  // optional
+  // The window routines' top-level-window lookup, called with the program's title when a page file
+  // is in use; its answer is not used. Optional.
+  std::function<void(std::string_view)> findTopLevelWindow;
+};
+
+struct GenerationOutcome {
+  bool completed = false;  // the run got to its end; false when it stopped on a message or a choice
+  // Every workbook file written, in the order first written, as the program names them.
+  std::vector<std::string> savedFiles;
+};
+
+// The target dialog's filter for a template extension ("xlsx" → "(Kalkylblad *.xlsx)|*.xlsx").
+std::string TargetFilter(std::string_view extension);
+// The template's extension: everything after its last ".", lower-cased.
+std::string TemplateExtension(std::string_view templateFile);
+
+// `definition` is the current template's (paired with its INI file when the template was chosen); its
+// [Tabs] and [Sheet] parts are re-read here and its common texts refreshed from inputs.fieldTexts.
+GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templ::TemplateDefinition& definition,
+                                   GenerationState& state, const GenerationServices& services);
+
+}  // namespace sw::gen

@@ -1,0 +1,40 @@
+#include "generate/generation_run.h"
+
+#include <algorithm>
+
+#include "generate/run_error.h"
+
+namespace sw::gen {
+
+excel::Application& GenerationRun::Excel() const {
+  if (!state.excelApp) excel::ThrowObjectNotSet();
+  return *state.excelApp;
+}
+
+void GenerationRun::SetMousePointer(MousePointer pointer) const {
+  if (services.setMousePointer) services.setMousePointer(pointer);
+}
+
+void GenerationRun::Tell(std::string text, std::string title, base::MessageIcon icon) const {
+  services.dialogs.ShowMessage(base::Message{std::move(text), std::move(title), icon, base::MessageButtons::kOk});
+}
+
+void GenerationRun::SaveAs(const std::string& path) {
+  state.workbook.SaveAs(EnginePath(path));
+  workbookPath = path;
+  if (std::find(savedFiles.begin(), savedFiles.end(), path) == savedFiles.end()) savedFiles.push_back(path);
+}
+
+void GenerationRun::Save() {
+  state.workbook.Save();
+  if (std::find(savedFiles.begin(), savedFiles.end(), workbookPath) == savedFiles.end()) {
+    savedFiles.push_back(workbookPath);
+  }
+}
+
+int FirstDataColumn(const templ::TemplateDefinition& definition) {
+  if (definition.DataColumns.empty()) RaiseRunError(9);
+  return definition.DataColumns.front();
+}
+
+}  // namespace sw::gen

@@ -1,0 +1,74 @@
+#include "generate/run_error.h"
+
+#include <filesystem>
+#include <limits>
+
+#include "base/strings.h"
+#include "base/windows_path.h"
+#include "excel/error_texts.h"
+
+namespace sw::gen {
+
+std::string RunErrorDescription(int number) {
+  switch (number) {
+    case kOverflow:
+      return "Spill";
+    case kTypeMismatch:
+      return "Typerna matchar inte";
+    case kFileNotFound:
+      return "Filen hittades inte";
+    case kPathFileAccess:
+      return "Fel vid åtkomst till sökväg/fil";
+    default:
+      return excel::DefaultErrorText(number);
+  }
+}
+
+void RaiseRunError(int number) { throw excel::AutomationError(number, RunErrorDescription(number)); }
+
+std::int16_t Int16(long long value) {
+  if (value < std::numeric_limits<std::int16_t>::min() || value > std::numeric_limits<std::int16_t>::max()) {
+    RaiseRunError(kOverflow);
+  }
+  return static_cast<std::int16_t>(value);
+}
+
+std::int16_t StartNumberValue(std::string_view text) {
+  std::string_view digits = base::TrimSpaces(text);
+  bool negative = false;
+  if (!digits.empty() && (digits.front() == '+' || digits.front() == '-')) {
+    negative = digits.front() == '-';
+    digits.remove_prefix(1);
+  }
+  if (digits.empty()) RaiseRunError(kTypeMismatch);
+  long long value = 0;
+  for (const char c : digits) {
+    if (c < '0' || c > '9') RaiseRunError(kTypeMismatch);
+    // Past the 16-bit range already; keep reading only to tell 13 from 6.
+    if (value <= 100000) value = value * 10 + (c - '0');
+  }
+  return Int16(negative ? -value : value);
+}
+
+void DeleteFileIfPresent(std::string_view windowsPath) {
+  const auto path = base::ResolveWindowsPath(windowsPath);
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return;
+  if (std::filesystem::remove(path, error) || !error) return;
+  using std::errc;
+  for (const errc inUse : {errc::permission_denied, errc::operation_not_permitted, errc::device_or_resource_busy,
+                           errc::read_only_file_system, errc::text_file_busy}) {
+    if (error == inUse) RaiseRunError(kPermissionDenied);
+  }
+  for (const errc unreachable : {errc::no_such_device, errc::no_such_device_or_address, errc::io_error}) {
+    if (error == unreachable) RaiseRunError(kDeviceUnavailable);
+  }
+  RaiseRunError(kPathFileAccess);
+}
+
+std::string EnginePath(std::string_view windowsPath) {
+  const auto text = base::ResolveWindowsPath(windowsPath).u8string();
+  return std::string(text.begin(), text.end());
+}
+
+}  // namespace sw::gen

@@ -1,0 +1,57 @@
+#pragma once
+// Run-time errors of a generation run. The program's own failures (a start number that is no number,
+// a page number past 32767, a file that cannot be deleted) are raised as excel::AutomationError with
+// the number VB gives them, so one handler tells every failure apart by number, Excel's and ours.
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "excel/automation.h"
+
+namespace sw::gen {
+
+enum RunErrorNumber : int {
+  kOverflow = 6,
+  kTypeMismatch = 13,
+  kFileNotFound = 53,
+  kDeviceUnavailable = 68,
+  kPermissionDenied = 70,
+  kPathFileAccess = 75,
+  kCannotCreateObject = 429,
+  kApplicationDefined = 1004,
+};
+
+// The description that goes with `number`, in the program's language.
+std::string RunErrorDescription(int number);
+
+[[noreturn]] void RaiseRunError(int number);
+
+// One statement under "On Error Resume Next" for Excel's 1004 only: a rejected cell write, selection
+// or page break is skipped and the run goes on with the next statement; any other error goes on to
+// the routine's handler. Each automation statement is wrapped on its own, so a skipped one leaves the
+// ones after it untouched, as in the routine this follows.
+template <typename Statement>
+void ResumeOn1004(Statement&& statement) {
+  try {
+    statement();
+  } catch (const excel::AutomationError& error) {
+    if (error.number() != kApplicationDefined) throw;
+  }
+}
+
+// 16-bit integer arithmetic as the routine's Integer variables do it: a result outside −32768..32767
+// raises error 6.
+std::int16_t Int16(long long value);
+
+// The start number as VB reads a text in arithmetic: surrounding spaces, an optional sign and digits.
+// Anything else raises error 13, a number outside the 16-bit range error 6.
+std::int16_t StartNumberValue(std::string_view text);
+
+// Deletes the file at `windowsPath` when one is there, raising 70 when it is in use or protected,
+// 68 when its device cannot be reached and 75 for any other refusal.
+void DeleteFileIfPresent(std::string_view windowsPath);
+
+// The host path an engine is given for a Windows path text.
+std::string EnginePath(std::string_view windowsPath);
+
+}  // namespace sw::gen

@@ -1,0 +1,16 @@
+#pragma once
+// StartNewPage: makes the next page and writes its placement, number and next-page number.
+// Normal runs append a copy of the template sheet to the working workbook. Single-sheet runs reuse
+// one workbook: the template sheet itself is renamed, emptied and saved under a file of its own per
+// page (target C:\R\Lista.xls, page 07: C:\R\Lista-07.xls); the other sheets travel into every file.
+#include <string_view>
+
+#include "generate/generation_run.h"
+
+namespace sw::gen {
+
+// Handles its own failures: tells them (a 1004 is skipped), sets the mouse pointer back and returns,
+// and the caller goes on with the next rows.
+void StartNewPage(GenerationRun& run, std::string_view location);
+
+}  // namespace sw::gen

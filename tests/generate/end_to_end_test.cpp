@@ -1,0 +1,201 @@
+// `sheetwright-cli generate` in-process with the package engine on a real template workbook, the
+// results read back by tools that share no code with ours (openpyxl, the Open XML SDK validator).
+// Each check skips itself where its tool is missing.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/generate_command.h"
+#include "temp_dir.h"
+
+namespace sw::gen {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kSource = SW_SOURCE_DIR;
+
+struct CommandResult {
+  int status = -1;
+  std::string output;
+};
+
+CommandResult RunCommand(const std::string& command) {
+  CommandResult result;
+  FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+  if (pipe == nullptr) return result;
+  std::array<char, 4096> buffer;
+  while (std::fgets(buffer.data(), buffer.size(), pipe) != nullptr) result.output += buffer.data();
+  const int status = pclose(pipe);
+  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return result;
+}
+
+std::string Quote(const std::string& text) { return "'" + text + "'"; }
+
+struct GenerateRun {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+class EndToEndTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    folder_ = new testing::TempDir();
+    const fs::path templates = folder_->path() / "Mallar";
+    fs::create_directories(templates);
+    fs::create_directories(folder_->path() / "Ut");
+    fs::copy_file(kSource / "tests/data/templates/title_block.xlsx", templates / "title_block.xlsx");
+    fs::copy_file(kSource / "tests/data/generation/three_rows.ini", templates / "title_block.ini");
+    setenv("SHEETWRIGHT_REGISTRY", (folder_->path() / "registry.reg").c_str(), 1);
+
+    normal_ = new GenerateRun(Generate({"--out", Target("Lista.xlsx"), "--field", "0=Provskåp"}));
+    single_ = new GenerateRun(Generate({"--out", Target("Blad.xlsx"), "--start", "007", "--single-sheet", "--yes"}));
+  }
+  static void TearDownTestSuite() {
+    delete normal_;
+    delete single_;
+    delete folder_;
+    unsetenv("SHEETWRIGHT_REGISTRY");
+  }
+
+  static std::string Target(const std::string& name) { return (folder_->path() / "Ut" / name).string(); }
+  static std::string Template() { return (folder_->path() / "Mallar" / "title_block.xlsx").string(); }
+
+  // The command as main() runs it, with --dump and --template filled in.
+  static GenerateRun Generate(std::vector<std::string> arguments) {
+    cli::GenerateOptions options;
+    options.dump = (kSource / "tests/data/generation/seven_rows_one_placement.txt").string();
+    options.templateWorkbook = Template();
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+      const std::string& flag = arguments[i];
+      if (flag == "--out") options.target = arguments[++i];
+      if (flag == "--start") options.start = arguments[++i];
+      if (flag == "--field") options.fields.push_back(arguments[++i]);
+      if (flag == "--single-sheet") options.singleSheet = true;
+      if (flag == "--yes") options.yes = true;
+    }
+    std::ostringstream out;
+    std::ostringstream err;
+    GenerateRun run;
+    run.status = cli::RunGenerate(options, out, err);
+    run.out = out.str();
+    run.err = err.str();
+    return run;
+  }
+
+  static CommandResult ReadBack(const std::string& file, const std::vector<std::string>& expectations) {
+    std::string command = "/usr/bin/python3 " + Quote((kSource / "tests/generate/check_generated_workbook.py").string()) +
+                          " " + Quote(file);
+    for (const auto& expectation : expectations) command += " " + Quote(expectation);
+    return RunCommand(command);
+  }
+
+  static testing::TempDir* folder_;
+  static GenerateRun* normal_;
+  static GenerateRun* single_;
+};
+testing::TempDir* EndToEndTest::folder_ = nullptr;
+GenerateRun* EndToEndTest::normal_ = nullptr;
+GenerateRun* EndToEndTest::single_ = nullptr;
+
+bool HaveOpenpyxl() { return RunCommand("/usr/bin/python3 -c 'import openpyxl'").status == 0; }
+
+TEST_F(EndToEndTest, CommandPrintsEveryWorkbookWritten) {
+  EXPECT_EQ(normal_->status, 0) << normal_->err;
+  EXPECT_EQ(normal_->out, Target("Lista.xlsx") + "\n");
+  EXPECT_EQ(normal_->err, "");
+
+  EXPECT_EQ(single_->status, 0) << single_->err;
+  EXPECT_EQ(single_->out, Target("Blad-007.xlsx") + "\n" + Target("Blad-008.xlsx") + "\n" + Target("Blad-009.xlsx") + "\n");
+  EXPECT_NE(single_->err.find("Varning!: Om filer redan existerar"), std::string::npos) << single_->err;
+  EXPECT_FALSE(fs::exists(Target("Blad.xlsx")));
+}
+
+TEST_F(EndToEndTest, PagesHoldTheirNumbersPlacementsRowsAndPictures) {
+  if (!HaveOpenpyxl()) GTEST_SKIP() << "python3-openpyxl is not installed";
+  std::vector<std::string> expected = {"sheets=Common,Mall,1,2,3", "cell:Common!B1=Provskåp",
+                                       "cell:Common!B2=Kraftbolaget AB", "cell:Common!B3=AB", "cell:Mall!A10="};
+  for (int page = 1; page <= 3; ++page) {
+    const std::string sheet = std::to_string(page) + "!";
+    expected.push_back("cell:" + sheet + "B2=+A1 Kopplingsskåp");
+    expected.push_back("cell:" + sheet + "F1=" + std::to_string(page));
+    expected.push_back("cell:" + sheet + "F2=" + (page == 3 ? std::string("-") : std::to_string(page + 1)));
+    expected.push_back("images:" + std::to_string(page) + "=1");
+    expected.push_back("print_area:" + std::to_string(page) + "=$A$1:$F$40");
+    for (int row = 10; row <= 12; ++row) {
+      const int n = (page - 1) * 3 + row - 9;
+      const std::string at = std::to_string(row);
+      if (n > 7) {
+        expected.push_back("cell:" + sheet + "A" + at + "=");
+        continue;
+      }
+      expected.push_back("cell:" + sheet + "A" + at + "=X1");
+      expected.push_back("cell:" + sheet + "B" + at + "=" + std::to_string(n));  // a number, written as text
+      expected.push_back("cell:" + sheet + "C" + at + "=");                      // "!" in COLUMNS
+      expected.push_back("cell:" + sheet + "D" + at + "=L" + std::to_string(n));
+    }
+  }
+  const auto result = ReadBack(Target("Lista.xlsx"), expected);
+  EXPECT_EQ(result.status, 0) << result.output;
+}
+
+TEST_F(EndToEndTest, SingleSheetFilesArePaddedAndEmptiedPerPage) {
+  if (!HaveOpenpyxl()) GTEST_SKIP() << "python3-openpyxl is not installed";
+  const auto first = ReadBack(Target("Blad-007.xlsx"),
+                              {"sheets=Common,007", "cell:007!F1=007", "cell:007!F2=008", "cell:007!B12=3",
+                               "images:007=1", "print_area:007=$A$1:$F$40"});
+  EXPECT_EQ(first.status, 0) << first.output;
+  const auto last = ReadBack(Target("Blad-009.xlsx"), {"sheets=Common,009", "cell:009!F1=009", "cell:009!F2=-",
+                                                       "cell:009!B10=7", "cell:009!B11=", "cell:009!D12="});
+  EXPECT_EQ(last.status, 0) << last.output;
+}
+
+int ValidatorErrors(const fs::path& validator, const fs::path& file) {
+  const auto result = RunCommand("timeout 120 " + Quote(validator.string()) + " -f xlsx " + Quote(file.string()));
+  std::smatch match;
+  if (!std::regex_search(result.output, match, std::regex("Found (\\d+) error"))) {
+    ADD_FAILURE() << "unexpected validator output for " << file << ":\n" << result.output;
+    return -1;
+  }
+  return std::stoi(match[1]);
+}
+
+TEST_F(EndToEndTest, ValidatorFindsNoErrorTheTemplateLacks) {
+  const fs::path validator = kSource / "tools/node_modules/.bin/ooxml-validate";
+  if (!fs::exists(validator)) GTEST_SKIP() << "ooxml-validate is not installed (scripts/setup.sh)";
+  const int templateErrors = ValidatorErrors(validator, Template());
+  EXPECT_LE(ValidatorErrors(validator, Target("Lista.xlsx")), templateErrors);
+  EXPECT_LE(ValidatorErrors(validator, Target("Blad-009.xlsx")), templateErrors);
+}
+
+TEST_F(EndToEndTest, TargetThatIsNoExcelFileIsRefusedUpFront) {
+  const auto run = Generate({"--out", Target("Lista.ods")});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_NE(run.err.find("Fel: Filnamnet"), std::string::npos) << run.err;
+  EXPECT_EQ(run.out, "");
+  EXPECT_FALSE(fs::exists(Target("Lista.ods")));
+}
+
+TEST_F(EndToEndTest, BadFieldIndexIsBadUsage) {
+  EXPECT_EQ(Generate({"--out", Target("Fel.xlsx"), "--field", "30=x"}).status, 2);
+  EXPECT_EQ(Generate({"--out", Target("Fel.xlsx"), "--field", "ett=x"}).status, 2);
+}
+
+TEST_F(EndToEndTest, SingleSheetWithoutYesStopsAtTheWarning) {
+  const auto run = Generate({"--out", Target("Nej.xlsx"), "--single-sheet"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_FALSE(fs::exists(Target("Nej-1.xlsx")));
+}
+
+}  // namespace
+}  // namespace sw::gen

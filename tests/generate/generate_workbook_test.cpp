@@ -1,0 +1,385 @@
+// GenerateWorkbook against the recording double: the automation calls of whole runs, line by line,
+// and every way a run ends early.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "generate/page_text.h"
+#include "generation_fixture.h"
+
+namespace sw::gen {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class GenerateWorkbookTest : public ::testing::Test, public GenerationFixture {};
+
+// The lines a normal page makes: sheet copied to the end, named, numbered.
+std::vector<std::string> PageLines(int sheet, const std::string& page, const std::string& next,
+                                   const std::string& location) {
+  const std::string s = std::to_string(sheet);
+  const std::string before = std::to_string(sheet - 1);
+  return {"Sheets(2).Select", "Sheets.Count", "Sheets(2).Copy After:=Sheets(" + before + ")", "Sheets.Count",
+          "Sheets(" + s + ").Select", "Sheets.Count", "Sheets(" + s + ").Name = \"" + page + "\"", "Sheets.Count",
+          "Sheets(" + s + ").Cells(2, 2).Value = \"" + location + "\"",
+          "Sheets(" + s + ").Cells(1, 6).Value = \"" + page + "\"",
+          "Sheets(" + s + ").Cells(2, 6).Value = \"" + next + "\""};
+}
+
+std::vector<std::string> RowLines(int sheet, int row, int n) {
+  const std::string cells = "Sheets(" + std::to_string(sheet) + ").Cells(" + std::to_string(row);
+  const std::string i = std::to_string(n);
+  return {cells + ", 1).Value = \"W" + i + "\"", cells + ", 2).Value = \"X" + i + "\"",
+          cells + ", 4).Value = \"M" + i + "\""};
+}
+
+void Append(std::vector<std::string>& lines, const std::vector<std::string>& more) {
+  lines.insert(lines.end(), more.begin(), more.end());
+}
+
+TEST_F(GenerateWorkbookTest, NormalRunMakesThreePagesInOneWorkbook) {
+  AddPlacement("+A1", 1, 7);
+  inputs.fieldTexts[0] = "Pumpstation Norra";
+  const auto outcome = Generate();
+
+  std::vector<std::string> expected = {
+      "CreateObject(\"Excel.Application\")", "Visible = True",
+      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=True", "Sheets.Count", "Sheets(1).Name",
+      "Sheets(2).Name", "Close SaveChanges:=False", "Visible = True",
+      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=False", "SaveAs \"/R/Lista.xlsx\"",
+      "Sheets(1).Cells(1, 2).Value = \"Pumpstation Norra\"", "Sheets(1).Cells(2, 2).Value = \"Kraftbolaget AB\"",
+      "Sheets(1).Cells(3, 2).Value = \"AB\""};
+  Append(expected, PageLines(3, "1", "2", "+A1"));
+  for (int n = 1; n <= 3; ++n) Append(expected, RowLines(3, 9 + n, n));
+  Append(expected, PageLines(4, "2", "3", "+A1"));
+  for (int n = 4; n <= 6; ++n) Append(expected, RowLines(4, 6 + n, n));
+  Append(expected, PageLines(5, "3", "4", "+A1"));
+  Append(expected, RowLines(5, 10, 7));
+  Append(expected, {"Sheets(5).Cells(2, 6).Value = \"-\"", "Save", "Visible = True"});
+  EXPECT_EQ(recording.lines(), expected);
+
+  EXPECT_TRUE(outcome.completed);
+  EXPECT_THAT(outcome.savedFiles, ElementsAre("/R/Lista.xlsx"));
+  EXPECT_THAT(dialogs.messages, IsEmpty());
+  const auto& saved = recording.files().at("/R/Lista.xlsx");
+  std::vector<std::string> names;
+  for (const auto& sheet : saved.sheets) names.push_back(sheet.name);
+  EXPECT_THAT(names, ElementsAre("Common", "Mall", "1", "2", "3"));
+  EXPECT_THAT(pointers, ElementsAre(MousePointer::kHourglass, MousePointer::kDefault));
+}
+
+TEST_F(GenerateWorkbookTest, RemembersChoicesAndAsksForTheTargetAsTheProgramAlwaysDid) {
+  AddPlacement("+A1", 1, 1);
+  inputs.sheetNumberText = "007";
+  inputs.templateFile = "Lista.XLSM";
+  recording.AddWorkbookFile(EnginePath(std::string(kFolder) + "\\Lista.XLSM"), {"Common", "Mall"});
+  dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.XLSM")};
+  Generate();
+
+  ASSERT_EQ(dialogs.fileRequests.size(), 1u);
+  const auto& request = dialogs.fileRequests[0];
+  EXPECT_TRUE(request.save);
+  EXPECT_EQ(request.title, "Ange filnamn för fil som skall skapas");
+  EXPECT_EQ(request.filter, "(Kalkylblad *.xlsm)|*.xlsm");
+  EXPECT_EQ(request.initialFolder, "/program/");
+  EXPECT_EQ(request.fileName, "");
+  EXPECT_EQ(request.flags, 0x89802u);
+  EXPECT_EQ(Setting("LastVoltDmp"), "C:\\VOLTARIS\\volt_report.txt");
+  EXPECT_EQ(Setting("LastRdsDir"), "data/generation");
+  EXPECT_EQ(Setting("PageNoLen"), "3");
+  EXPECT_EQ(Setting("ResultPath"), "C:\\Rapporter\\");
+  EXPECT_EQ(inputs.targetPath, "C:\\Rapporter\\Pump.XLSM");
+  const auto& saved = recording.files().at(EnginePath("C:\\Rapporter\\Pump.XLSM"));
+  EXPECT_EQ(saved.Find("007")->cells.at({1, 6}), "007");
+  EXPECT_EQ(saved.Find("007")->cells.at({2, 6}), "-");
+}
+
+TEST_F(GenerateWorkbookTest, PageTextsArePaddedToTheStartNumbersLength) {
+  AddPlacement("+A1", 1, 9);  // three pages
+  inputs.sheetNumberText = "09";
+  Generate();
+  const auto& saved = recording.files().at("/R/Lista.xlsx");
+  EXPECT_EQ(saved.Find("09")->cells.at({2, 6}), "10");
+  EXPECT_EQ(saved.Find("10")->cells.at({1, 6}), "10");
+  EXPECT_EQ(saved.Find("11")->cells.at({2, 6}), "-");
+
+  const std::pair<int, int> cases[] = {{7, 3}, {10, 2}, {100, 2}, {1, 1}, {0, 1}};
+  const char* texts[] = {"007", "10", "100", "1", "0"};
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    EXPECT_EQ(PageText(cases[i].first, cases[i].second), texts[i]);
+  }
+}
+
+TEST_F(GenerateWorkbookTest, PlacementsManualBreaksAndFullPagesStartPagesAsTheRowsSay) {
+  AddPlacement("+A1", 1, 3);  // fills page 1 exactly
+  AddPlacement("+A2", 4, 1);  // the green row after a full page starts only one page
+  AddTitle("");               // manual break keeps "+A2"
+  AddData("W5", "X5", "-", "M5");
+  AddTitle("+B1");
+  AddTitle("+B2");  // two green rows: an empty page for +B1
+  AddData("W6", "X6", "-", "M6");
+  Generate();
+  const auto& saved = recording.files().at("/R/Lista.xlsx");
+  std::vector<std::string> names;
+  for (const auto& sheet : saved.sheets) names.push_back(sheet.name);
+  EXPECT_THAT(names, ElementsAre("Common", "Mall", "1", "2", "3", "4", "5"));
+  const char* locations[] = {"+A1", "+A2", "+A2", "+B1", "+B2"};
+  for (int page = 1; page <= 5; ++page) {
+    const auto* sheet = saved.Find(std::to_string(page));
+    EXPECT_EQ(sheet->cells.at({2, 2}), locations[page - 1]) << page;
+  }
+  EXPECT_EQ(saved.Find("4")->cells.count({10, 1}), 0u);
+  EXPECT_EQ(saved.Find("5")->cells.at({10, 1}), "W6");
+  EXPECT_EQ(saved.Find("5")->cells.at({2, 6}), "-");
+}
+
+TEST_F(GenerateWorkbookTest, SingleSheetRunWritesOneFilePerPageAndNeverTheTarget) {
+  AddPlacement("+A1", 1, 2);
+  AddPlacement("+A2", 3, 1);
+  inputs.singleSheet = true;
+  const auto outcome = Generate();
+
+  EXPECT_EQ(warning.shown, 1);
+  const std::vector<std::string> expected = {
+      "CreateObject(\"Excel.Application\")", "Visible = True",
+      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=True", "Sheets.Count", "Sheets(1).Name",
+      "Sheets(2).Name", "Close SaveChanges:=False", "Visible = True",
+      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=False",
+      "Sheets(1).Cells(1, 2).Value = \"\"", "Sheets(1).Cells(2, 2).Value = \"Kraftbolaget AB\"",
+      "Sheets(1).Cells(3, 2).Value = \"AB\"",
+      // page 1
+      "Sheets(2).Select", "SaveAs \"/R/Lista-1.xlsx\"", "Sheets(2).Name = \"1\"",
+      "Sheets(2).Range(Cells(10, 1), Cells(12, 1)).Select", "Selection.ClearContents",
+      "Sheets(2).Range(Cells(10, 2), Cells(12, 2)).Select", "Selection.ClearContents",
+      "Selection.ClearContents",  // the "!" column cannot be selected; the previous one is cleared again
+      "Sheets(2).Range(Cells(10, 4), Cells(12, 4)).Select", "Selection.ClearContents", "Sheets(2).Cells(10, 1).Select",
+      "Sheets(2).Cells(2, 2).Value = \"+A1\"", "Sheets(2).Cells(1, 6).Value = \"1\"",
+      "Sheets(2).Cells(2, 6).Value = \"2\"", "Sheets(2).Cells(10, 1).Value = \"W1\"",
+      "Sheets(2).Cells(10, 2).Value = \"X1\"", "Sheets(2).Cells(10, 4).Value = \"M1\"",
+      "Sheets(2).Cells(11, 1).Value = \"W2\"", "Sheets(2).Cells(11, 2).Value = \"X2\"",
+      "Sheets(2).Cells(11, 4).Value = \"M2\"",
+      // page 2: the previous page's file is saved first
+      "Sheets(2).Select", "Save", "SaveAs \"/R/Lista-2.xlsx\"", "Sheets(2).Name = \"2\"",
+      "Sheets(2).Range(Cells(10, 1), Cells(12, 1)).Select", "Selection.ClearContents",
+      "Sheets(2).Range(Cells(10, 2), Cells(12, 2)).Select", "Selection.ClearContents", "Selection.ClearContents",
+      "Sheets(2).Range(Cells(10, 4), Cells(12, 4)).Select", "Selection.ClearContents", "Sheets(2).Cells(10, 1).Select",
+      "Sheets(2).Cells(2, 2).Value = \"+A2\"", "Sheets(2).Cells(1, 6).Value = \"2\"",
+      "Sheets(2).Cells(2, 6).Value = \"3\"", "Sheets(2).Cells(10, 1).Value = \"W3\"",
+      "Sheets(2).Cells(10, 2).Value = \"X3\"", "Sheets(2).Cells(10, 4).Value = \"M3\"",
+      "Sheets(2).Cells(2, 6).Value = \"-\"", "Save", "Visible = True"};
+  EXPECT_EQ(recording.lines(), expected);
+  EXPECT_TRUE(outcome.completed);
+  EXPECT_THAT(outcome.savedFiles, ElementsAre("/R/Lista-1.xlsx", "/R/Lista-2.xlsx"));
+  EXPECT_EQ(recording.files().count("/R/Lista.xlsx"), 0u);
+  const auto& first = recording.files().at("/R/Lista-1.xlsx");
+  EXPECT_EQ(first.Find("1")->cells.at({11, 1}), "W2");
+  EXPECT_EQ(first.Find("1")->cells.at({2, 6}), "2");
+  const auto& second = recording.files().at("/R/Lista-2.xlsx");
+  EXPECT_EQ(second.Find("2")->cells.count({11, 1}), 0u);  // cleared for the new page
+  EXPECT_EQ(second.Find("2")->cells.at({2, 6}), "-");
+  EXPECT_TRUE(state.singleSheetSavePending);
+}
+
+TEST_F(GenerateWorkbookTest, SecondSingleSheetRunSavesTheTemplateInPlaceFirst) {
+  AddPlacement("+A1", 1, 1);
+  inputs.singleSheet = true;
+  Generate();
+  EXPECT_EQ(recording.files().at(TemplateEnginePath()).sheets[1].name, "Mall");
+
+  dialogs.fileAnswers = {std::string("/R/Lista.xlsx")};
+  inputs.fieldTexts[0] = "Andra körningen";
+  const auto outcome = Generate();
+  const auto& overwritten = recording.files().at(TemplateEnginePath());
+  EXPECT_EQ(overwritten.Find("Common")->cells.at({1, 2}), "Andra körningen");
+  EXPECT_THAT(outcome.savedFiles, ElementsAre("data/generation\\Lista.xlsx", "/R/Lista-1.xlsx"));
+}
+
+TEST_F(GenerateWorkbookTest, DynamicRunFillsTheCommonSheetWithBreaksBeforeEachLaterPlacement) {
+  UseIni("dynamic.ini");
+  AddPlacement("+A1", 1, 2);
+  AddPlacement("+A2", 3, 3);
+  AddTitle("");
+  AddData("W6", "X6", "-", "M6");
+  const auto outcome = Generate();
+
+  const std::vector<std::string> expected = {
+      "CreateObject(\"Excel.Application\")", "Visible = True",
+      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=True", "Sheets.Count", "Sheets(1).Name",
+      "Sheets(2).Name", "Close SaveChanges:=False", "Visible = True",
+      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=False", "SaveAs \"/R/Lista.xlsx\"",
+      "Sheets(1).Cells(1, 2).Value = \"\"", "Sheets(1).Cells(10, 1).Value = \"W1\"",
+      "Sheets(1).Cells(10, 2).Value = \"X1\"", "Sheets(1).Cells(10, 4).Value = \"M1\"",
+      "Sheets(1).Cells(11, 1).Value = \"W2\"", "Sheets(1).Cells(11, 2).Value = \"X2\"",
+      "Sheets(1).Cells(11, 4).Value = \"M2\"", "Sheets(1).Rows(\"12:12\").Select",
+      "Sheets(1).HPageBreaks.Add Before:=ActiveCell", "Sheets(1).Cells(12, 1).Value = \"W3\"",
+      "Sheets(1).Cells(12, 2).Value = \"X3\"", "Sheets(1).Cells(12, 4).Value = \"M3\"",
+      "Sheets(1).Cells(13, 1).Value = \"W4\"", "Sheets(1).Cells(13, 2).Value = \"X4\"",
+      "Sheets(1).Cells(13, 4).Value = \"M4\"", "Sheets(1).Cells(14, 1).Value = \"W5\"",
+      "Sheets(1).Cells(14, 2).Value = \"X5\"", "Sheets(1).Cells(14, 4).Value = \"M5\"",
+      "Sheets(1).Rows(\"15:15\").Select", "Sheets(1).HPageBreaks.Add Before:=ActiveCell",
+      "Sheets(1).Cells(15, 1).Value = \"W6\"", "Sheets(1).Cells(15, 2).Value = \"X6\"",
+      "Sheets(1).Cells(15, 4).Value = \"M6\"", "Sheets(1).Cells(2, 6).Value = \"-\"",
+      // the closing format pass: formats of the second data row, a border under the row below the data
+      "Sheets(1).Rows(\"11:11\").Select", "Selection.Copy", "Sheets(1).Rows(\"12:16\").Select",
+      "Selection.PasteSpecial Paste:=-4122", "Sheets(1).Cells(16, 1).Select", "Selection.Borders(9).Weight = -4138",
+      "Sheets(1).Cells(16, 2).Select", "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(16, 3).Select",
+      "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(16, 4).Select", "Selection.Borders(9).Weight = -4138",
+      "Sheets(1).Cells(10, 1).Select", "CutCopyMode = False", "Save", "Visible = True"};
+  EXPECT_EQ(recording.lines(), expected);
+  EXPECT_TRUE(outcome.completed);
+  EXPECT_TRUE(state.dynamicLength);
+}
+
+TEST_F(GenerateWorkbookTest, DynamicSingleSheetRunWritesTheTemplateItself) {
+  UseIni("dynamic.ini");
+  AddPlacement("+A1", 1, 1);
+  inputs.singleSheet = true;
+  const auto outcome = Generate();
+  EXPECT_TRUE(outcome.completed);
+  EXPECT_THAT(outcome.savedFiles, ElementsAre("data/generation\\Lista.xlsx"));
+  EXPECT_EQ(recording.files().at(TemplateEnginePath()).Find("Common")->cells.at({10, 1}), "W1");
+}
+
+struct EarlyExit {
+  const char* name;
+  std::function<void(GenerationFixture&)> arrange;
+  std::vector<std::string> messages;
+  int applications;
+};
+
+class EarlyExitTest : public ::testing::TestWithParam<EarlyExit>, public GenerationFixture {};
+
+TEST_P(EarlyExitTest, EndsWithItsMessageAndStartsNoMoreThanItMust) {
+  AddPlacement("+A1", 1, 2);
+  GetParam().arrange(*this);
+  const auto outcome = Generate();
+  EXPECT_FALSE(outcome.completed);
+  EXPECT_EQ(MessageTexts(), GetParam().messages);
+  EXPECT_EQ(recording.applicationsCreated(), GetParam().applications);
+  EXPECT_THAT(outcome.savedFiles, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Exits, EarlyExitTest,
+    ::testing::Values(
+        EarlyExit{"NoTemplate", [](GenerationFixture& f) { f.inputs.templateFile = "  "; },
+                  {"Fel: Ingen Excelmall vald."}, 0},
+        EarlyExit{"NoData", [](GenerationFixture& f) { f.table.SetRows(1); },
+                  {"Fel: Ingen data att överföra till Excel."}, 0},
+        EarlyExit{"DialogCancelled", [](GenerationFixture& f) { f.dialogs.fileAnswers.clear(); }, {}, 0},
+        EarlyExit{"WarningCancelled",
+                  [](GenerationFixture& f) {
+                    f.inputs.singleSheet = true;
+                    f.warning.answer = {false, false};
+                  },
+                  {}, 0},
+        EarlyExit{"NoSheetSection", [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\no_sheet_section.ini"; },
+                  {"Kan ej använda Excel-filen: Ini-filen data/generation\\no_sheet_section.ini\rsaknar sektionen [Sheet]."},
+                  0},
+        EarlyExit{"TooFewEntries", [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\too_few_entries.ini"; },
+                  {"Fel: Redigera ini-filen data/generation\\too_few_entries.ini och försök senare."}, 0},
+        EarlyExit{"MissingSheet",
+                  [](GenerationFixture& f) { f.recording.AddWorkbookFile(f.TemplateEnginePath(), {"Framsida", "Mall"}); },
+                  {"Sheetwright: Fliken 'Common' saknas i excelfilen",
+                   "Sheetwright: Redigera mallfilen så att den uppfyller kraven."},
+                  1},
+        EarlyExit{"NonNumericStart", [](GenerationFixture& f) { f.inputs.sheetNumberText = "A1"; },
+                  {"Fel: 13 - Typerna matchar inte"}, 1},
+        EarlyExit{"ExcelCannotStart",
+                  [](GenerationFixture& f) { f.recording.FailCall("CreateObject", 1, 429); },
+                  {"Active-X fel: Kan ej starta Microsoft Excel.\rKontrollera installationen."}, 0},
+        EarlyExit{"TargetInUse", [](GenerationFixture& f) { f.recording.FailCall("SaveAs", 1, 70); },
+                  {"Filfel: Filen används, kan ej skriva över.\rAnge annat filnamn"}, 1},
+        EarlyExit{"DeviceUnavailable", [](GenerationFixture& f) { f.recording.FailCall("Open", 1, 68); },
+                  {"Sheetwright: Enheten ej läsbar/tillgänglig."}, 1}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(GenerateWorkbookTest, MissingTemplateSheetQuitsExcel) {
+  recording.AddWorkbookFile(TemplateEnginePath(), {"Common", "Sida"});
+  AddPlacement("+A1", 1, 1);
+  Generate();
+  EXPECT_EQ(recording.lines().back(), "Quit");
+  EXPECT_THAT(pointers, ElementsAre(MousePointer::kHourglass, MousePointer::kDefault));
+}
+
+TEST_F(GenerateWorkbookTest, FaultyIniIsOpenedForEditing) {
+  UseIni("too_few_entries.ini");
+  AddPlacement("+A1", 1, 1);
+  Generate();
+  EXPECT_THAT(launcher.edited, ElementsAre("data/generation\\too_few_entries.ini"));
+  EXPECT_TRUE(state.iniEditRequested);
+  EXPECT_TRUE(definition.IniError);
+
+  UseIni("three_rows.ini");
+  dialogs.fileAnswers = {std::string("/R/Lista.xlsx")};
+  EXPECT_TRUE(Generate().completed);
+  EXPECT_FALSE(state.iniEditRequested);
+}
+
+TEST_F(GenerateWorkbookTest, CancelledDialogClearsTheTargetAndBlankStartBecomesOne) {
+  AddPlacement("+A1", 1, 1);
+  inputs.targetPath = "/R/Förra.xlsx";
+  inputs.sheetNumberText = "  ";
+  dialogs.fileAnswers.clear();
+  Generate();
+  EXPECT_EQ(inputs.targetPath, "");
+  EXPECT_EQ(inputs.sheetNumberText, "1");
+  EXPECT_EQ(Setting("PageNoLen"), "1");
+}
+
+TEST_F(GenerateWorkbookTest, NameWithoutXlsKeepsThePreviousTarget) {
+  AddPlacement("+A1", 1, 1);
+  inputs.targetPath = "/R/Förra.xlsx";
+  dialogs.fileAnswers = {std::string("/R/rapport.ods")};
+  const auto outcome = Generate();
+  EXPECT_THAT(outcome.savedFiles, ElementsAre("/R/Förra.xlsx"));
+  EXPECT_EQ(settings.values.count(std::make_pair(std::string(), std::string("ResultPath"))), 0u);
+}
+
+TEST_F(GenerateWorkbookTest, WarningIsShownOnlyWhileSwitchedOnAndCanBeSwitchedOff) {
+  AddPlacement("+A1", 1, 1);
+  inputs.singleSheet = true;
+  warning.answer = {false, true};
+  EXPECT_FALSE(Generate().completed);
+  EXPECT_EQ(Setting("ShowSingleSheetWarning"), "0");
+
+  dialogs.fileAnswers = {std::string("/R/Lista.xlsx")};
+  EXPECT_TRUE(Generate().completed);
+  EXPECT_EQ(warning.shown, 1);
+}
+
+TEST_F(GenerateWorkbookTest, RejectedCellWriteMidPageIsSkipped) {
+  AddPlacement("+A1", 1, 3);
+  recording.FailCall("Value=", 10, 1004);  // 3 common texts, 3 page cells, row 10, then row 11 column A
+  const auto outcome = Generate();
+  EXPECT_TRUE(outcome.completed);
+  EXPECT_THAT(dialogs.messages, IsEmpty());
+  const auto& page = *recording.files().at("/R/Lista.xlsx").Find("1");
+  EXPECT_EQ(page.cells.count({11, 1}), 0u);
+  EXPECT_EQ(page.cells.at({11, 2}), "X2");
+  EXPECT_EQ(page.cells.at({12, 1}), "W3");
+}
+
+TEST_F(GenerateWorkbookTest, PageFileInUseIsToldAndTheRunGoesOn) {
+  AddPlacement("+A1", 1, 1);
+  AddPlacement("+A2", 2, 1);
+  AddPlacement("+A3", 3, 1);
+  inputs.singleSheet = true;
+  inputs.targetPath = "";
+  std::vector<std::string> lookups;
+  services.findTopLevelWindow = [&](std::string_view title) { lookups.emplace_back(title); };
+  recording.FailCall("SaveAs", 2, 70);
+  const auto outcome = Generate();
+
+  EXPECT_THAT(MessageTexts(),
+              ElementsAre("Filfel: Filen /R/Lista-2.xls används och kan ej skrivas över.\rAnge annat filnamn."));
+  EXPECT_THAT(lookups, ElementsAre("Sheetwright"));
+  EXPECT_TRUE(outcome.completed);
+  // Page 2's rows went on into the workbook still named after page 1's file; page 3 got its own file.
+  EXPECT_THAT(outcome.savedFiles, ElementsAre("/R/Lista-1.xlsx", "/R/Lista-3.xlsx"));
+  EXPECT_EQ(recording.files().at("/R/Lista-1.xlsx").Find("1")->cells.at({11, 1}), "W2");
+  EXPECT_EQ(pointers.back(), MousePointer::kDefault);
+}
+
+}  // namespace
+}  // namespace sw::gen
