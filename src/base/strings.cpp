@@ -69,6 +69,26 @@ int CompareIgnoreCase(std::string_view a, std::string_view b) {
 
 bool EqualsIgnoreCase(std::string_view a, std::string_view b) { return CompareIgnoreCase(a, b) == 0; }
 
+std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to) {
+  if (from.empty()) return std::string(text);
+  std::string result;
+  std::size_t start = 0;
+  for (std::size_t at = text.find(from); at != std::string_view::npos; at = text.find(from, start)) {
+    result.append(text.substr(start, at - start)).append(to);
+    start = at + from.size();
+  }
+  result.append(text.substr(start));
+  return result;
+}
+
+std::size_t FindIgnoreCase(std::string_view text, std::string_view wanted) {
+  if (wanted.size() > text.size()) return std::string_view::npos;
+  for (std::size_t at = 0; at + wanted.size() <= text.size(); ++at) {
+    if (EqualsIgnoreCase(text.substr(at, wanted.size()), wanted)) return at;
+  }
+  return std::string_view::npos;
+}
+
 std::vector<std::string_view> Split(std::string_view text, char separator) {
   std::vector<std::string_view> pieces;
   std::size_t start = 0;

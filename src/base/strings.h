@@ -21,6 +21,12 @@ bool EqualsIgnoreCase(std::string_view a, std::string_view b);
 // <0, 0, >0 like strcmp, ignoring case as above.
 int CompareIgnoreCase(std::string_view a, std::string_view b);
 
+// Every occurrence of `from` (not empty) replaced by `to`, left to right without overlaps.
+std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to);
+
+// Position of the first occurrence of `wanted` in `text` ignoring case (as EqualsIgnoreCase), or npos.
+std::size_t FindIgnoreCase(std::string_view text, std::string_view wanted);
+
 // Splits at every occurrence of `separator`; an empty text gives one empty piece.
 std::vector<std::string_view> Split(std::string_view text, char separator);
 

@@ -9,25 +9,10 @@
 #include "template/upper_case.h"
 
 namespace sw::discovery {
-namespace {
-
-std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to) {
-  std::string result;
-  std::size_t start = 0;
-  for (std::size_t at = text.find(from); at != std::string_view::npos; at = text.find(from, start)) {
-    result.append(text.substr(start, at - start)).append(to);
-    start = at + from.size();
-  }
-  result.append(text.substr(start));
-  return result;
-}
-
-}  // namespace
-
 std::optional<std::string> ProjectRdsDefFromText(std::string_view text) {
   std::string cleaned(text);
   std::erase(cleaned, '"');
-  cleaned = ReplaceAll(cleaned, "\\\\", "\\");
+  cleaned = base::ReplaceAll(cleaned, "\\\\", "\\");
   const std::size_t keyword = templ::UpperCase(cleaned).find(cadenv::kRdsDefKeyword);
   if (keyword == std::string::npos) return std::nullopt;
   const std::string_view rest =
@@ -52,7 +37,7 @@ std::optional<std::string> ProjectTemplateDirectory(cadenv::Registry& registry,
   const std::string folder = lastSeparator == std::string::npos ? "" : project.substr(0, lastSeparator + 1);
   if (!base::WindowsFolderExists(folder)) return std::nullopt;
 
-  const std::string configPath = ReplaceAll(templ::UpperCase(project), ".PDS", ".CFG");
+  const std::string configPath = base::ReplaceAll(templ::UpperCase(project), ".PDS", ".CFG");
   if (!base::WindowsFileExists(configPath)) return std::nullopt;
   const auto bytes = base::ReadWholeFile(base::ResolveWindowsPath(configPath));
   if (!bytes) throw NumberedError(kPermissionDenied, "Åtkomst nekad");
