@@ -1,9 +1,8 @@
 // `sheetwright-cli preview DUMP --summary` end to end, as a separate process on the 20 MB synthetic
 // dump: start-up, settings, load, clean-ups and output. Reports wall time and the child's peak memory.
+#include <benchmark/benchmark.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
-
-#include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <string>

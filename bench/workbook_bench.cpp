@@ -23,8 +23,9 @@ constexpr int kPages = 330;
 constexpr int kDataCells = 61000;
 
 fs::path TemplatePath() {
-  for (const fs::path candidate : {"tests/data/templates/title_block.xlsx", "../tests/data/templates/title_block.xlsx",
-                                   "../../tests/data/templates/title_block.xlsx"}) {
+  for (const fs::path candidate :
+       {"tests/data/templates/title_block.xlsx", "../tests/data/templates/title_block.xlsx",
+        "../../tests/data/templates/title_block.xlsx"}) {
     if (fs::exists(candidate)) return candidate;
   }
   const char* data = std::getenv("SW_TEST_DATA");

@@ -21,12 +21,12 @@ struct Message {
 };
 
 struct FileDialogRequest {
-  bool save = false;          // save dialog (target file) or open dialog
+  bool save = false;  // save dialog (target file) or open dialog
   std::string title;
-  std::string filter;         // "(Textfil *.txt)|*.txt" as the program writes it
+  std::string filter;  // "(Textfil *.txt)|*.txt" as the program writes it
   std::string initialFolder;
   std::string fileName;
-  unsigned long flags = 0;    // the Windows OFN_* flags the program passes
+  unsigned long flags = 0;  // the Windows OFN_* flags the program passes
 };
 
 class Dialogs {

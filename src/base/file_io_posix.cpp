@@ -10,8 +10,8 @@ namespace sw::base {
 
 std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
   std::random_device random;
-  const auto temp = path.parent_path() /
-                    (path.filename().string() + ".tmp" + std::to_string(getpid()) + "-" + std::to_string(random()));
+  const auto temp = path.parent_path() / (path.filename().string() + ".tmp" + std::to_string(getpid()) + "-" +
+                                          std::to_string(random()));
   const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
   if (fd < 0) return {errno, std::generic_category()};
   std::error_code result;

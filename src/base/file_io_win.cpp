@@ -8,9 +8,11 @@ namespace sw::base {
 
 std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
   std::random_device random;
-  const auto temp = path.parent_path() / (path.filename().wstring() + L".tmp" +
-                                          std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(random()));
-  HANDLE file = CreateFileW(temp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+  const auto temp =
+      path.parent_path() / (path.filename().wstring() + L".tmp" + std::to_wstring(GetCurrentProcessId()) +
+                            L"-" + std::to_wstring(random()));
+  HANDLE file =
+      CreateFileW(temp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) return {static_cast<int>(GetLastError()), std::system_category()};
   std::error_code result;
   for (std::size_t done = 0; done < bytes.size() && !result;) {
@@ -23,7 +25,8 @@ std::error_code WriteFileAtomically(const std::filesystem::path& path, std::stri
   }
   if (!result && !FlushFileBuffers(file)) result = {static_cast<int>(GetLastError()), std::system_category()};
   CloseHandle(file);
-  if (!result && !MoveFileExW(temp.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+  if (!result &&
+      !MoveFileExW(temp.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
     result = {static_cast<int>(GetLastError()), std::system_category()};
   }
   if (result) DeleteFileW(temp.c_str());

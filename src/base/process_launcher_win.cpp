@@ -1,4 +1,5 @@
 #include <windows.h>
+// shellapi.h needs the types windows.h declares, so it comes second.
 #include <shellapi.h>
 
 #include <string>

@@ -11,7 +11,8 @@ std::filesystem::path ProgramFolder() {
   for (;;) {
     const DWORD length = GetModuleFileNameW(nullptr, buffer.data(), static_cast<DWORD>(buffer.size()));
     if (length == 0) return std::filesystem::current_path();
-    if (length < buffer.size()) return std::filesystem::path(std::wstring(buffer.data(), length)).parent_path();
+    if (length < buffer.size())
+      return std::filesystem::path(std::wstring(buffer.data(), length)).parent_path();
     buffer.resize(buffer.size() * 2);
   }
 }

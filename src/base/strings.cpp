@@ -6,7 +6,9 @@
 namespace sw::base {
 namespace {
 
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f'; }
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
+}
 
 // Next code point of UTF-8 text folded to lower case for the Latin-1 range; other bytes pass as they are.
 char32_t NextFolded(std::string_view s, std::size_t& pos) {
@@ -67,7 +69,9 @@ int CompareIgnoreCase(std::string_view a, std::string_view b) {
   return 0;
 }
 
-bool EqualsIgnoreCase(std::string_view a, std::string_view b) { return CompareIgnoreCase(a, b) == 0; }
+bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
+  return CompareIgnoreCase(a, b) == 0;
+}
 
 std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to) {
   if (from.empty()) return std::string(text);

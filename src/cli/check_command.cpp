@@ -1,7 +1,6 @@
 #include "cli/check_command.h"
 
 #include <CLI/CLI.hpp>
-
 #include <ostream>
 
 #include "cli/console_dialogs.h"
@@ -14,8 +13,10 @@
 namespace sw::cli {
 
 void AddCheckCommand(CLI::App& app, CheckOptions& options) {
-  CLI::App* command = app.add_subcommand("check", "Check a template workbook and its INI file as generation does");
-  command->add_option("WORKBOOK", options.workbook, "The template workbook (.xls, .xlsx or .xlsm)")->required();
+  CLI::App* command =
+      app.add_subcommand("check", "Check a template workbook and its INI file as generation does");
+  command->add_option("WORKBOOK", options.workbook, "The template workbook (.xls, .xlsx or .xlsm)")
+      ->required();
 }
 
 namespace {
@@ -28,8 +29,8 @@ void WriteTemplateSummary(std::ostream& out, const templ::TemplateDefinition& de
   if (definition.Infinite) {
     out << "rows per page: dynamic (from row " << definition.StartRow << ")\n";
   } else {
-    out << "rows per page: " << (definition.EndRow - definition.StartRow + 1) << " (rows " << definition.StartRow
-        << " to " << definition.EndRow << ")\n";
+    out << "rows per page: " << (definition.EndRow - definition.StartRow + 1) << " (rows "
+        << definition.StartRow << " to " << definition.EndRow << ")\n";
   }
   int written = 0;
   for (auto column : definition.DataColumns) {
@@ -54,7 +55,8 @@ int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) 
   templ::FieldPanel fields;
   report::ReportTable preview;
   const TemplateLocation location = SplitTemplatePath(options.workbook);
-  if (!templ::FindIniForTemplate(location.folder, location.file, definition, fields, preview, dialogs)) return 1;
+  if (!templ::FindIniForTemplate(location.folder, location.file, definition, fields, preview, dialogs))
+    return 1;
   const auto validation = templ::ValidateTemplateIni(definition.IniPath, definition, dialogs);
   if (!validation.Accepted() || definition.IniError) return 1;
   WriteTemplateSummary(out, definition, fields);

@@ -9,7 +9,9 @@ using base::MessageButtons;
 
 ConsoleDialogs::ConsoleDialogs(std::ostream& err, bool answerYes) : err_(err), answerYes_(answerYes) {}
 
-void ConsoleDialogs::QueueFileAnswer(std::string path) { fileAnswers_.push_back(std::move(path)); }
+void ConsoleDialogs::QueueFileAnswer(std::string path) {
+  fileAnswers_.push_back(std::move(path));
+}
 
 std::string FormatMessageLine(const base::Message& message) {
   std::string line = base::EffectiveTitle(message) + ": ";

@@ -1,7 +1,6 @@
 #include "cli/preview_command.h"
 
 #include <CLI/CLI.hpp>
-
 #include <iostream>
 
 #include "app/overlay_settings.h"
@@ -34,14 +33,17 @@ void AddPreviewCommand(CLI::App& app, PreviewOptions& options) {
                     "Insert the missing leading column of the outer connection table (asks first)");
   command->add_flag("--yes", options.yes, "Answer Yes to the program's questions");
   const auto zeroOrOne = CLI::IsMember({"0", "1"});
-  command->add_option("--include-empty-rows", options.includeEmptyRows,
-                      "Keep empty rows (1) or remove them (0) for this run; default: the stored setting")
+  command
+      ->add_option("--include-empty-rows", options.includeEmptyRows,
+                   "Keep empty rows (1) or remove them (0) for this run; default: the stored setting")
       ->check(zeroOrOne);
-  command->add_option("--slash-two", options.slashTwo,
-                      "Keep \"/2\" endings (1) or remove them (0) for this run; default: the stored setting")
+  command
+      ->add_option("--slash-two", options.slashTwo,
+                   "Keep \"/2\" endings (1) or remove them (0) for this run; default: the stored setting")
       ->check(zeroOrOne);
-  command->add_option("--show-page-breaks", options.showPageBreaks,
-                      "Draw page-break marks (1) or not (0) for this run; default: the stored setting")
+  command
+      ->add_option("--show-page-breaks", options.showPageBreaks,
+                   "Draw page-break marks (1) or not (0) for this run; default: the stored setting")
       ->check(zeroOrOne);
 }
 
@@ -59,8 +61,12 @@ int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& e
   templ::FieldPanel fields;
   templ::PreviewPageLayout layout(definition, dialogs, settings);
 
-  report::PreviewContext context{.dumpPath = options.dump, .settings = settings, .dialogs = dialogs,
-                                 .layoutColumns = {}, .reloadTemplateLayout = {}, .showPageBreaks = {}};
+  report::PreviewContext context{.dumpPath = options.dump,
+                                 .settings = settings,
+                                 .dialogs = dialogs,
+                                 .layoutColumns = {},
+                                 .reloadTemplateLayout = {},
+                                 .showPageBreaks = {}};
   if (options.templateWorkbook) {
     // The main window pairs the template before it reads the dump, so the headings are in place.
     const TemplateLocation location = SplitTemplatePath(*options.templateWorkbook);

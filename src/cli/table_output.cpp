@@ -84,8 +84,8 @@ TableSummary Summarize(const ReportTable& table) {
 }
 
 void WriteSummary(std::ostream& out, const TableSummary& summary) {
-  out << "rows: " << summary.rows << "\ncolumns: " << summary.columns << "\nplacements: " << summary.placements
-      << '\n';
+  out << "rows: " << summary.rows << "\ncolumns: " << summary.columns
+      << "\nplacements: " << summary.placements << '\n';
   if (summary.pages) out << "pages: " << *summary.pages << '\n';
 }
 

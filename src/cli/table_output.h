@@ -16,7 +16,7 @@ void WriteRowsAsText(std::ostream& out, const report::ReportTable& table);
 void WriteRowsAsJson(std::ostream& out, const report::ReportTable& table);
 
 struct TableSummary {
-  int rows = 0;        // report rows (the heading row not counted)
+  int rows = 0;  // report rows (the heading row not counted)
   int columns = 0;
   int placements = 0;  // placement heads
   std::optional<int> pages;

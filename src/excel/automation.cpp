@@ -20,7 +20,8 @@ int ParseRowNumber(std::string_view text) {
   int value = 0;
   const auto* end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, value);
-  if (text.empty() || result.ec != std::errc() || result.ptr != end || value < 1 || value > kMaxRows) return 0;
+  if (text.empty() || result.ec != std::errc() || result.ptr != end || value < 1 || value > kMaxRows)
+    return 0;
   return value;
 }
 
@@ -118,8 +119,8 @@ void Sheet::Select() {
 sw::excel::Range Sheet::Cells(int row, int column) const {
   Check();
   if (row < 1 || row > kMaxRows || column < 1 || column > kMaxColumns) {
-    throw AutomationError(kApplicationDefined, "Cellen (" + std::to_string(row) + ", " + std::to_string(column) +
-                                                   ") ligger utanför kalkylbladet");
+    throw AutomationError(kApplicationDefined, "Cellen (" + std::to_string(row) + ", " +
+                                                   std::to_string(column) + ") ligger utanför kalkylbladet");
   }
   return sw::excel::Range(engine_, RangeRef{ref_, row, column, row, column});
 }
@@ -144,9 +145,9 @@ sw::excel::Range Sheet::Range(std::string_view address) const {
   const auto first = ParseCellAddress(address.substr(0, colon));
   const auto last = colon == std::string_view::npos ? first : ParseCellAddress(address.substr(colon + 1));
   if (!first || !last) ThrowBadAddress(address);
-  return sw::excel::Range(engine_, RangeRef{ref_, std::min(first->row, last->row),
-                                            std::min(first->column, last->column), std::max(first->row, last->row),
-                                            std::max(first->column, last->column)});
+  return sw::excel::Range(
+      engine_, RangeRef{ref_, std::min(first->row, last->row), std::min(first->column, last->column),
+                        std::max(first->row, last->row), std::max(first->column, last->column)});
 }
 sw::excel::Range Sheet::Rows(std::string_view rows) const {
   Check();
@@ -154,8 +155,8 @@ sw::excel::Range Sheet::Rows(std::string_view rows) const {
   const int first = ParseRowNumber(rows.substr(0, colon));
   const int last = colon == std::string_view::npos ? first : ParseRowNumber(rows.substr(colon + 1));
   if (first == 0 || last == 0) ThrowBadAddress(rows);
-  return sw::excel::Range(engine_, RangeRef{ref_, std::min(first, last), 1, std::max(first, last), kMaxColumns,
-                                            RangeShape::kEntireRows});
+  return sw::excel::Range(engine_, RangeRef{ref_, std::min(first, last), 1, std::max(first, last),
+                                            kMaxColumns, RangeShape::kEntireRows});
 }
 sw::excel::HPageBreaks Sheet::HPageBreaks() const {
   Check();
@@ -178,7 +179,9 @@ sw::excel::Sheets Workbook::Sheets() const {
   Check();
   return sw::excel::Sheets(engine_, id_);
 }
-sw::excel::Sheets Workbook::Worksheets() const { return Sheets(); }
+sw::excel::Sheets Workbook::Worksheets() const {
+  return Sheets();
+}
 void Workbook::SaveAs(const std::string& path) {
   Check();
   engine_->SaveAs(id_, path);
@@ -213,14 +216,22 @@ Workbook Workbooks::Item(int index) const {
   return Workbook(engine_, engine_->WorkbookAt(index));
 }
 
-Workbook Application::ActiveWorkbook() { return Workbook(engine_.get(), engine_->ActiveWorkbook()); }
+Workbook Application::ActiveWorkbook() {
+  return Workbook(engine_.get(), engine_->ActiveWorkbook());
+}
 Sheets Application::Sheets() {
   const WorkbookId active = engine_->ActiveWorkbook();
   if (active == 0) throw AutomationError(kApplicationDefined, "Det finns ingen aktiv arbetsbok");
   return sw::excel::Sheets(engine_.get(), active);
 }
-Sheet Application::ActiveSheet() { return Sheet(engine_.get(), engine_->ActiveSheet()); }
-Range Application::Selection() { return Range(engine_.get(), engine_->Selection()); }
-Range Application::ActiveCell() { return Range(engine_.get(), engine_->ActiveCell()); }
+Sheet Application::ActiveSheet() {
+  return Sheet(engine_.get(), engine_->ActiveSheet());
+}
+Range Application::Selection() {
+  return Range(engine_.get(), engine_->Selection());
+}
+Range Application::ActiveCell() {
+  return Range(engine_.get(), engine_->ActiveCell());
+}
 
 }  // namespace sw::excel

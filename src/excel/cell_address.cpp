@@ -42,6 +42,8 @@ std::string ColumnName(int column) {
   return name;
 }
 
-std::string FormatCellAddress(int row, int column) { return ColumnName(column) + std::to_string(row); }
+std::string FormatCellAddress(int row, int column) {
+  return ColumnName(column) + std::to_string(row);
+}
 
 }  // namespace sw::excel

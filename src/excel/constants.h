@@ -16,8 +16,11 @@ enum class XlBorderWeight : int { xlHairline = 1, xlThin = 2, xlMedium = -4138, 
 
 enum class XlTextParsingType : int { xlDelimited = 1, xlFixedWidth = 2 };
 
-enum class XlTextQualifier : int { xlTextQualifierDoubleQuote = 1, xlTextQualifierSingleQuote = 2,
-                                   xlTextQualifierNone = -4142 };
+enum class XlTextQualifier : int {
+  xlTextQualifierDoubleQuote = 1,
+  xlTextQualifierSingleQuote = 2,
+  xlTextQualifierNone = -4142
+};
 
 enum class XlColumnDataType : int { xlGeneralFormat = 1, xlTextFormat = 2, xlSkipColumn = 9 };
 

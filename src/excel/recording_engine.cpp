@@ -49,7 +49,9 @@ std::string Quoted(std::string_view text) {
   return quoted + "\"";
 }
 
-const char* Bool(bool value) { return value ? "True" : "False"; }
+const char* Bool(bool value) {
+  return value ? "True" : "False";
+}
 
 class RecordingEngine final : public Engine {
  public:
@@ -101,7 +103,8 @@ class RecordingEngine final : public Engine {
     book.readOnly = readOnly;
     book.sheets = file->second.sheets;
     for (auto& sheet : book.sheets) sheet.id = recording_.NextSheetId();
-    if (book.sheets.empty()) book.sheets.push_back(Recording::SheetState{recording_.NextSheetId(), "Blad1", {}, {}});
+    if (book.sheets.empty())
+      book.sheets.push_back(Recording::SheetState{recording_.NextSheetId(), "Blad1", {}, {}});
     book.activeSheet = book.sheets.front().id;
     book.selection = RangeRef{SheetRef{book.id, book.activeSheet}};
     workbooks_.push_back(std::move(book));
@@ -109,14 +112,14 @@ class RecordingEngine final : public Engine {
   }
 
   WorkbookId OpenText(const OpenTextOptions& options) override {
-    std::string line = "Workbooks.OpenText FileName:=" + Quoted(options.fileName) +
-                       ", Origin:=" + std::to_string(options.origin) +
-                       ", StartRow:=" + std::to_string(options.startRow) +
-                       ", DataType:=" + std::to_string(static_cast<int>(options.dataType)) +
-                       ", TextQualifier:=" + std::to_string(static_cast<int>(options.textQualifier)) +
-                       ", ConsecutiveDelimiter:=" + Bool(options.consecutiveDelimiter) + ", Tab:=" + Bool(options.tab) +
-                       ", Semicolon:=" + Bool(options.semicolon) + ", Comma:=" + Bool(options.comma) +
-                       ", Space:=" + Bool(options.space) + ", Other:=" + Bool(options.other) + ", FieldInfo:=Array(";
+    std::string line =
+        "Workbooks.OpenText FileName:=" + Quoted(options.fileName) +
+        ", Origin:=" + std::to_string(options.origin) + ", StartRow:=" + std::to_string(options.startRow) +
+        ", DataType:=" + std::to_string(static_cast<int>(options.dataType)) +
+        ", TextQualifier:=" + std::to_string(static_cast<int>(options.textQualifier)) +
+        ", ConsecutiveDelimiter:=" + Bool(options.consecutiveDelimiter) + ", Tab:=" + Bool(options.tab) +
+        ", Semicolon:=" + Bool(options.semicolon) + ", Comma:=" + Bool(options.comma) +
+        ", Space:=" + Bool(options.space) + ", Other:=" + Bool(options.other) + ", FieldInfo:=Array(";
     for (std::size_t i = 0; i < options.fieldInfo.size(); ++i) {
       if (i > 0) line += ", ";
       line += "Array(" + std::to_string(options.fieldInfo[i].first) + ", " +
@@ -137,7 +140,8 @@ class RecordingEngine final : public Engine {
 
   int WorkbookCount() override { return static_cast<int>(workbooks_.size()); }
   WorkbookId WorkbookAt(int index) override {
-    if (index < 1 || index > WorkbookCount()) throw AutomationError(kSubscriptOutOfRange, DefaultErrorText(9));
+    if (index < 1 || index > WorkbookCount())
+      throw AutomationError(kSubscriptOutOfRange, DefaultErrorText(9));
     return workbooks_[static_cast<std::size_t>(index - 1)].id;
   }
 
@@ -215,7 +219,8 @@ class RecordingEngine final : public Engine {
   }
   void AddPageBreak(SheetRef sheet, const RangeRef& before) override {
     recording_.Record("Add", SheetText(sheet) + ".HPageBreaks.Add Before:=" + RangeText(before));
-    if (before.firstRow <= 1) throw AutomationError(kApplicationDefined, DefaultErrorText(kApplicationDefined));
+    if (before.firstRow <= 1)
+      throw AutomationError(kApplicationDefined, DefaultErrorText(kApplicationDefined));
     FindSheet(sheet).pageBreakRows.insert(before.firstRow);
   }
   int PageBreakCount(SheetRef sheet) override {
@@ -261,13 +266,16 @@ class RecordingEngine final : public Engine {
   void PasteSpecial(const RangeRef& range, XlPasteType paste) override {
     recording_.Record("PasteSpecial",
                       RangeText(range) + ".PasteSpecial Paste:=" + std::to_string(static_cast<int>(paste)));
-    if (!clipboard_) throw AutomationError(kApplicationDefined, "PasteSpecial-metoden i Range-klassen misslyckades");
+    if (!clipboard_)
+      throw AutomationError(kApplicationDefined, "PasteSpecial-metoden i Range-klassen misslyckades");
   }
   void SetBorderWeight(const RangeRef& range, XlBordersIndex edge, XlBorderWeight weight) override {
     recording_.Record("Weight=", RangeText(range) + ".Borders(" + std::to_string(static_cast<int>(edge)) +
                                      ").Weight = " + std::to_string(static_cast<int>(weight)));
   }
-  void AutoFit(const RangeRef& range) override { recording_.Record("AutoFit", RangeText(range) + ".AutoFit"); }
+  void AutoFit(const RangeRef& range) override {
+    recording_.Record("AutoFit", RangeText(range) + ".AutoFit");
+  }
 
  private:
   struct Book {
@@ -311,7 +319,8 @@ class RecordingEngine final : public Engine {
       case RangeShape::kAllCells:
         return sheet + ".Cells";
       case RangeShape::kEntireRows:
-        return sheet + ".Rows(\"" + std::to_string(range.firstRow) + ":" + std::to_string(range.lastRow) + "\")";
+        return sheet + ".Rows(\"" + std::to_string(range.firstRow) + ":" + std::to_string(range.lastRow) +
+               "\")";
       case RangeShape::kEntireColumns:
         return sheet + ".Range(" + cell(range.firstRow, range.firstColumn) + ", " +
                cell(range.firstRow, range.lastColumn) + ").EntireColumn";
@@ -321,8 +330,8 @@ class RecordingEngine final : public Engine {
     if (range.firstRow == range.lastRow && range.firstColumn == range.lastColumn) {
       return sheet + "." + cell(range.firstRow, range.firstColumn);
     }
-    return sheet + ".Range(" + cell(range.firstRow, range.firstColumn) + ", " + cell(range.lastRow, range.lastColumn) +
-           ")";
+    return sheet + ".Range(" + cell(range.firstRow, range.firstColumn) + ", " +
+           cell(range.lastRow, range.lastColumn) + ")";
   }
   template <typename Visit>
   void ForEachCell(const RangeRef& range, Visit visit) {

@@ -70,9 +70,11 @@ std::optional<std::string> SheetNameProblem(std::string_view name, const std::ve
   if (name.find_first_of(":\\/?*[]") != std::string_view::npos) {
     return "Bladnamnet får inte innehålla något av tecknen : \\ / ? * [ ].";
   }
-  if (name.front() == '\'' || name.back() == '\'') return "Bladnamnet får inte börja eller sluta med apostrof.";
+  if (name.front() == '\'' || name.back() == '\'')
+    return "Bladnamnet får inte börja eller sluta med apostrof.";
   if (base::EqualsIgnoreCase(name, "History")) return "Namnet History är reserverat.";
-  if (IsTaken(name, existing, selfIndex)) return "Det finns redan ett blad med namnet " + std::string(name) + ".";
+  if (IsTaken(name, existing, selfIndex))
+    return "Det finns redan ett blad med namnet " + std::string(name) + ".";
   return std::nullopt;
 }
 

@@ -14,9 +14,10 @@ const std::string kExample = std::filesystem::absolute("../examples/yttre_forbin
 class PreviewCommandTest : public ::testing::Test {
  protected:
   void StoreSettings(const std::string& values) {
-    temp.Write("registry.reg", "Windows Registry Editor Version 5.00\r\n\r\n"
-                               "[HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright]\r\n" +
-                                   values);
+    temp.Write("registry.reg",
+               "Windows Registry Editor Version 5.00\r\n\r\n"
+               "[HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright]\r\n" +
+                   values);
   }
   std::filesystem::path TemplateWithIni(const std::string& ini) {
     std::filesystem::copy_file(DataFile("templates/title_block.xlsx"), temp.path() / "Mall.xlsx");
@@ -107,7 +108,8 @@ TEST_F(PreviewCommandTest, TemplateGivesHeadingsAndPageBreakMarks) {
 
 TEST_F(PreviewCommandTest, TemplateWithoutIniIsToldButThePreviewStillLoads) {
   std::filesystem::copy_file(DataFile("templates/title_block.xlsx"), temp.path() / "Ensam.xlsx");
-  const auto result = cli.Run({"preview", kExample, "--summary", "--template", (temp.path() / "Ensam.xlsx").string()});
+  const auto result =
+      cli.Run({"preview", kExample, "--summary", "--template", (temp.path() / "Ensam.xlsx").string()});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.err, "Fel: Excel-rapportmallen saknar n\u00f6dv\u00e4ndig tillh\u00f6rande INI-fil\n");
   EXPECT_EQ(result.out, "rows: 28\ncolumns: 8\nplacements: 3\n");

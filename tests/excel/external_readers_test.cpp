@@ -36,9 +36,13 @@ CommandResult RunCommand(const std::string& command) {
   return result;
 }
 
-std::string Quote(const fs::path& path) { return "'" + path.string() + "'"; }
+std::string Quote(const fs::path& path) {
+  return "'" + path.string() + "'";
+}
 
-bool HavePythonWithOpenpyxl() { return RunCommand("/usr/bin/python3 -c 'import openpyxl'").status == 0; }
+bool HavePythonWithOpenpyxl() {
+  return RunCommand("/usr/bin/python3 -c 'import openpyxl'").status == 0;
+}
 
 // The generation run of a normal-length template: three pages, page breaks and the closing format
 // pass on the last page.
@@ -59,7 +63,8 @@ void MakePages(const fs::path& templatePath, const fs::path& target) {
     current.Cells(2, 2).SetValue("+A" + std::to_string(page));
     current.Cells(1, 6).SetValue(std::to_string(page));
     current.Cells(2, 6).SetValue(page == 3 ? "-" : std::to_string(page + 1));
-    for (int row = 10; row < 40; ++row) current.Cells(row, 1).SetValue("W" + std::to_string(page * 100 + row));
+    for (int row = 10; row < 40; ++row)
+      current.Cells(row, 1).SetValue("W" + std::to_string(page * 100 + row));
   }
   Sheet last = book.Worksheets().Item(5);
   last.Rows("20:20").Select();
@@ -112,24 +117,28 @@ testing::TempDir* ExternalReadersTest::folder_ = nullptr;
 TEST_F(ExternalReadersTest, PackageLinterFindsNothing) {
   if (RunCommand("/usr/bin/python3 -c pass").status != 0) GTEST_SKIP() << "python3 is not installed";
   for (const auto& file : {Pages(), Macro(), Scripted()}) {
-    const auto result = RunCommand("/usr/bin/python3 " + Quote(kSource / "tests/excel/package_lint.py") + " " + Quote(file));
+    const auto result =
+        RunCommand("/usr/bin/python3 " + Quote(kSource / "tests/excel/package_lint.py") + " " + Quote(file));
     EXPECT_EQ(result.status, 0) << file << ":\n" << result.output;
   }
 }
 
 TEST_F(ExternalReadersTest, OpenpyxlReadsBackWhatWasWritten) {
   if (!HavePythonWithOpenpyxl()) GTEST_SKIP() << "python3-openpyxl is not installed";
-  const auto result = RunCommand("/usr/bin/python3 " + Quote(kSource / "tests/excel/read_back.py") + " " + Quote(Pages()) +
-                          " sheets=Common,Mall,1,2,3 'cell:Common!B1=Ställverk 8 & <ny>' 'cell:1!B2=+A1' "
-                          "'cell:3!F2=-' 'cell:2!A39=W239' 'cell:Mall!A10=' breaks:3=19,29 breaks:Mall= "
-                          "'print_area:3=$A$1:$F$40' 'print_titles:2=1:9' "
-                          "merged:1=A1:D1,B2:D2,B3:D3 'cell:2!B3==Common!B1'");
+  const auto result =
+      RunCommand("/usr/bin/python3 " + Quote(kSource / "tests/excel/read_back.py") + " " + Quote(Pages()) +
+                 " sheets=Common,Mall,1,2,3 'cell:Common!B1=Ställverk 8 & <ny>' 'cell:1!B2=+A1' "
+                 "'cell:3!F2=-' 'cell:2!A39=W239' 'cell:Mall!A10=' breaks:3=19,29 breaks:Mall= "
+                 "'print_area:3=$A$1:$F$40' 'print_titles:2=1:9' "
+                 "merged:1=A1:D1,B2:D2,B3:D3 'cell:2!B3==Common!B1'");
   EXPECT_EQ(result.status, 0) << result.output;
-  const auto macro = RunCommand("/usr/bin/python3 " + Quote(kSource / "tests/excel/read_back.py") + " " + Quote(Macro()) +
-                         " 'sheets=Common,Mall,Sida 1' 'cell:Sida 1!A10=W1' 'print_titles:Sida 1=1:9'");
+  const auto macro =
+      RunCommand("/usr/bin/python3 " + Quote(kSource / "tests/excel/read_back.py") + " " + Quote(Macro()) +
+                 " 'sheets=Common,Mall,Sida 1' 'cell:Sida 1!A10=W1' 'print_titles:Sida 1=1:9'");
   EXPECT_EQ(macro.status, 0) << macro.output;
-  const auto scripted = RunCommand("/usr/bin/python3 " + Quote(kSource / "tests/excel/read_back.py") + " " +
-                                   Quote(Scripted()) + " sheets=Common,Mall,1,2,3 'cell:3!A10=W310' breaks:3=19,29");
+  const auto scripted =
+      RunCommand("/usr/bin/python3 " + Quote(kSource / "tests/excel/read_back.py") + " " + Quote(Scripted()) +
+                 " sheets=Common,Mall,1,2,3 'cell:3!A10=W310' breaks:3=19,29");
   EXPECT_EQ(scripted.status, 0) << scripted.output;
 }
 
@@ -137,8 +146,9 @@ TEST_F(ExternalReadersTest, LibreOfficeConvertsToPdf) {
   if (RunCommand("command -v soffice").status != 0) GTEST_SKIP() << "libreoffice-calc-nogui is not installed";
   const fs::path out = folder_->path() / "pdf";
   const std::string profile = "-env:UserInstallation=file://" + (folder_->path() / "lo-profile").string();
-  const auto result = RunCommand("timeout 120 soffice '" + profile + "' --headless --convert-to pdf --outdir " + Quote(out) +
-                          " " + Quote(Pages()) + " " + Quote(Macro()));
+  const auto result =
+      RunCommand("timeout 120 soffice '" + profile + "' --headless --convert-to pdf --outdir " + Quote(out) +
+                 " " + Quote(Pages()) + " " + Quote(Macro()));
   ASSERT_EQ(result.status, 0) << result.output;
   for (const char* name : {"Lista.pdf", "Makro.pdf"}) {
     const fs::path pdf = out / name;

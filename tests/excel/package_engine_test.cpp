@@ -1,10 +1,10 @@
 #include "excel/package/package_engine.h"
 
 #include <gtest/gtest.h>
-#include <pugixml.hpp>
 
 #include <filesystem>
 #include <memory>
+#include <pugixml.hpp>
 
 #include "base/file_io.h"
 #include "excel/automation.h"
@@ -17,7 +17,9 @@ namespace {
 using testing::DataFile;
 using testing::TempDir;
 
-std::string TemplatePath(const char* name) { return DataFile(std::string("templates/") + name).string(); }
+std::string TemplatePath(const char* name) {
+  return DataFile(std::string("templates/") + name).string();
+}
 
 class PackageEngineTest : public ::testing::Test {
  protected:
@@ -74,16 +76,17 @@ TEST_F(PackageEngineTest, GeneratesPagesLikeExcel) {
   EXPECT_EQ(names, (std::vector<std::string>{"Common", "Mall", "1", "2", "3"}));
   std::vector<std::string> definedNames;
   for (auto name : workbook.document_element().child("definedNames").children("definedName")) {
-    definedNames.push_back(std::string(name.attribute("name").value()) + "@" + name.attribute("localSheetId").value() +
-                           "=" + name.text().get());
+    definedNames.push_back(std::string(name.attribute("name").value()) + "@" +
+                           name.attribute("localSheetId").value() + "=" + name.text().get());
   }
   EXPECT_EQ(definedNames, (std::vector<std::string>{
                               "_xlnm.Print_Area@1=Mall!$A$1:$F$40", "_xlnm.Print_Area@2='1'!$A$1:$F$40",
                               "_xlnm.Print_Area@3='2'!$A$1:$F$40", "_xlnm.Print_Area@4='3'!$A$1:$F$40",
                               "_xlnm.Print_Titles@1=Mall!1:9", "_xlnm.Print_Titles@2='1'!1:9",
                               "_xlnm.Print_Titles@3='2'!1:9", "_xlnm.Print_Titles@4='3'!1:9"}));
-  EXPECT_STREQ(workbook.document_element().child("bookViews").child("workbookView").attribute("activeTab").value(),
-               "4");
+  EXPECT_STREQ(
+      workbook.document_element().child("bookViews").child("workbookView").attribute("activeTab").value(),
+      "4");
 }
 
 std::string Replace(std::string text, std::string_view from, std::string_view to) {
@@ -93,14 +96,16 @@ std::string Replace(std::string text, std::string_view from, std::string_view to
 }
 
 // The template's package with one part changed.
-std::string TemplateWith(const char* name, const std::string& part, const std::string& from, const std::string& to) {
+std::string TemplateWith(const char* name, const std::string& part, const std::string& from,
+                         const std::string& to) {
   Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath(name)));
   package.SetBytes(part, Replace(package.Bytes(part), from, to));
   return package.ToZip();
 }
 
 TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
-  const std::string workbookRel = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
+  const std::string workbookRel =
+      "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
   const std::string good = *base::ReadWholeFile(TemplatePath("title_block.xlsx"));
   struct Case {
     const char* what;
@@ -109,15 +114,20 @@ TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
   };
   const std::vector<Case> cases = {
       {"binary .xls", std::string("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + std::string(500, '\0'), ".xls"},
-      {"strict", TemplateWith("title_block.xlsx", "_rels/.rels", workbookRel,
-                              "http://purl.oclc.org/ooxml/officeDocument/relationships/officeDocument"), "Strikt"},
+      {"strict",
+       TemplateWith("title_block.xlsx", "_rels/.rels", workbookRel,
+                    "http://purl.oclc.org/ooxml/officeDocument/relationships/officeDocument"),
+       "Strikt"},
       {"text", "Kabel\tFrån\r\n", "inte en Excel-arbetsbok"},
-      {"document", TemplateWith("title_block.xlsx", "[Content_Types].xml", "spreadsheetml.sheet.main+xml",
-                                "wordprocessingml.document.main+xml"), "inte en Excel-arbetsbok"},
+      {"document",
+       TemplateWith("title_block.xlsx", "[Content_Types].xml", "spreadsheetml.sheet.main+xml",
+                    "wordprocessingml.document.main+xml"),
+       "inte en Excel-arbetsbok"},
       {"truncated", good.substr(0, good.size() / 2), "zip-arkivet"},
-      {"bad workbook xml", TemplateWith("title_block.xlsx", "xl/workbook.xml", "</sheets>", "</sheet>"), "XML"},
-      {"missing sheet", TemplateWith("title_block.xlsx", "xl/_rels/workbook.xml.rels", "sheet2.xml", "sheet9.xml"),
-       "saknas"},
+      {"bad workbook xml", TemplateWith("title_block.xlsx", "xl/workbook.xml", "</sheets>", "</sheet>"),
+       "XML"},
+      {"missing sheet",
+       TemplateWith("title_block.xlsx", "xl/_rels/workbook.xml.rels", "sheet2.xml", "sheet9.xml"), "saknas"},
   };
   for (const auto& c : cases) {
     const auto path = temp_.Write(std::string(c.what) + ".xlsx", c.bytes);
@@ -151,17 +161,19 @@ TEST_F(PackageEngineTest, ReadOnlyWorkbookIsNotSavedOverItself) {
 TEST_F(PackageEngineTest, MacroProjectStaysInXlsmAndLeavesWithXlsx) {
   Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath("title_block.xlsm")));
   package.SetBytes("xl/vbaProject.bin", "VBA-projekt");
-  package.SetBytes("xl/calcChain.xml", "<calcChain xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"/>");
+  package.SetBytes("xl/calcChain.xml",
+                   "<calcChain xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"/>");
   auto& types = package.Xml("[Content_Types].xml");
   auto bin = types.document_element().prepend_child("Default");
   bin.append_attribute("Extension") = "bin";
   bin.append_attribute("ContentType") = "application/vnd.ms-office.vbaProject";
-  package.SetBytes("xl/_rels/workbook.xml.rels",
-                   Replace(package.Bytes("xl/_rels/workbook.xml.rels"), "</Relationships>",
-                           "<Relationship Id=\"rId90\" Type=\"http://schemas.microsoft.com/office/2006/relationships/"
-                           "vbaProject\" Target=\"vbaProject.bin\"/><Relationship Id=\"rId91\" Type=\"http://"
-                           "schemas.openxmlformats.org/officeDocument/2006/relationships/calcChain\" "
-                           "Target=\"calcChain.xml\"/></Relationships>"));
+  package.SetBytes(
+      "xl/_rels/workbook.xml.rels",
+      Replace(package.Bytes("xl/_rels/workbook.xml.rels"), "</Relationships>",
+              "<Relationship Id=\"rId90\" Type=\"http://schemas.microsoft.com/office/2006/relationships/"
+              "vbaProject\" Target=\"vbaProject.bin\"/><Relationship Id=\"rId91\" Type=\"http://"
+              "schemas.openxmlformats.org/officeDocument/2006/relationships/calcChain\" "
+              "Target=\"calcChain.xml\"/></Relationships>"));
   const WorkbookId id = engine().OpenBytes(package.ToZip(), "mall.xlsm", false);
 
   Package macro = Package::FromZip(engine().SaveToBytes(id, ".xlsm"));
@@ -208,11 +220,12 @@ TEST_F(PackageEngineTest, CopiesGetTheirOwnCommentShapesAndTables) {
 TEST_F(PackageEngineTest, KeepsCellsInOrderAndSharedFormulasWhole) {
   Workbook book = app_.Workbooks().Open(TemplatePath("title_block_openpyxl.xlsx"));
   Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath("title_block_openpyxl.xlsx")));
-  package.SetBytes("xl/worksheets/sheet1.xml",
-                   "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><sheetData>"
-                   "<row r=\"1\"><c r=\"A1\"><v>1</v></c><c r=\"B1\"><f t=\"shared\" ref=\"B1:B3\" si=\"0\">"
-                   "A1*2</f><v>2</v></c></row><row r=\"2\"><c r=\"B2\"><f t=\"shared\" si=\"0\"/></c></row>"
-                   "<row r=\"3\"><c r=\"B3\"><f t=\"shared\" si=\"0\"/></c></row></sheetData></worksheet>");
+  package.SetBytes(
+      "xl/worksheets/sheet1.xml",
+      "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><sheetData>"
+      "<row r=\"1\"><c r=\"A1\"><v>1</v></c><c r=\"B1\"><f t=\"shared\" ref=\"B1:B3\" si=\"0\">"
+      "A1*2</f><v>2</v></c></row><row r=\"2\"><c r=\"B2\"><f t=\"shared\" si=\"0\"/></c></row>"
+      "<row r=\"3\"><c r=\"B3\"><f t=\"shared\" si=\"0\"/></c></row></sheetData></worksheet>");
   const WorkbookId id = engine().OpenBytes(package.ToZip(), "f.xlsx", false);
   Sheet sheet = Workbook(&engine(), id).Sheets().Item(1);
   sheet.Cells(1, 2).SetValue("text");
@@ -223,12 +236,18 @@ TEST_F(PackageEngineTest, KeepsCellsInOrderAndSharedFormulasWhole) {
   sheet.Range("A5:B5").ClearContents();
   sheet.Cells(2, 30).SetValue("\x01_x0041_");
   EXPECT_EQ(sheet.Cells(2, 30).Value(), "\x01_x0041_");
-  const std::string xml = Package::FromZip(engine().SaveToBytes(id, ".xlsx")).Bytes("xl/worksheets/sheet1.xml");
+  const std::string xml =
+      Package::FromZip(engine().SaveToBytes(id, ".xlsx")).Bytes("xl/worksheets/sheet1.xml");
   EXPECT_NE(xml.find("<dimension ref=\"A1:AD5\"/>"), std::string::npos) << xml;
-  EXPECT_NE(xml.find("<row r=\"2\"><c r=\"B2\"><f>A2*2</f></c><c r=\"AD2\" t=\"inlineStr\"><is><t>_x0001__x005F_x0041_</t>"),
-            std::string::npos) << xml;
-  EXPECT_NE(xml.find("<row r=\"3\"><c r=\"B3\"><f>A3*2</f></c></row><row r=\"4\"><c r=\"B4\""), std::string::npos);
-  EXPECT_NE(xml.find("<row r=\"5\"><c r=\"C5\" t=\"inlineStr\"><is><t>c</t></is></c></row>"), std::string::npos) << xml;
+  EXPECT_NE(xml.find("<row r=\"2\"><c r=\"B2\"><f>A2*2</f></c><c r=\"AD2\" "
+                     "t=\"inlineStr\"><is><t>_x0001__x005F_x0041_</t>"),
+            std::string::npos)
+      << xml;
+  EXPECT_NE(xml.find("<row r=\"3\"><c r=\"B3\"><f>A3*2</f></c></row><row r=\"4\"><c r=\"B4\""),
+            std::string::npos);
+  EXPECT_NE(xml.find("<row r=\"5\"><c r=\"C5\" t=\"inlineStr\"><is><t>c</t></is></c></row>"),
+            std::string::npos)
+      << xml;
 }
 
 TEST_F(PackageEngineTest, PageBreaksStopAtExcelsLimit) {
@@ -239,9 +258,11 @@ TEST_F(PackageEngineTest, PageBreaksStopAtExcelsLimit) {
   sheet.HPageBreaks().Add(sheet.Cells(500, 3));  // already there
   EXPECT_EQ(sheet.HPageBreaks().Count(), 1023);
   EXPECT_THROW(sheet.HPageBreaks().Add(sheet.Cells(2000, 1)), AutomationError);
-  const std::string xml = Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx")).Bytes("xl/worksheets/sheet2.xml");
-  EXPECT_NE(xml.find("<rowBreaks count=\"1023\" manualBreakCount=\"1023\"><brk id=\"1\" max=\"16383\" man=\"1\"/>"),
-            std::string::npos);
+  const std::string xml =
+      Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx")).Bytes("xl/worksheets/sheet2.xml");
+  EXPECT_NE(
+      xml.find("<rowBreaks count=\"1023\" manualBreakCount=\"1023\"><brk id=\"1\" max=\"16383\" man=\"1\"/>"),
+      std::string::npos);
 }
 
 TEST_F(PackageEngineTest, OpenTextKeepsTextColumnsAsWritten) {
@@ -250,7 +271,8 @@ TEST_F(PackageEngineTest, OpenTextKeepsTextColumnsAsWritten) {
   line += "007\t\xC5sa\r\n";  // column 21 is general; the file is Windows-1252
   OpenTextOptions options;
   options.fileName = temp_.Write("Rapport 7.txt", line + "a\tb\r\n").string();
-  for (int column = 1; column <= 20; ++column) options.fieldInfo.emplace_back(column, XlColumnDataType::xlTextFormat);
+  for (int column = 1; column <= 20; ++column)
+    options.fieldInfo.emplace_back(column, XlColumnDataType::xlTextFormat);
   Workbook book = app_.Workbooks().OpenText(options);
   Sheet sheet = app_.ActiveWorkbook().Sheets().Item(1);
   EXPECT_EQ(sheet.Name(), "Rapport 7");
@@ -265,8 +287,9 @@ TEST_F(PackageEngineTest, OpenTextKeepsTextColumnsAsWritten) {
   sheet.Range("A1").Select();
   EXPECT_THROW(book.Save(), AutomationError);
   book.SaveAs((temp_.path() / "Rapport.xlsx").string());
-  EXPECT_EQ(app_.Workbooks().Open((temp_.path() / "Rapport.xlsx").string()).Sheets().Item(1).Cells(1, 22).Value(),
-            "Åsa");
+  EXPECT_EQ(
+      app_.Workbooks().Open((temp_.path() / "Rapport.xlsx").string()).Sheets().Item(1).Cells(1, 22).Value(),
+      "Åsa");
 }
 
 }  // namespace

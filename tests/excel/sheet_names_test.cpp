@@ -11,11 +11,25 @@ TEST(SheetNames, RefusesWhatExcelRefuses) {
     const char* name;
     bool allowed;
   };
-  for (const Case& c : std::initializer_list<Case>{
-           {"1", true}, {"007", true}, {"Sida 1", true}, {"mall", false}, {"ÄRENDE", false}, {"", false},
-           {"a:b", false}, {"a\\b", false}, {"a/b", false}, {"a?", false}, {"a*", false}, {"[a]", false},
-           {"'a", false}, {"a'", false}, {"a'b", true}, {"history", false}, {"1234567890123456789012345678901", true},
-           {"12345678901234567890123456789012", false}, {"ÅÄÖåäöÅÄÖåäöÅÄÖåäöÅÄÖåäöÅÄÖåäöÅ", true}}) {
+  for (const Case& c : std::initializer_list<Case>{{"1", true},
+                                                   {"007", true},
+                                                   {"Sida 1", true},
+                                                   {"mall", false},
+                                                   {"ÄRENDE", false},
+                                                   {"", false},
+                                                   {"a:b", false},
+                                                   {"a\\b", false},
+                                                   {"a/b", false},
+                                                   {"a?", false},
+                                                   {"a*", false},
+                                                   {"[a]", false},
+                                                   {"'a", false},
+                                                   {"a'", false},
+                                                   {"a'b", true},
+                                                   {"history", false},
+                                                   {"1234567890123456789012345678901", true},
+                                                   {"12345678901234567890123456789012", false},
+                                                   {"ÅÄÖåäöÅÄÖåäöÅÄÖåäöÅÄÖåäöÅÄÖåäöÅ", true}}) {
     EXPECT_EQ(!SheetNameProblem(c.name, existing, -1).has_value(), c.allowed) << c.name;
   }
   EXPECT_FALSE(SheetNameProblem("MALL", existing, 1).has_value()) << "a sheet may change its own name's case";

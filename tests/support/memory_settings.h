@@ -13,8 +13,8 @@ class MemorySettings final : public app::Settings {
   // (section, key) -> value; section "" is the top level.
   std::map<std::pair<std::string, std::string>, std::string> values;
 
-  std::string GetAppSetting(std::string_view key, std::string_view defaultValue, std::string_view section = {},
-                            std::string_view appName = {}) override {
+  std::string GetAppSetting(std::string_view key, std::string_view defaultValue,
+                            std::string_view section = {}, std::string_view appName = {}) override {
     (void)appName;
     auto it = values.find({std::string(section), std::string(key)});
     if (it == values.end() || it->second.empty()) return std::string(defaultValue);

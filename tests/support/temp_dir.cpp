@@ -9,7 +9,8 @@ namespace sw::testing {
 
 TempDir::TempDir() {
   std::random_device random;
-  path_ = std::filesystem::temp_directory_path() / ("sw-test-" + std::to_string(random()) + std::to_string(random()));
+  path_ = std::filesystem::temp_directory_path() /
+          ("sw-test-" + std::to_string(random()) + std::to_string(random()));
   std::filesystem::create_directories(path_);
 }
 

@@ -8,7 +8,9 @@ namespace sw::excel {
 
 namespace {
 
-bool IsHex(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f'); }
+bool IsHex(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+}
 
 bool IsEscape(std::string_view text, std::size_t at) {
   return at + 7 <= text.size() && text[at] == '_' && text[at + 1] == 'x' && IsHex(text[at + 2]) &&
@@ -46,7 +48,8 @@ std::string DecodeCellText(std::string_view stored) {
   decoded.reserve(stored.size());
   for (std::size_t i = 0; i < stored.size(); ++i) {
     if (IsEscape(stored, i)) {
-      const unsigned value = static_cast<unsigned>(std::stoul(std::string(stored.substr(i + 2, 4)), nullptr, 16));
+      const unsigned value =
+          static_cast<unsigned>(std::stoul(std::string(stored.substr(i + 2, 4)), nullptr, 16));
       if (value < 0x80) {
         decoded += static_cast<char>(value);
       } else if (value < 0x800) {

@@ -17,7 +17,9 @@ std::string_view Extension(std::string_view part) {
   return part.substr(dot + 1);
 }
 
-std::string Key(std::string_view part) { return base::AsciiLower(WithSlash(part).substr(1)); }
+std::string Key(std::string_view part) {
+  return base::AsciiLower(WithSlash(part).substr(1));
+}
 
 pugi::xml_node FindOverride(Package& package, std::string_view part) {
   auto& index = package.OverrideIndex();

@@ -8,11 +8,14 @@
 namespace sw::excel {
 
 namespace contenttype {
-inline constexpr std::string_view kWorkbook = "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
+inline constexpr std::string_view kWorkbook =
+    "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
 inline constexpr std::string_view kMacroWorkbook = "application/vnd.ms-excel.sheet.macroEnabled.main+xml";
-inline constexpr std::string_view kTemplate = "application/vnd.openxmlformats-officedocument.spreadsheetml.template.main+xml";
+inline constexpr std::string_view kTemplate =
+    "application/vnd.openxmlformats-officedocument.spreadsheetml.template.main+xml";
 inline constexpr std::string_view kMacroTemplate = "application/vnd.ms-excel.template.macroEnabled.main+xml";
-inline constexpr std::string_view kWorksheet = "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml";
+inline constexpr std::string_view kWorksheet =
+    "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml";
 inline constexpr std::string_view kVbaProject = "application/vnd.ms-office.vbaProject";
 inline constexpr std::string_view kPrinterSettings =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.printerSettings";

@@ -52,7 +52,8 @@ std::size_t CellReferenceLength(std::string_view text, std::size_t at) {
   const std::size_t digits = i;
   while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i;
   if (i == digits) return 0;
-  if (i < text.size() && (IsNameChar(text[i]) || text[i] == '(' || text[i] == '!' || text[i] == '[')) return 0;
+  if (i < text.size() && (IsNameChar(text[i]) || text[i] == '(' || text[i] == '!' || text[i] == '['))
+    return 0;
   return ParseCellAddress(text.substr(at, i - at)) ? i - at : 0;
 }
 
@@ -111,7 +112,8 @@ std::string ShiftFormula(std::string_view formula, int rows, int columns) {
   return shifted;
 }
 
-std::string RenameSheetInFormula(std::string_view formula, std::string_view oldName, std::string_view newName) {
+std::string RenameSheetInFormula(std::string_view formula, std::string_view oldName,
+                                 std::string_view newName) {
   const std::string replacement = QuoteSheetNameForFormula(newName);
   std::string renamed;
   std::size_t i = 0;
@@ -130,7 +132,8 @@ std::string RenameSheetInFormula(std::string_view formula, std::string_view oldN
         name += formula[k];
         if (formula[k] == '\'') ++k;
       }
-      if (i + length < formula.size() && formula[i + length] == '!' && base::EqualsIgnoreCase(name, oldName)) {
+      if (i + length < formula.size() && formula[i + length] == '!' &&
+          base::EqualsIgnoreCase(name, oldName)) {
         renamed += replacement;
       } else {
         renamed.append(formula.substr(i, length));
@@ -157,7 +160,8 @@ std::string RenameSheetInFormula(std::string_view formula, std::string_view oldN
   return renamed;
 }
 
-std::string RenameTableInFormula(std::string_view formula, std::string_view oldName, std::string_view newName) {
+std::string RenameTableInFormula(std::string_view formula, std::string_view oldName,
+                                 std::string_view newName) {
   std::string renamed;
   std::size_t i = 0;
   while (i < formula.size()) {

@@ -11,9 +11,11 @@ std::string ShiftFormula(std::string_view formula, int rows, int columns);
 
 // Every reference qualified with sheet `oldName` (quoted or not, any case) now names `newName`,
 // quoted as the formula needs.
-std::string RenameSheetInFormula(std::string_view formula, std::string_view oldName, std::string_view newName);
+std::string RenameSheetInFormula(std::string_view formula, std::string_view oldName,
+                                 std::string_view newName);
 
 // Replaces the table name `oldName` where it starts a structured reference ("Table1[Col]").
-std::string RenameTableInFormula(std::string_view formula, std::string_view oldName, std::string_view newName);
+std::string RenameTableInFormula(std::string_view formula, std::string_view oldName,
+                                 std::string_view newName);
 
 }  // namespace sw::excel

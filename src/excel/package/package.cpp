@@ -1,8 +1,8 @@
 #include "excel/package/package.h"
 
-#include "excel/package/zip_archive.h"
-
 #include <algorithm>
+
+#include "excel/package/zip_archive.h"
 
 namespace sw::excel {
 
@@ -49,8 +49,8 @@ struct StringWriter final : pugi::xml_writer {
 std::unique_ptr<pugi::xml_document> ParseXml(std::string_view partName, std::string_view bytes,
                                              const PackageLimits& limits) {
   auto document = std::make_unique<pugi::xml_document>();
-  const auto result = document->load_buffer(bytes.data(), bytes.size(),
-                                            pugi::parse_default | pugi::parse_declaration | pugi::parse_ws_pcdata);
+  const auto result = document->load_buffer(
+      bytes.data(), bytes.size(), pugi::parse_default | pugi::parse_declaration | pugi::parse_ws_pcdata);
   if (!result) {
     throw PackageError("Delen " + std::string(partName) + " är inte giltig XML (" + result.description() +
                        " vid position " + std::to_string(result.offset) + ").");
@@ -92,7 +92,9 @@ Package::Part& Package::Require(std::string_view name) const {
   return *part;
 }
 
-bool Package::Has(std::string_view name) const { return Find(name) != nullptr; }
+bool Package::Has(std::string_view name) const {
+  return Find(name) != nullptr;
+}
 
 std::vector<std::string> Package::PartNames() const {
   std::vector<std::string> names;
@@ -104,7 +106,8 @@ std::vector<std::string> Package::PartNames() const {
 std::vector<std::string> Package::PartNamesWithPrefix(std::string_view prefix) const {
   std::vector<std::string> names;
   for (const auto& part : parts_) {
-    if (part->name.size() >= prefix.size() && std::string_view(part->name).substr(0, prefix.size()) == prefix) {
+    if (part->name.size() >= prefix.size() &&
+        std::string_view(part->name).substr(0, prefix.size()) == prefix) {
       names.push_back(part->name);
     }
   }

@@ -2,9 +2,8 @@
 // An Open Packaging Conventions package held in memory: its parts by name, each either as bytes or,
 // once asked for, as a parsed XML document. Parsed parts can be parked back to text to keep memory
 // low while many sheets exist.
-#include <pugixml.hpp>
-
 #include <memory>
+#include <pugixml.hpp>
 #include <string>
 #include <string_view>
 #include <unordered_map>

@@ -27,7 +27,9 @@ std::string Extension(const std::string& path) {
   return base::AsciiLower(reinterpret_cast<const char*>(PathFromUtf8(path).extension().u8string().c_str()));
 }
 
-[[noreturn]] void Rejected(const std::string& description) { throw AutomationError(kApplicationDefined, description); }
+[[noreturn]] void Rejected(const std::string& description) {
+  throw AutomationError(kApplicationDefined, description);
+}
 
 // What Excel reports when Windows refuses a file: a locked or write-protected file is "permission
 // denied", a missing drive or medium "device unavailable", anything else an Excel error.
@@ -94,8 +96,8 @@ struct PackageEngine::Book {
   std::string fullName;
   bool readOnly = false;
   bool fromText = false;
-  std::map<int, RangeRef> selections;                           // by sheet id
-  std::map<std::tuple<int, int, int>, int> borderedFormats;     // (xf, edge, weight) -> new xf
+  std::map<int, RangeRef> selections;                        // by sheet id
+  std::map<std::tuple<int, int, int>, int> borderedFormats;  // (xf, edge, weight) -> new xf
 };
 
 PackageEngine::PackageEngine() = default;
@@ -163,7 +165,9 @@ WorkbookId PackageEngine::WorkbookAt(int index) {
   return order_[static_cast<std::size_t>(index - 1)];
 }
 
-WorkbookId PackageEngine::ActiveWorkbook() { return active_; }
+WorkbookId PackageEngine::ActiveWorkbook() {
+  return active_;
+}
 
 SheetRef PackageEngine::ActiveSheet() {
   if (active_ == 0) ThrowObjectNotSet();
@@ -189,7 +193,9 @@ RangeRef PackageEngine::ActiveCell() {
   return cell;
 }
 
-void PackageEngine::SetCutCopyMode(bool) { clipboard_.reset(); }
+void PackageEngine::SetCutCopyMode(bool) {
+  clipboard_.reset();
+}
 
 void PackageEngine::Quit() {
   books_.clear();
@@ -198,7 +204,9 @@ void PackageEngine::Quit() {
   clipboard_.reset();
 }
 
-int PackageEngine::SheetCount(WorkbookId workbook) { return FindBook(workbook).document->SheetCount(); }
+int PackageEngine::SheetCount(WorkbookId workbook) {
+  return FindBook(workbook).document->SheetCount();
+}
 
 SheetRef PackageEngine::SheetAt(WorkbookId workbook, int index) {
   Book& book = FindBook(workbook);
@@ -258,9 +266,13 @@ void PackageEngine::Close(WorkbookId workbook, bool saveChanges) {
   if (active_ == workbook) active_ = order_.empty() ? 0 : order_.back();
 }
 
-std::string PackageEngine::FullName(WorkbookId workbook) { return FindBook(workbook).fullName; }
+std::string PackageEngine::FullName(WorkbookId workbook) {
+  return FindBook(workbook).fullName;
+}
 
-int PackageEngine::SheetIndex(SheetRef sheet) { return Position(sheet) + 1; }
+int PackageEngine::SheetIndex(SheetRef sheet) {
+  return Position(sheet) + 1;
+}
 
 std::string PackageEngine::SheetName(SheetRef sheet) {
   return FindBook(sheet.workbook).document->SheetName(Position(sheet));
@@ -291,9 +303,8 @@ void PackageEngine::SelectSheet(SheetRef sheet) {
 void PackageEngine::AddPageBreak(SheetRef sheet, const RangeRef& before) {
   const int position = Position(sheet);
   if (before.firstRow <= 1) Rejected("En sidbrytning kan inte läggas före första raden.");
-  const bool added = AsExcel([&] {
-    return FindBook(sheet.workbook).document->Sheet(position, true).AddRowBreak(before.firstRow);
-  });
+  const bool added = AsExcel(
+      [&] { return FindBook(sheet.workbook).document->Sheet(position, true).AddRowBreak(before.firstRow); });
   if (!added) Rejected("Kalkylbladet har redan det största antalet sidbrytningar (1023).");
 }
 
@@ -304,13 +315,14 @@ int PackageEngine::PageBreakCount(SheetRef sheet) {
 
 void PackageEngine::SetValue(const RangeRef& range, std::string_view text) {
   const int position = Position(range.sheet);
-  const long long area = static_cast<long long>(range.lastRow - range.firstRow + 1) *
-                         (range.lastColumn - range.firstColumn + 1);
+  const long long area =
+      static_cast<long long>(range.lastRow - range.firstRow + 1) * (range.lastColumn - range.firstColumn + 1);
   if (range.shape != RangeShape::kCells || area > 1'000'000) Rejected("Området är för stort för att fyllas.");
   AsExcel([&] {
     Worksheet sheet = FindBook(range.sheet.workbook).document->Sheet(position, true);
     for (int row = range.firstRow; row <= range.lastRow; ++row) {
-      for (int column = range.firstColumn; column <= range.lastColumn; ++column) sheet.SetText(row, column, text);
+      for (int column = range.firstColumn; column <= range.lastColumn; ++column)
+        sheet.SetText(row, column, text);
     }
     return 0;
   });
@@ -320,8 +332,9 @@ std::string PackageEngine::Value(const RangeRef& range) {
   const int position = Position(range.sheet);
   WorkbookDocument& document = *FindBook(range.sheet.workbook).document;
   return AsExcel([&] {
-    return document.Sheet(position, false).Text(range.firstRow, range.firstColumn,
-                                                [&](int index) { return document.SharedString(index); });
+    return document.Sheet(position, false).Text(range.firstRow, range.firstColumn, [&](int index) {
+      return document.SharedString(index);
+    });
   });
 }
 
@@ -335,7 +348,8 @@ void PackageEngine::Select(const RangeRef& range) {
   stored.origin = RangeOrigin::kAddress;
   book.selections[range.sheet.sheet] = stored;
   AsExcel([&] {
-    book.document->Sheet(position, false).SetSelection(range.firstRow, range.firstColumn, SelectionText(range));
+    book.document->Sheet(position, false)
+        .SetSelection(range.firstRow, range.firstColumn, SelectionText(range));
     return 0;
   });
 }
@@ -362,7 +376,8 @@ void PackageEngine::PasteSpecial(const RangeRef& range, XlPasteType paste) {
   const RangeRef source = *clipboard_;
   const int sourcePosition = Position(source.sheet);
   const int targetPosition = Position(range.sheet);
-  if (source.sheet.workbook != range.sheet.workbook) Rejected("Format kan bara klistras in i samma arbetsbok.");
+  if (source.sheet.workbook != range.sheet.workbook)
+    Rejected("Format kan bara klistras in i samma arbetsbok.");
   WorkbookDocument& document = *FindBook(range.sheet.workbook).document;
 
   struct RowFormat {
@@ -390,7 +405,8 @@ void PackageEngine::PasteSpecial(const RangeRef& range, XlPasteType paste) {
   });
 
   RangeRef target = range;
-  if (range.shape == RangeShape::kCells && range.firstRow == range.lastRow && range.firstColumn == range.lastColumn) {
+  if (range.shape == RangeShape::kCells && range.firstRow == range.lastRow &&
+      range.firstColumn == range.lastColumn) {
     target.lastRow = std::min(kMaxRows, range.firstRow + height - 1);
     target.lastColumn = std::min(kMaxColumns, range.firstColumn + (source.lastColumn - source.firstColumn));
   }
@@ -405,8 +421,9 @@ void PackageEngine::PasteSpecial(const RangeRef& range, XlPasteType paste) {
       sheet.ForEachCell(row, target.firstColumn, row, target.lastColumn,
                         [&](pugi::xml_node cell) { targetColumns.push_back(CellColumn(cell)); });
       for (const int column : targetColumns) {
-        const bool covered = std::any_of(format.cells.begin(), format.cells.end(),
-                                         [&](const auto& cell) { return cell.first + columnShift == column; });
+        const bool covered = std::any_of(format.cells.begin(), format.cells.end(), [&](const auto& cell) {
+          return cell.first + columnShift == column;
+        });
         if (!covered) sheet.SetStyle(row, column, format.custom ? format.style : 0);
       }
       for (const auto& [column, style] : format.cells) {

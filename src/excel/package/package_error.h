@@ -14,9 +14,9 @@ class PackageError : public std::runtime_error {
 // crafted file cannot exhaust memory or time.
 struct PackageLimits {
   std::size_t maxEntries = 10000;
-  std::size_t maxPartSize = 256u << 20;       // one decompressed part
-  std::size_t maxTotalSize = 1024u << 20;     // all parts together
-  std::size_t maxCompressionRatio = 1000;     // for parts above 1 MiB
+  std::size_t maxPartSize = 256u << 20;    // one decompressed part
+  std::size_t maxTotalSize = 1024u << 20;  // all parts together
+  std::size_t maxCompressionRatio = 1000;  // for parts above 1 MiB
   int maxXmlDepth = 256;
 };
 

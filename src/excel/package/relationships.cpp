@@ -6,7 +6,8 @@ namespace sw::excel {
 
 namespace {
 
-constexpr const char* kRelationshipsNamespace = "http://schemas.openxmlformats.org/package/2006/relationships";
+constexpr const char* kRelationshipsNamespace =
+    "http://schemas.openxmlformats.org/package/2006/relationships";
 
 std::string_view Folder(std::string_view part) {
   const auto slash = part.rfind('/');
@@ -29,7 +30,8 @@ std::vector<std::string_view> Segments(std::string_view path) {
 std::string RelsPartName(std::string_view sourcePart) {
   const auto slash = sourcePart.rfind('/');
   if (slash == std::string_view::npos) return "_rels/" + std::string(sourcePart) + ".rels";
-  return std::string(sourcePart.substr(0, slash)) + "/_rels/" + std::string(sourcePart.substr(slash + 1)) + ".rels";
+  return std::string(sourcePart.substr(0, slash)) + "/_rels/" + std::string(sourcePart.substr(slash + 1)) +
+         ".rels";
 }
 
 std::string ResolveTarget(std::string_view sourcePart, std::string_view target) {
@@ -101,7 +103,8 @@ std::string AddRelationship(Package& package, std::string_view sourcePart, std::
   int highest = 0;
   for (const auto node : root.children("Relationship")) {
     const std::string_view id = node.attribute("Id").value();
-    if (id.size() > 3 && id.substr(0, 3) == "rId") highest = std::max(highest, std::atoi(std::string(id.substr(3)).c_str()));
+    if (id.size() > 3 && id.substr(0, 3) == "rId")
+      highest = std::max(highest, std::atoi(std::string(id.substr(3)).c_str()));
   }
   std::string id = "rId" + std::to_string(highest + 1);
   auto node = root.append_child("Relationship");

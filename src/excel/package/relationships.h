@@ -11,12 +11,14 @@ namespace sw::excel {
 namespace reltype {
 inline constexpr std::string_view kOfficeDocument =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
-inline constexpr std::string_view kStrictOfficeDocument = "http://purl.oclc.org/ooxml/officeDocument/relationships/officeDocument";
+inline constexpr std::string_view kStrictOfficeDocument =
+    "http://purl.oclc.org/ooxml/officeDocument/relationships/officeDocument";
 inline constexpr std::string_view kWorksheet =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships/worksheet";
 inline constexpr std::string_view kChartsheet =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships/chartsheet";
-inline constexpr std::string_view kStyles = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/styles";
+inline constexpr std::string_view kStyles =
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/styles";
 inline constexpr std::string_view kSharedStrings =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships/sharedStrings";
 inline constexpr std::string_view kCalcChain =
@@ -25,15 +27,17 @@ inline constexpr std::string_view kExtendedProperties =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships/extended-properties";
 inline constexpr std::string_view kCoreProperties =
     "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
-inline constexpr std::string_view kVbaProject = "http://schemas.microsoft.com/office/2006/relationships/vbaProject";
-inline constexpr std::string_view kTheme = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/theme";
+inline constexpr std::string_view kVbaProject =
+    "http://schemas.microsoft.com/office/2006/relationships/vbaProject";
+inline constexpr std::string_view kTheme =
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/theme";
 }  // namespace reltype
 
 struct Relationship {
   std::string id;
   std::string type;
-  std::string target;     // as written
-  std::string partName;   // resolved part name; empty for external targets
+  std::string target;    // as written
+  std::string partName;  // resolved part name; empty for external targets
   bool external = false;
 };
 

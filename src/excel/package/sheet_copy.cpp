@@ -26,7 +26,8 @@ std::pair<std::string, std::string> NameStem(std::string_view part) {
   auto dot = part.rfind('.');
   if (dot == std::string_view::npos || (slash != std::string_view::npos && dot < slash)) dot = part.size();
   std::size_t stemEnd = dot;
-  while (stemEnd > (slash == std::string_view::npos ? 0 : slash + 1) && std::isdigit(static_cast<unsigned char>(part[stemEnd - 1]))) {
+  while (stemEnd > (slash == std::string_view::npos ? 0 : slash + 1) &&
+         std::isdigit(static_cast<unsigned char>(part[stemEnd - 1]))) {
     --stemEnd;
   }
   return {std::string(part.substr(0, stemEnd)), std::string(part.substr(dot))};
@@ -56,7 +57,8 @@ std::pair<std::size_t, std::size_t> FindIdMapData(std::string_view vml) {
   if (idmap == std::string_view::npos) return {std::string_view::npos, 0};
   const auto end = vml.find('>', idmap);
   const auto data = vml.find("data=", idmap);
-  if (data == std::string_view::npos || data > end || data + 6 > vml.size()) return {std::string_view::npos, 0};
+  if (data == std::string_view::npos || data > end || data + 6 > vml.size())
+    return {std::string_view::npos, 0};
   const char quote = vml[data + 5];
   const auto close = vml.find(quote, data + 6);
   if (close == std::string_view::npos) return {std::string_view::npos, 0};
@@ -119,7 +121,8 @@ int WorkbookDocument::CopySheet(int source, int after) {
   auto sheets = WorkbookRoot().child("sheets");
   const auto sourceNode = SheetNode(source);
   unsigned highestSheetId = 0;
-  for (const auto sheet : sheets.children("sheet")) highestSheetId = std::max(highestSheetId, sheet.attribute("sheetId").as_uint());
+  for (const auto sheet : sheets.children("sheet"))
+    highestSheetId = std::max(highestSheetId, sheet.attribute("sheetId").as_uint());
   auto node = sheets.insert_child_after("sheet", SheetNode(after));
   for (const auto attribute : sourceNode.attributes()) {  // some writers declare r: on each sheet
     if (std::string_view(attribute.name()).substr(0, 6) == "xmlns:") node.append_copy(attribute);
@@ -142,8 +145,9 @@ int WorkbookDocument::CopySheet(int source, int after) {
   return position;
 }
 
-void WorkbookDocument::WriteRelationshipsLike(const std::string& originalSource, const std::string& copySource,
-                                              const std::vector<std::pair<std::string, std::string>>& newTargets) {
+void WorkbookDocument::WriteRelationshipsLike(
+    const std::string& originalSource, const std::string& copySource,
+    const std::vector<std::pair<std::string, std::string>>& newTargets) {
   const std::string originalRels = RelsPartName(originalSource);
   if (!package_.Has(originalRels)) return;
   auto copy = ParseXml(originalRels, SerializeXml(package_.Xml(originalRels)), package_.limits());
@@ -160,7 +164,8 @@ void WorkbookDocument::WriteRelationshipsLike(const std::string& originalSource,
 std::string WorkbookDocument::CopyPart(const std::string& original, std::string_view, std::string_view) {
   const auto [stem, extension] = NameStem(original);
   const std::string copy = package_.FreeName(stem, extension, 1);
-  std::string bytes = package_.IsParsed(original) ? SerializeXml(package_.Xml(original)) : package_.Bytes(original);
+  std::string bytes =
+      package_.IsParsed(original) ? SerializeXml(package_.Xml(original)) : package_.Bytes(original);
   package_.SetBytes(copy, std::move(bytes));
   CopyContentType(package_, original, copy);
   WriteRelationshipsLike(original, copy, {});
@@ -171,7 +176,8 @@ std::string WorkbookDocument::CopyDrawing(const std::string& original, std::stri
                                           std::string_view copyName) {
   const auto [stem, extension] = NameStem(original);
   const std::string copy = package_.FreeName(stem, extension, 1);
-  package_.SetBytes(copy, package_.IsParsed(original) ? SerializeXml(package_.Xml(original)) : package_.Bytes(original));
+  package_.SetBytes(
+      copy, package_.IsParsed(original) ? SerializeXml(package_.Xml(original)) : package_.Bytes(original));
   CopyContentType(package_, original, copy);
   std::vector<std::pair<std::string, std::string>> targets;
   for (const auto& relationship : ReadRelationships(package_, original)) {
@@ -190,8 +196,9 @@ std::string WorkbookDocument::CopyChart(const std::string& original, std::string
                                         std::string_view copyName) {
   const auto [stem, extension] = NameStem(original);
   const std::string copy = package_.FreeName(stem, extension, 1);
-  auto document = ParseXml(copy, package_.IsParsed(original) ? SerializeXml(package_.Xml(original)) : package_.Bytes(original),
-                           package_.limits());
+  auto document = ParseXml(
+      copy, package_.IsParsed(original) ? SerializeXml(package_.Xml(original)) : package_.Bytes(original),
+      package_.limits());
   for (auto node : document->select_nodes("//c:f")) {
     auto text = node.node().text();
     text.set(RenameSheetInFormula(text.get(), sheetName, copyName).c_str());
@@ -245,15 +252,17 @@ std::string WorkbookDocument::CopyVml(const std::string& original) {
       const auto found = text.find(kShapePrefix, from);
       if (found == std::string::npos) break;
       std::size_t end = found + kShapePrefix.size();
-      while (end < text.size() && std::isdigit(static_cast<unsigned char>(text[end])) && end - found < 16) ++end;
+      while (end < text.size() && std::isdigit(static_cast<unsigned char>(text[end])) && end - found < 16)
+        ++end;
       renumbered.append(text, from, found + kShapePrefix.size() - from);
       const std::string digits = text.substr(found + kShapePrefix.size(), end - found - kShapePrefix.size());
       if (!digits.empty()) {
         const long number = std::stol(digits);
         const auto block = std::find(oldBlocks.begin(), oldBlocks.end(), static_cast<int>(number / 1024));
-        renumbered += block == oldBlocks.end()
-                          ? digits
-                          : std::to_string((highest + 1 + (block - oldBlocks.begin())) * 1024L + number % 1024);
+        renumbered +=
+            block == oldBlocks.end()
+                ? digits
+                : std::to_string((highest + 1 + (block - oldBlocks.begin())) * 1024L + number % 1024);
       }
       from = end;
     }
@@ -306,7 +315,8 @@ std::string WorkbookDocument::CopyTable(const std::string& original,
   tableNames_.insert(base::AsciiLower(newName));
   if (table.attribute("name")) table.attribute("name") = newName.c_str();
   if (table.attribute("displayName")) table.attribute("displayName") = newName.c_str();
-  for (auto node : table.select_nodes("//*[local-name()='calculatedColumnFormula' or local-name()='totalsRowFormula']")) {
+  for (auto node :
+       table.select_nodes("//*[local-name()='calculatedColumnFormula' or local-name()='totalsRowFormula']")) {
     auto text = node.node().text();
     text.set(RenameTableInFormula(text.get(), oldName, newName).c_str());
   }

@@ -73,8 +73,9 @@ const char* LineStyle(XlBorderWeight weight) {
 }
 
 pugi::xml_node Section(pugi::xml_node sheet, const char* name) {
-  static constexpr const char* kOrder[] = {"numFmts",    "fonts", "fills",      "borders", "cellStyleXfs",
-                                           "cellXfs",    "cellStyles", "dxfs", "tableStyles", "colors", "extLst"};
+  static constexpr const char* kOrder[] = {"numFmts",      "fonts",   "fills",      "borders",
+                                           "cellStyleXfs", "cellXfs", "cellStyles", "dxfs",
+                                           "tableStyles",  "colors",  "extLst"};
   if (auto existing = sheet.child(name)) return existing;
   bool after = false;
   for (const char* candidate : kOrder) {
@@ -101,8 +102,8 @@ int AddBorderedFormat(pugi::xml_document& styles, int xf, XlBordersIndex edge, X
 
   auto oldBorder = Nth(borders, "border", format ? format.attribute("borderId").as_int() : 0);
   auto border = oldBorder ? borders.append_copy(oldBorder) : borders.append_child("border");
-  static constexpr const char* kEdgeOrder[] = {"left", "start", "right", "end", "top", "bottom", "diagonal",
-                                               "vertical", "horizontal"};
+  static constexpr const char* kEdgeOrder[] = {"left",   "start",    "right",    "end",       "top",
+                                               "bottom", "diagonal", "vertical", "horizontal"};
   const char* edgeName = EdgeName(edge);
   auto line = border.child(edgeName);
   if (!line) {

@@ -2,7 +2,6 @@
 // Cell formats (styles.xml) the engine adds: changed formats are always new entries, so the
 // formats other cells use stay as they were.
 #include <pugixml.hpp>
-
 #include <string_view>
 
 #include "excel/constants.h"

@@ -24,18 +24,20 @@ std::string SheetNameFromFile(std::string_view stem) {
 
 }  // namespace
 
-std::vector<std::vector<std::string>> SplitDelimitedText(std::string_view bytes, const OpenTextOptions& options) {
+std::vector<std::vector<std::string>> SplitDelimitedText(std::string_view bytes,
+                                                         const OpenTextOptions& options) {
   // A byte-order mark decides; without one the file is in the origin's code page.
   const bool utf8 = options.origin == kUtf8CodePage && base::IsValidUtf8(bytes) &&
                     base::DetectByteOrderMark(bytes).bomLength == 0;
   const std::string text = utf8 ? std::string(bytes) : base::DecodeText(bytes);
   const auto isDelimiter = [&](char c) {
     return (options.tab && c == '\t') || (options.semicolon && c == ';') || (options.comma && c == ',') ||
-           (options.space && c == ' ') || (options.other && options.otherChar != '\0' && c == options.otherChar);
+           (options.space && c == ' ') ||
+           (options.other && options.otherChar != '\0' && c == options.otherChar);
   };
   const char quote = options.textQualifier == XlTextQualifier::xlTextQualifierDoubleQuote   ? '"'
                      : options.textQualifier == XlTextQualifier::xlTextQualifierSingleQuote ? '\''
-                                                                                             : '\0';
+                                                                                            : '\0';
   std::vector<std::vector<std::string>> rows;
   std::size_t i = 0;
   int line = 0;
@@ -79,7 +81,8 @@ std::unique_ptr<WorkbookDocument> ImportText(std::string_view bytes, std::string
   std::vector<int> skipped;
   for (const auto& [column, type] : options.fieldInfo) {
     if (column < 1 || column > kMaxColumns) continue;
-    if (textColumns.size() < static_cast<std::size_t>(column)) textColumns.resize(static_cast<std::size_t>(column));
+    if (textColumns.size() < static_cast<std::size_t>(column))
+      textColumns.resize(static_cast<std::size_t>(column));
     textColumns[static_cast<std::size_t>(column - 1)] = type == XlColumnDataType::xlTextFormat;
     if (type == XlColumnDataType::xlSkipColumn) skipped.push_back(column);
   }
@@ -90,7 +93,8 @@ std::unique_ptr<WorkbookDocument> ImportText(std::string_view bytes, std::string
     }
   }
   for (const int column : skipped) {
-    if (static_cast<std::size_t>(column) <= textColumns.size()) textColumns.erase(textColumns.begin() + (column - 1));
+    if (static_cast<std::size_t>(column) <= textColumns.size())
+      textColumns.erase(textColumns.begin() + (column - 1));
   }
   return WorkbookDocument::FromTable(SheetNameFromFile(stem), rows, textColumns);
 }

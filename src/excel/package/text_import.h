@@ -11,7 +11,8 @@
 namespace sw::excel {
 
 // The file's lines split into fields as `options` say (delimiters, qualifier, start row).
-std::vector<std::vector<std::string>> SplitDelimitedText(std::string_view bytes, const OpenTextOptions& options);
+std::vector<std::vector<std::string>> SplitDelimitedText(std::string_view bytes,
+                                                         const OpenTextOptions& options);
 
 // The workbook Excel shows for the text file `bytes` named `stem`; its sheet carries the file's name.
 std::unique_ptr<WorkbookDocument> ImportText(std::string_view bytes, std::string_view stem,

@@ -18,9 +18,12 @@ namespace {
 
 constexpr std::size_t kParsedSheetLimit = 8;  // sheets kept parsed at once; the others wait as text
 constexpr std::string_view kStrictMainNamespace = "http://purl.oclc.org/ooxml/spreadsheetml/main";
-constexpr std::string_view kStylesType = "application/vnd.openxmlformats-officedocument.spreadsheetml.styles+xml";
+constexpr std::string_view kStylesType =
+    "application/vnd.openxmlformats-officedocument.spreadsheetml.styles+xml";
 
-[[noreturn]] void NotAWorkbook() { throw PackageError("Filen är inte en Excel-arbetsbok."); }
+[[noreturn]] void NotAWorkbook() {
+  throw PackageError("Filen är inte en Excel-arbetsbok.");
+}
 
 bool StartsWith(std::string_view text, std::string_view prefix) {
   return text.size() >= prefix.size() && text.substr(0, prefix.size()) == prefix;
@@ -41,7 +44,8 @@ bool ContainsIgnoringCase(std::string_view text, std::string_view needle) {
                      [&](char a, char b) { return lower(a) == lower(b); }) != text.end();
 }
 
-void RenameInFormulas(pugi::xml_node root, const char* element, std::string_view oldName, std::string_view newName) {
+void RenameInFormulas(pugi::xml_node root, const char* element, std::string_view oldName,
+                      std::string_view newName) {
   for (auto node : root.select_nodes((std::string("//") + element).c_str())) {
     auto text = node.node().text();
     const std::string renamed = RenameSheetInFormula(text.get(), oldName, newName);
@@ -51,7 +55,8 @@ void RenameInFormulas(pugi::xml_node root, const char* element, std::string_view
 
 }  // namespace
 
-std::unique_ptr<WorkbookDocument> WorkbookDocument::FromBytes(std::string_view bytes, const PackageLimits& limits) {
+std::unique_ptr<WorkbookDocument> WorkbookDocument::FromBytes(std::string_view bytes,
+                                                              const PackageLimits& limits) {
   if (StartsWith(bytes, "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1")) {
     throw PackageError(
         "Filen är en arbetsbok i det äldre Excel-formatet (.xls) eller är krypterad och kan inte öppnas. "
@@ -71,21 +76,24 @@ void WorkbookDocument::Load() {
   if (!package_.Has(kContentTypesPart)) NotAWorkbook();
   for (const auto& relationship : ReadRelationships(package_, "")) {
     if (relationship.type == reltype::kStrictOfficeDocument) {
-      throw PackageError("Filen är sparad som Strikt Open XML, som inte kan öppnas. Spara den som vanlig .xlsx.");
+      throw PackageError(
+          "Filen är sparad som Strikt Open XML, som inte kan öppnas. Spara den som vanlig .xlsx.");
     }
-    if (relationship.type == reltype::kOfficeDocument && !relationship.external) workbookPart_ = relationship.partName;
+    if (relationship.type == reltype::kOfficeDocument && !relationship.external)
+      workbookPart_ = relationship.partName;
   }
   if (workbookPart_.empty() || !package_.Has(workbookPart_)) NotAWorkbook();
   const std::string type = ContentTypeOf(package_, workbookPart_);
-  if (type != contenttype::kWorkbook && type != contenttype::kMacroWorkbook && type != contenttype::kTemplate &&
-      type != contenttype::kMacroTemplate) {
+  if (type != contenttype::kWorkbook && type != contenttype::kMacroWorkbook &&
+      type != contenttype::kTemplate && type != contenttype::kMacroTemplate) {
     NotAWorkbook();
   }
   auto& workbook = package_.Xml(workbookPart_);
   DropMainNamespacePrefix(workbook);
   const auto root = workbook.document_element();
   if (root.attribute("xmlns").value() == kStrictMainNamespace) {
-    throw PackageError("Filen är sparad som Strikt Open XML, som inte kan öppnas. Spara den som vanlig .xlsx.");
+    throw PackageError(
+        "Filen är sparad som Strikt Open XML, som inte kan öppnas. Spara den som vanlig .xlsx.");
   }
   if (std::string_view(root.name()) != "workbook") NotAWorkbook();
 
@@ -105,7 +113,9 @@ void WorkbookDocument::Load() {
   activeSheet_ = std::clamp(activeTab, 0, SheetCount() - 1);
 }
 
-pugi::xml_node WorkbookDocument::WorkbookRoot() { return package_.Xml(workbookPart_).document_element(); }
+pugi::xml_node WorkbookDocument::WorkbookRoot() {
+  return package_.Xml(workbookPart_).document_element();
+}
 
 pugi::xml_node WorkbookDocument::SheetNode(int position) const {
   int i = 0;
@@ -123,7 +133,9 @@ int WorkbookDocument::PositionOf(int id) const {
   return -1;
 }
 
-std::string WorkbookDocument::SheetName(int position) const { return SheetNode(position).attribute("name").value(); }
+std::string WorkbookDocument::SheetName(int position) const {
+  return SheetNode(position).attribute("name").value();
+}
 
 std::vector<std::string> WorkbookDocument::SheetNames() const {
   std::vector<std::string> names;
@@ -135,14 +147,16 @@ std::vector<std::string> WorkbookDocument::SheetNames() const {
 }
 
 void WorkbookDocument::RenameSheet(int position, std::string_view name) {
-  if (const auto problem = SheetNameProblem(name, SheetNames(), position)) throw std::invalid_argument(*problem);
+  if (const auto problem = SheetNameProblem(name, SheetNames(), position))
+    throw std::invalid_argument(*problem);
   const std::string oldName = SheetName(position);
   if (oldName == name) return;
   SheetNode(position).attribute("name") = std::string(name).c_str();
   const bool fresh = Entry(position).createdByCopy;
   for (auto definedName : WorkbookRoot().child("definedNames").children("definedName")) {
     // Only a copy's own names can name a sheet this session made.
-    if (fresh && (!definedName.attribute("localSheetId") || definedName.attribute("localSheetId").as_int() != position)) {
+    if (fresh && (!definedName.attribute("localSheetId") ||
+                  definedName.attribute("localSheetId").as_int() != position)) {
       continue;
     }
     auto text = definedName.text();
@@ -161,7 +175,8 @@ void WorkbookDocument::RenameInOtherParts(std::string_view oldName, std::string_
     for (int i = 0; i < SheetCount(); ++i) {
       const auto& entry = Entry(i);
       if (!entry.worksheet) continue;
-      if (!package_.IsParsed(entry.part) && !ContainsIgnoringCase(package_.Bytes(entry.part), oldName)) continue;
+      if (!package_.IsParsed(entry.part) && !ContainsIgnoringCase(package_.Bytes(entry.part), oldName))
+        continue;
       RenameInFormulas(Sheet(i, true).root(), "f", oldName, newName);
     }
   }
@@ -174,7 +189,8 @@ void WorkbookDocument::RenameInOtherParts(std::string_view oldName, std::string_
 
 Worksheet WorkbookDocument::Sheet(int position, bool forWrite) {
   const auto& entry = Entry(position);
-  if (!entry.worksheet) throw std::invalid_argument("Bladet " + SheetName(position) + " är inte ett kalkylblad.");
+  if (!entry.worksheet)
+    throw std::invalid_argument("Bladet " + SheetName(position) + " är inte ett kalkylblad.");
   const bool fresh = !package_.IsParsed(entry.part);
   auto& document = package_.Xml(entry.part);
   if (fresh) Worksheet::Normalize(document);
@@ -251,7 +267,8 @@ void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view s
   auto names = WorkbookRoot().child("definedNames");
   std::vector<pugi::xml_node> originals;
   for (auto name : names.children("definedName")) {
-    if (name.attribute("localSheetId") && name.attribute("localSheetId").as_int() == source) originals.push_back(name);
+    if (name.attribute("localSheetId") && name.attribute("localSheetId").as_int() == source)
+      originals.push_back(name);
   }
   for (auto original : originals) {
     // Excel keeps the names sorted by name, then by sheet: the copy goes behind the same name's
@@ -351,7 +368,8 @@ void WorkbookDocument::UpdateSelectionFlags() {
       Sheet(i, false).SetTabSelected(true);
       continue;
     }
-    if (!package_.IsParsed(entry.part) && package_.Bytes(entry.part).find("tabSelected") == std::string::npos) {
+    if (!package_.IsParsed(entry.part) &&
+        package_.Bytes(entry.part).find("tabSelected") == std::string::npos) {
       continue;
     }
     Sheet(i, false).SetTabSelected(false);
@@ -418,7 +436,10 @@ void WorkbookDocument::UpdateAppProperties() {
   std::size_t titleCount = 0;
   for (const auto& group : groups) {
     headingVector.append_child("vt:variant").append_child("vt:lpstr").text().set(group.label.c_str());
-    headingVector.append_child("vt:variant").append_child("vt:i4").text().set(static_cast<int>(group.titles.size()));
+    headingVector.append_child("vt:variant")
+        .append_child("vt:i4")
+        .text()
+        .set(static_cast<int>(group.titles.size()));
     for (const auto& title : group.titles) titleVector.append_child("vt:lpstr").text().set(title.c_str());
     titleCount += group.titles.size();
   }

@@ -2,10 +2,9 @@
 // One open workbook package: its sheets in order, the workbook part with its defined names and
 // views, and the edits Excel makes at this level (copying and renaming sheets, the active sheet,
 // saving).
-#include <pugixml.hpp>
-
 #include <deque>
 #include <memory>
+#include <pugixml.hpp>
 #include <set>
 #include <string>
 #include <string_view>
@@ -19,7 +18,8 @@ namespace sw::excel {
 class WorkbookDocument {
  public:
   // Throws PackageError: not a workbook, an old binary .xls, Strict Open XML, or a damaged package.
-  static std::unique_ptr<WorkbookDocument> FromBytes(std::string_view bytes, const PackageLimits& limits = {});
+  static std::unique_ptr<WorkbookDocument> FromBytes(std::string_view bytes,
+                                                     const PackageLimits& limits = {});
   // A workbook of one sheet `sheetName` holding `rows`; cells of columns marked in `textColumns` use
   // the text format, the others general (numbers stored as numbers).
   static std::unique_ptr<WorkbookDocument> FromTable(std::string_view sheetName,
@@ -27,10 +27,10 @@ class WorkbookDocument {
                                                      const std::vector<bool>& textColumns);
 
   struct SheetEntry {
-    int id = 0;                 // stable handle id, unique in this workbook
-    std::string part;           // part name of the sheet
-    bool worksheet = true;      // false for chart sheets and the like
-    bool createdByCopy = false; // no formula anywhere can name it yet
+    int id = 0;                  // stable handle id, unique in this workbook
+    std::string part;            // part name of the sheet
+    bool worksheet = true;       // false for chart sheets and the like
+    bool createdByCopy = false;  // no formula anywhere can name it yet
   };
 
   int SheetCount() const { return static_cast<int>(sheets_.size()); }
@@ -65,7 +65,8 @@ class WorkbookDocument {
   std::string CopyDrawing(const std::string& original, std::string_view sheetName, std::string_view copyName);
   std::string CopyChart(const std::string& original, std::string_view sheetName, std::string_view copyName);
   std::string CopyVml(const std::string& original);
-  std::string CopyTable(const std::string& original, std::vector<std::pair<std::string, std::string>>& renamed);
+  std::string CopyTable(const std::string& original,
+                        std::vector<std::pair<std::string, std::string>>& renamed);
   void WriteRelationshipsLike(const std::string& originalSource, const std::string& copySource,
                               const std::vector<std::pair<std::string, std::string>>& newTargets);
   void RenameInOtherParts(std::string_view oldName, std::string_view newName, int position);

@@ -59,9 +59,9 @@ bool AsNumber(const std::string& text, std::string& number) {
 
 }  // namespace
 
-std::unique_ptr<WorkbookDocument> WorkbookDocument::FromTable(std::string_view sheetName,
-                                                              const std::vector<std::vector<std::string>>& rows,
-                                                              const std::vector<bool>& textColumns) {
+std::unique_ptr<WorkbookDocument> WorkbookDocument::FromTable(
+    std::string_view sheetName, const std::vector<std::vector<std::string>>& rows,
+    const std::vector<bool>& textColumns) {
   std::unique_ptr<WorkbookDocument> document(new WorkbookDocument());
   Package& package = document->package_;
   const std::string name = Escaped(sheetName);
@@ -158,8 +158,12 @@ std::unique_ptr<WorkbookDocument> WorkbookDocument::FromTable(std::string_view s
     }
   }
   auto margins = root.append_child("pageMargins");
-  for (const auto& [key, value] : {std::pair{"left", "0.7"}, {"right", "0.7"}, {"top", "0.75"}, {"bottom", "0.75"},
-                                   {"header", "0.3"}, {"footer", "0.3"}}) {
+  for (const auto& [key, value] : {std::pair{"left", "0.7"},
+                                   {"right", "0.7"},
+                                   {"top", "0.75"},
+                                   {"bottom", "0.75"},
+                                   {"header", "0.3"},
+                                   {"footer", "0.3"}}) {
     margins.append_attribute(key) = value;
   }
   package.SetXml("xl/worksheets/sheet1.xml", std::move(sheet));

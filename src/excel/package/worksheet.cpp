@@ -18,13 +18,15 @@ namespace {
 constexpr std::size_t kMaxRowBreaks = 1023;
 constexpr const char* kMainNamespace = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 
-int RowNumber(pugi::xml_node row) { return row.attribute("r").as_int(); }
+int RowNumber(pugi::xml_node row) {
+  return row.attribute("r").as_int();
+}
 
 void SetChildText(pugi::xml_node parent, const char* name, const std::string& text) {
   auto child = parent.append_child(name);
   child.text().set(text.c_str());
-  if (!text.empty() && (text.front() == ' ' || text.back() == ' ' || text.front() == '\t' || text.back() == '\t' ||
-                        text.front() == '\n' || text.back() == '\n')) {
+  if (!text.empty() && (text.front() == ' ' || text.back() == ' ' || text.front() == '\t' ||
+                        text.back() == '\t' || text.front() == '\n' || text.back() == '\n')) {
     child.append_attribute("xml:space") = "preserve";
   }
 }
@@ -39,7 +41,8 @@ void StripPrefix(pugi::xml_node root, std::string_view prefix) {
   for (auto node = root; node;) {
     if (node.type() == pugi::node_element) {
       const std::string_view name = node.name();
-      if (name.size() > prefix.size() && name.substr(0, prefix.size()) == prefix && name[prefix.size()] == ':') {
+      if (name.size() > prefix.size() && name.substr(0, prefix.size()) == prefix &&
+          name[prefix.size()] == ':') {
         node.set_name(std::string(name.substr(prefix.size() + 1)).c_str());
       }
     }
@@ -204,7 +207,8 @@ void Worksheet::SetText(int row, int column, std::string_view text) {
 
 void Worksheet::ClearContents(int firstRow, int firstColumn, int lastRow, int lastColumn) {
   std::vector<pugi::xml_node> cells;
-  ForEachCell(firstRow, firstColumn, lastRow, lastColumn, [&](pugi::xml_node cell) { cells.push_back(cell); });
+  ForEachCell(firstRow, firstColumn, lastRow, lastColumn,
+              [&](pugi::xml_node cell) { cells.push_back(cell); });
   for (auto cell : cells) {
     DropFormula(cell);
     while (auto child = cell.first_child()) cell.remove_child(child);

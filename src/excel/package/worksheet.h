@@ -1,9 +1,8 @@
 #pragma once
 // Edits of one worksheet part's XML: the cell store in <sheetData>, its dimension, manual row
 // breaks and the selection. Rows and cells stay in ascending order, as Excel requires.
-#include <pugixml.hpp>
-
 #include <functional>
+#include <pugixml.hpp>
 #include <string>
 #include <string_view>
 #include <vector>

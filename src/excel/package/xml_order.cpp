@@ -14,7 +14,8 @@ std::string_view LocalName(const char* name) {
 
 }  // namespace
 
-pugi::xml_node ChildInOrder(pugi::xml_node parent, const char* name, std::initializer_list<std::string_view> order) {
+pugi::xml_node ChildInOrder(pugi::xml_node parent, const char* name,
+                            std::initializer_list<std::string_view> order) {
   if (auto existing = parent.child(name)) return existing;
   const auto rank = [&](std::string_view local) {
     const auto found = std::find(order.begin(), order.end(), local);
@@ -30,21 +31,52 @@ pugi::xml_node ChildInOrder(pugi::xml_node parent, const char* name, std::initia
 }
 
 pugi::xml_node WorksheetChild(pugi::xml_node worksheet, const char* name) {
-  return ChildInOrder(
-      worksheet, name,
-      {"sheetPr",        "dimension",         "sheetViews",    "sheetFormatPr", "cols",          "sheetData",
-       "sheetCalcPr",    "sheetProtection",   "protectedRanges", "scenarios",   "autoFilter",    "sortState",
-       "dataConsolidate", "customSheetViews", "mergeCells",    "phoneticPr",    "conditionalFormatting",
-       "dataValidations", "hyperlinks",       "printOptions",  "pageMargins",   "pageSetup",     "headerFooter",
-       "rowBreaks",      "colBreaks",         "customProperties", "cellWatches", "ignoredErrors", "smartTags",
-       "drawing",        "legacyDrawing",     "legacyDrawingHF", "drawingHF",   "picture",       "oleObjects",
-       "controls",       "webPublishItems",   "tableParts",    "extLst"});
+  return ChildInOrder(worksheet, name,
+                      {"sheetPr",
+                       "dimension",
+                       "sheetViews",
+                       "sheetFormatPr",
+                       "cols",
+                       "sheetData",
+                       "sheetCalcPr",
+                       "sheetProtection",
+                       "protectedRanges",
+                       "scenarios",
+                       "autoFilter",
+                       "sortState",
+                       "dataConsolidate",
+                       "customSheetViews",
+                       "mergeCells",
+                       "phoneticPr",
+                       "conditionalFormatting",
+                       "dataValidations",
+                       "hyperlinks",
+                       "printOptions",
+                       "pageMargins",
+                       "pageSetup",
+                       "headerFooter",
+                       "rowBreaks",
+                       "colBreaks",
+                       "customProperties",
+                       "cellWatches",
+                       "ignoredErrors",
+                       "smartTags",
+                       "drawing",
+                       "legacyDrawing",
+                       "legacyDrawingHF",
+                       "drawingHF",
+                       "picture",
+                       "oleObjects",
+                       "controls",
+                       "webPublishItems",
+                       "tableParts",
+                       "extLst"});
 }
 
 pugi::xml_node WorkbookChild(pugi::xml_node workbook, const char* name) {
   return ChildInOrder(workbook, name,
-                      {"fileVersion", "fileSharing", "workbookPr", "workbookProtection", "bookViews", "sheets",
-                       "functionGroups", "externalReferences", "definedNames", "calcPr", "oleSize",
+                      {"fileVersion", "fileSharing", "workbookPr", "workbookProtection", "bookViews",
+                       "sheets", "functionGroups", "externalReferences", "definedNames", "calcPr", "oleSize",
                        "customWorkbookViews", "pivotCaches", "smartTagPr", "smartTagTypes", "webPublishing",
                        "fileRecoveryPr", "webPublishObjects", "extLst"});
 }

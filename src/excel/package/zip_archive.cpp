@@ -17,7 +17,9 @@ struct FileCloser {
 };
 using ArchivePtr = std::unique_ptr<zip_t, ArchiveCloser>;
 
-std::string ZipErrorText(zip_error_t* error) { return zip_error_strerror(error); }
+std::string ZipErrorText(zip_error_t* error) {
+  return zip_error_strerror(error);
+}
 
 [[noreturn]] void Damaged(const std::string& why) {
   throw PackageError("Filen är inte en giltig arbetsbok (zip-arkivet är skadat: " + why + ").");
@@ -76,7 +78,8 @@ std::vector<ZipEntry> ReadZipArchive(std::string_view archive, const PackageLimi
     }
     if (stat.comp_method != ZIP_CM_STORE && stat.comp_method != ZIP_CM_DEFLATE) Damaged("okänd komprimering");
     if (stat.size > limits.maxPartSize) Damaged("delen " + name + " är för stor");
-    if (stat.size > (1u << 20) && stat.size / std::max<zip_uint64_t>(stat.comp_size, 1) > limits.maxCompressionRatio) {
+    if (stat.size > (1u << 20) &&
+        stat.size / std::max<zip_uint64_t>(stat.comp_size, 1) > limits.maxCompressionRatio) {
       Damaged("delen " + name + " har orimlig komprimeringsgrad");
     }
     total += stat.size;
@@ -122,7 +125,8 @@ std::string WriteZipArchive(const std::vector<ZipSource>& entries) {
   const std::time_t fixedTime = std::mktime(&stamp);
   for (const auto& entry : entries) {
     zip_source_t* data = zip_source_buffer(zip.get(), entry.bytes.data(), entry.bytes.size(), 0);
-    if (data == nullptr) throw PackageError(std::string("Kan inte skapa arbetsboken: ") + zip_strerror(zip.get()));
+    if (data == nullptr)
+      throw PackageError(std::string("Kan inte skapa arbetsboken: ") + zip_strerror(zip.get()));
     const zip_int64_t index =
         zip_file_add(zip.get(), std::string(entry.name).c_str(), data, ZIP_FL_ENC_UTF_8 | ZIP_FL_OVERWRITE);
     if (index < 0) {
@@ -148,7 +152,8 @@ std::string WriteZipArchive(const std::vector<ZipSource>& entries) {
   std::string bytes(static_cast<std::size_t>(stat.size), '\0');
   const zip_int64_t got = zip_source_read(buffer, bytes.data(), bytes.size());
   zip_source_close(buffer);
-  if (got < 0 || static_cast<std::size_t>(got) != bytes.size()) throw PackageError("Kan inte skriva arbetsboken.");
+  if (got < 0 || static_cast<std::size_t>(got) != bytes.size())
+    throw PackageError("Kan inte skriva arbetsboken.");
   return bytes;
 }
 
