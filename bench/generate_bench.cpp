@@ -6,10 +6,9 @@
 //  - BM_XlsxwriterFloor: the engine benchmark's libxlsxwriter program, which writes a workbook of 332
 //    bare sheets and 61,000 text cells from nothing: the floor the package engine is measured against.
 // The two programs are looked up beside this one (build/<preset>/bench, build/<preset>/src/cli).
+#include <benchmark/benchmark.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <benchmark/benchmark.h>
 
 #include <filesystem>
 #include <fstream>
@@ -68,7 +67,8 @@ struct Workspace {
     folder = fs::temp_directory_path() / ("sheetwright-generate-bench-" + std::to_string(getpid()));
     fs::create_directories(folder / "mall");
     for (const char* name : {"yttre_forbindningstabell.xlsx", "yttre_forbindningstabell.ini"}) {
-      fs::copy_file(kSource / "examples" / name, folder / "mall" / name, fs::copy_options::overwrite_existing);
+      fs::copy_file(kSource / "examples" / name, folder / "mall" / name,
+                    fs::copy_options::overwrite_existing);
     }
     dump = folder / "volt_report.txt";
     std::ofstream out(dump, std::ios::binary);
@@ -80,8 +80,8 @@ struct Workspace {
       const int length = std::min(10000 - rows, static_cast<int>(120 + random() % 361));
       for (int i = 0; i < length; ++i, ++rows) {
         const unsigned n = random();
-        out << "\tX" << n % 60 << "\t" << n % 48 + 1 << "\tW" << 1000 + n % 9000 << "\t" << n % 7 + 1
-            << "\tM" << n % 400 << " Pumpmotor\tU" << n % 3 + 1 << "\tKabel " << n % 5 + 2 << "G2,5\r\n";
+        out << "\tX" << n % 60 << "\t" << n % 48 + 1 << "\tW" << 1000 + n % 9000 << "\t" << n % 7 + 1 << "\tM"
+            << n % 400 << " Pumpmotor\tU" << n % 3 + 1 << "\tKabel " << n % 5 + 2 << "G2,5\r\n";
       }
     }
   }
@@ -114,15 +114,18 @@ void BM_GenerateFlow(benchmark::State& state) {
     sw::report::ReportTable table;
     sw::templ::TemplateDefinition definition;
     sw::templ::FieldPanel fields;
-    sw::templ::FindIniForTemplate(folder, "yttre_forbindningstabell.xlsx", definition, fields, table, dialogs);
-    sw::report::PreviewVoltDump(table, sw::report::PreviewContext{.dumpPath = space.dump.string(),
-                                                                 .settings = settings, .dialogs = dialogs});
+    sw::templ::FindIniForTemplate(folder, "yttre_forbindningstabell.xlsx", definition, fields, table,
+                                  dialogs);
+    sw::report::PreviewVoltDump(
+        table, sw::report::PreviewContext{
+                   .dumpPath = space.dump.string(), .settings = settings, .dialogs = dialogs});
     sw::gen::MessageSingleSheetWarning warning(dialogs);
     sw::gen::GenerationServices services{settings, dialogs, warning, launcher, {}, {}, {}, {}};
     std::vector<std::string> texts;
     for (const auto& entry : fields.entries) texts.push_back(entry.text);
-    sw::gen::GenerationInputs inputs{table, "1", folder, "yttre_forbindningstabell.xlsx", space.dump.string(),
-                                     folder, std::move(texts), false, {}};
+    sw::gen::GenerationInputs inputs{
+        table, "1", folder, "yttre_forbindningstabell.xlsx", space.dump.string(), folder, std::move(texts),
+        false, {}};
     sw::gen::GenerationState generation;
     const auto outcome = sw::gen::GenerateWorkbook(inputs, definition, generation, services);
     if (!outcome.completed || dialogs.messages != 0) state.SkipWithError("the generation ended on a message");

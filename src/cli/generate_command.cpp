@@ -1,7 +1,6 @@
 #include "cli/generate_command.h"
 
 #include <CLI/CLI.hpp>
-
 #include <charconv>
 #include <iostream>
 
@@ -41,7 +40,8 @@ std::optional<FieldValue> ParseFieldValue(std::string_view argument) {
   const auto* first = argument.data();
   const auto* last = first + equals;
   const auto parsed = std::from_chars(first, last, value.index);
-  if (parsed.ec != std::errc() || parsed.ptr != last || value.index < 0 || value.index >= templ::kFieldCount) {
+  if (parsed.ec != std::errc() || parsed.ptr != last || value.index < 0 ||
+      value.index >= templ::kFieldCount) {
     return std::nullopt;
   }
   value.text = std::string(argument.substr(equals + 1));
@@ -63,8 +63,8 @@ std::string DefaultStartNumber() {
 }  // namespace
 
 void AddGenerateCommand(CLI::App& app, GenerateOptions& options) {
-  CLI::App* command =
-      app.add_subcommand("generate", "Fill a report template with a report dump, as \"Generera Excel-dokument\"");
+  CLI::App* command = app.add_subcommand(
+      "generate", "Fill a report template with a report dump, as \"Generera Excel-dokument\"");
   command->add_option("--dump", options.dump,
                       "The report dump (text file written by VOLTARIS); "
                       "default: the one the main window chooses");
@@ -78,8 +78,9 @@ void AddGenerateCommand(CLI::App& app, GenerateOptions& options) {
   command->add_flag("--single-sheet", options.singleSheet,
                     "One workbook per page: TARGET-<page>.<ext>, TARGET itself is not written");
   command
-      ->add_option("--field", options.fields,
-                   "Common text N (0 to 29, in the order of the INI's [Common] lines) set to TEXT; repeatable")
+      ->add_option(
+          "--field", options.fields,
+          "Common text N (0 to 29, in the order of the INI's [Common] lines) set to TEXT; repeatable")
       ->type_name("N=TEXT")
       ->check(CLI::Validator(
           [](const std::string& value) {
@@ -87,7 +88,8 @@ void AddGenerateCommand(CLI::App& app, GenerateOptions& options) {
           },
           "N=TEXT"));
   command->add_flag("--yes", options.yes, "Answer OK to the single-sheet warning");
-  command->add_flag("--open", options.open, "Open every workbook written with the system's default application");
+  command->add_flag("--open", options.open,
+                    "Open every workbook written with the system's default application");
 }
 
 int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& err) {
@@ -104,9 +106,9 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
   }
   ConsoleDialogs dialogs(err, options.yes);
   if (!NamesAnExcelFile(options.target)) {
-    dialogs.ShowMessage(base::Message{"Filnamnet " + options.target +
-                                          " saknar \".xls\". Ange en Excel-fil (.xls, .xlsx eller .xlsm).",
-                                      "Fel", base::MessageIcon::kExclamation, base::MessageButtons::kOk});
+    dialogs.ShowMessage(base::Message{
+        "Filnamnet " + options.target + " saknar \".xls\". Ange en Excel-fil (.xls, .xlsx eller .xlsm).",
+        "Fel", base::MessageIcon::kExclamation, base::MessageButtons::kOk});
     return 2;
   }
   std::vector<FieldValue> fieldValues;
@@ -130,13 +132,16 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
   const TemplateLocation location = SplitTemplatePath(options.templateWorkbook);
   layout.SetTemplate(location.folder, location.file);
   templ::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
-  report::PreviewContext context{.dumpPath = options.dump, .settings = settings, .dialogs = dialogs,
+  report::PreviewContext context{.dumpPath = options.dump,
+                                 .settings = settings,
+                                 .dialogs = dialogs,
                                  .layoutColumns = {},
                                  .reloadTemplateLayout = [&layout] { layout.ReloadLayout(); },
                                  .showPageBreaks = [&layout, &table] { layout.ShowPageBreaks(table); }};
   report::PreviewVoltDump(table, context);
 
-  for (const auto& value : fieldValues) fields.entries[static_cast<std::size_t>(value.index)].text = value.text;
+  for (const auto& value : fieldValues)
+    fields.entries[static_cast<std::size_t>(value.index)].text = value.text;
   std::vector<std::string> fieldTexts;
   for (const auto& entry : fields.entries) fieldTexts.push_back(entry.text);
 
@@ -153,8 +158,9 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
   gen::MessageSingleSheetWarning warning(dialogs);
   const auto launcher = base::CreateSystemProcessLauncher();
   const auto programFolder = base::ProgramFolder().u8string();
-  gen::GenerationServices services{settings, dialogs, warning, *launcher, {},
-                                   std::string(programFolder.begin(), programFolder.end()), {}, {}};
+  gen::GenerationServices services{
+      settings, dialogs, warning, *launcher, {}, std::string(programFolder.begin(), programFolder.end()),
+      {},       {}};
   gen::GenerationState state;
   const auto outcome = gen::GenerateWorkbook(inputs, definition, state, services);
 

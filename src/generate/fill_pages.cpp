@@ -11,7 +11,9 @@
 namespace sw::gen {
 namespace {
 
-std::string RowsAddress(int first, int last) { return std::to_string(first) + ":" + std::to_string(last); }
+std::string RowsAddress(int first, int last) {
+  return std::to_string(first) + ":" + std::to_string(last);
+}
 
 // Before a placement's first row (dynamic length): the break goes on the active sheet, above the row
 // the next data row will take.
@@ -30,7 +32,8 @@ void WriteDataRow(GenerationRun& run, const std::vector<std::string_view>& cells
     const int column = definition.DataColumns[static_cast<std::size_t>(k - 1)];
     if (k > tableColumns - 1 || column < 1) continue;
     const int row = Int16(definition.StartRow + state.rowsOnPage);
-    const std::string_view text = k < static_cast<int>(cells.size()) ? cells[static_cast<std::size_t>(k)] : "";
+    const std::string_view text =
+        k < static_cast<int>(cells.size()) ? cells[static_cast<std::size_t>(k)] : "";
     ResumeOn1004([&] { state.currentSheet.Cells(row, column).SetValue(text); });
   }
   state.rowsOnPage = Int16(state.rowsOnPage + 1);
@@ -65,7 +68,8 @@ void FillPages(GenerationRun& run) {
     WriteDataRow(run, table.RowTexts(r), tableColumns);
   }
 
-  ResumeOn1004([&] { state.currentSheet.Cells(definition.NextSheetRow, definition.NextSheetCol).SetValue("-"); });
+  ResumeOn1004(
+      [&] { state.currentSheet.Cells(definition.NextSheetRow, definition.NextSheetCol).SetValue("-"); });
   if (state.dynamicLength) FormatDynamicSheet(run);
 }
 
@@ -89,7 +93,9 @@ void FormatDynamicSheet(GenerationRun& run) {
   for (int column = 1; column <= widest; ++column) {
     ResumeOn1004([&] { sheet.Cells(bottom, column).Select(); });
     ResumeOn1004([&] {
-      excel.Selection().Borders(excel::XlBordersIndex::xlEdgeBottom).SetWeight(excel::XlBorderWeight::xlMedium);
+      excel.Selection()
+          .Borders(excel::XlBordersIndex::xlEdgeBottom)
+          .SetWeight(excel::XlBorderWeight::xlMedium);
     });
   }
   ResumeOn1004([&] { sheet.Cells(start, FirstDataColumn(definition)).Select(); });

@@ -75,8 +75,8 @@ bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, co
     settings.SaveAppSetting("ResultPath", FolderOf(*chosen));
   }
   if (inputs.singleSheet) {
-    state.baseFileName = LeftCharacters(inputs.targetPath, CharacterCount(inputs.targetPath) -
-                                                               CharacterCount(run.pageFileExtension));
+    state.baseFileName = LeftCharacters(
+        inputs.targetPath, CharacterCount(inputs.targetPath) - CharacterCount(run.pageFileExtension));
   }
   return true;
 }
@@ -120,10 +120,12 @@ bool FindTemplateSheets(GenerationRun& run, const std::string& templatePath) {
   if (state.commonSheetIndex != 0 && state.templateSheetIndex != 0) return true;
 
   if (state.commonSheetIndex == 0) {
-    run.Tell("Fliken '" + definition.CommonSheetName + "' saknas i excelfilen", "", MessageIcon::kInformation);
+    run.Tell("Fliken '" + definition.CommonSheetName + "' saknas i excelfilen", "",
+             MessageIcon::kInformation);
   }
   if (state.templateSheetIndex == 0) {
-    run.Tell("Fliken '" + definition.TemplateSheetName + "' saknas i excelfilen", "", MessageIcon::kInformation);
+    run.Tell("Fliken '" + definition.TemplateSheetName + "' saknas i excelfilen", "",
+             MessageIcon::kInformation);
   }
   run.Tell("Redigera mallfilen så att den uppfyller kraven.", "", MessageIcon::kNone);
   ResumeOn1004([&] { excel.Quit(); });
@@ -212,7 +214,8 @@ std::string TargetFilter(std::string_view extension) {
 
 std::string TemplateExtension(std::string_view templateFile) {
   const auto dot = templateFile.rfind('.');
-  const std::string_view extension = dot == std::string_view::npos ? templateFile : templateFile.substr(dot + 1);
+  const std::string_view extension =
+      dot == std::string_view::npos ? templateFile : templateFile.substr(dot + 1);
   return base::AsciiLower(extension);
 }
 

@@ -27,12 +27,12 @@ namespace sw::gen {
 enum class MousePointer { kDefault = 0, kHourglass = 11 };
 
 struct GenerationInputs {
-  const report::ReportTable& table;   // the preview grid (fgPreView)
-  std::string sheetNumberText;        // cboSheetNo; a blank text is replaced by "1" here
-  std::string templateFolder;         // the template folder list's path (FileXls.Path)
-  std::string templateFile;           // cboRdsFile: the template workbook's file name
-  std::string dumpPickerText;         // cboVoltDump, remembered as "LastVoltDmp"
-  std::string templateDirPickerText;  // cboRdsDir, remembered as "LastRdsDir"
+  const report::ReportTable& table;     // the preview grid (fgPreView)
+  std::string sheetNumberText;          // cboSheetNo; a blank text is replaced by "1" here
+  std::string templateFolder;           // the template folder list's path (FileXls.Path)
+  std::string templateFile;             // cboRdsFile: the template workbook's file name
+  std::string dumpPickerText;           // cboVoltDump, remembered as "LastVoltDmp"
+  std::string templateDirPickerText;    // cboRdsDir, remembered as "LastRdsDir"
   std::vector<std::string> fieldTexts;  // txtField(0 …): one per [Common] entry
   bool singleSheet = false;             // the single-sheet toggle (command 707) is checked
   std::string targetPath;               // txtExcelFilename; the chosen target is written back
@@ -44,9 +44,9 @@ struct GenerationServices {
   app::Settings& settings;
   base::Dialogs& dialogs;
   SingleSheetWarning& warning;
-  base::ProcessLauncher& launcher;    // opens a faulty INI file for editing
-  ApplicationFactory createExcel;     // CreateObject("Excel.Application"); empty: the package engine
-  std::string programFolder;          // the target dialog's folder until "ResultPath" is stored
+  base::ProcessLauncher& launcher;  // opens a faulty INI file for editing
+  ApplicationFactory createExcel;   // CreateObject("Excel.Application"); empty: the package engine
+  std::string programFolder;        // the target dialog's folder until "ResultPath" is stored
   std::function<void(MousePointer)> setMousePointer;  // optional
   // The window routines' top-level-window lookup, called with the program's title when a page file
   // is in use; its answer is not used. Optional.

@@ -16,7 +16,8 @@ void GenerationRun::SetMousePointer(MousePointer pointer) const {
 }
 
 void GenerationRun::Tell(std::string text, std::string title, base::MessageIcon icon) const {
-  services.dialogs.ShowMessage(base::Message{std::move(text), std::move(title), icon, base::MessageButtons::kOk});
+  services.dialogs.ShowMessage(
+      base::Message{std::move(text), std::move(title), icon, base::MessageButtons::kOk});
 }
 
 void GenerationRun::SaveAs(const std::string& path) {

@@ -11,15 +11,15 @@ namespace sw::gen {
 
 struct GenerationState {
   std::unique_ptr<excel::Application> excelApp;  // the application the last run started
-  excel::Workbook workbook;    // first the template opened read-only, then the working copy
-  excel::Sheet currentSheet;   // where data rows are written
-  std::int16_t templateSheetIndex = 0;  // 1-based index of the [Tabs] Template= sheet; 0 = not found
-  std::int16_t commonSheetIndex = 0;    // 1-based index of the [Tabs] Common= sheet; 0 = not found
-  std::int16_t sheetNumber = 0;         // number of the last page started
-  std::int16_t pageNoLen = 0;           // minimum width of page-number texts
-  std::int16_t rowsOnPage = 0;          // data rows on the current page (all rows, in dynamic runs)
-  bool dynamicLength = false;           // [Sheet] INFINITE holds a number
-  std::string baseFileName;             // single-sheet runs: the target path less its extension
+  excel::Workbook workbook;                      // first the template opened read-only, then the working copy
+  excel::Sheet currentSheet;                     // where data rows are written
+  std::int16_t templateSheetIndex = 0;           // 1-based index of the [Tabs] Template= sheet; 0 = not found
+  std::int16_t commonSheetIndex = 0;             // 1-based index of the [Tabs] Common= sheet; 0 = not found
+  std::int16_t sheetNumber = 0;                  // number of the last page started
+  std::int16_t pageNoLen = 0;                    // minimum width of page-number texts
+  std::int16_t rowsOnPage = 0;                   // data rows on the current page (all rows, in dynamic runs)
+  bool dynamicLength = false;                    // [Sheet] INFINITE holds a number
+  std::string baseFileName;                      // single-sheet runs: the target path less its extension
   // Set by the first single-sheet page and never cleared: every later single-sheet run therefore
   // saves the freshly opened template in place before its first page file. Users have lived with
   // that for years; it stays.

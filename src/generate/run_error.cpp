@@ -24,7 +24,9 @@ std::string RunErrorDescription(int number) {
   }
 }
 
-void RaiseRunError(int number) { throw excel::AutomationError(number, RunErrorDescription(number)); }
+void RaiseRunError(int number) {
+  throw excel::AutomationError(number, RunErrorDescription(number));
+}
 
 std::int16_t Int16(long long value) {
   if (value < std::numeric_limits<std::int16_t>::min() || value > std::numeric_limits<std::int16_t>::max()) {
@@ -56,8 +58,9 @@ void DeleteFileIfPresent(std::string_view windowsPath) {
   if (!std::filesystem::is_regular_file(path, error)) return;
   if (std::filesystem::remove(path, error) || !error) return;
   using std::errc;
-  for (const errc inUse : {errc::permission_denied, errc::operation_not_permitted, errc::device_or_resource_busy,
-                           errc::read_only_file_system, errc::text_file_busy}) {
+  for (const errc inUse :
+       {errc::permission_denied, errc::operation_not_permitted, errc::device_or_resource_busy,
+        errc::read_only_file_system, errc::text_file_busy}) {
     if (error == inUse) RaiseRunError(kPermissionDenied);
   }
   for (const errc unreachable : {errc::no_such_device, errc::no_such_device_or_address, errc::io_error}) {

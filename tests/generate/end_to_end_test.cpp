@@ -38,7 +38,9 @@ CommandResult RunCommand(const std::string& command) {
   return result;
 }
 
-std::string Quote(const std::string& text) { return "'" + text + "'"; }
+std::string Quote(const std::string& text) {
+  return "'" + text + "'";
+}
 
 struct GenerateRun {
   int status = -1;
@@ -58,7 +60,8 @@ class EndToEndTest : public ::testing::Test {
     setenv("SHEETWRIGHT_REGISTRY", (folder_->path() / "registry.reg").c_str(), 1);
 
     normal_ = new GenerateRun(Generate({"--out", Target("Lista.xlsx"), "--field", "0=Provskåp"}));
-    single_ = new GenerateRun(Generate({"--out", Target("Blad.xlsx"), "--start", "007", "--single-sheet", "--yes"}));
+    single_ = new GenerateRun(
+        Generate({"--out", Target("Blad.xlsx"), "--start", "007", "--single-sheet", "--yes"}));
   }
   static void TearDownTestSuite() {
     delete normal_;
@@ -93,8 +96,9 @@ class EndToEndTest : public ::testing::Test {
   }
 
   static CommandResult ReadBack(const std::string& file, const std::vector<std::string>& expectations) {
-    std::string command = "/usr/bin/python3 " + Quote((kSource / "tests/generate/check_generated_workbook.py").string()) +
-                          " " + Quote(file);
+    std::string command = "/usr/bin/python3 " +
+                          Quote((kSource / "tests/generate/check_generated_workbook.py").string()) + " " +
+                          Quote(file);
     for (const auto& expectation : expectations) command += " " + Quote(expectation);
     return RunCommand(command);
   }
@@ -107,7 +111,9 @@ testing::TempDir* EndToEndTest::folder_ = nullptr;
 GenerateRun* EndToEndTest::normal_ = nullptr;
 GenerateRun* EndToEndTest::single_ = nullptr;
 
-bool HaveOpenpyxl() { return RunCommand("/usr/bin/python3 -c 'import openpyxl'").status == 0; }
+bool HaveOpenpyxl() {
+  return RunCommand("/usr/bin/python3 -c 'import openpyxl'").status == 0;
+}
 
 TEST_F(EndToEndTest, CommandPrintsEveryWorkbookWritten) {
   EXPECT_EQ(normal_->status, 0) << normal_->err;
@@ -115,7 +121,8 @@ TEST_F(EndToEndTest, CommandPrintsEveryWorkbookWritten) {
   EXPECT_EQ(normal_->err, "");
 
   EXPECT_EQ(single_->status, 0) << single_->err;
-  EXPECT_EQ(single_->out, Target("Blad-007.xlsx") + "\n" + Target("Blad-008.xlsx") + "\n" + Target("Blad-009.xlsx") + "\n");
+  EXPECT_EQ(single_->out,
+            Target("Blad-007.xlsx") + "\n" + Target("Blad-008.xlsx") + "\n" + Target("Blad-009.xlsx") + "\n");
   EXPECT_NE(single_->err.find("Varning!: Om filer redan existerar"), std::string::npos) << single_->err;
   EXPECT_FALSE(fs::exists(Target("Blad.xlsx")));
 }
@@ -123,7 +130,8 @@ TEST_F(EndToEndTest, CommandPrintsEveryWorkbookWritten) {
 TEST_F(EndToEndTest, PagesHoldTheirNumbersPlacementsRowsAndPictures) {
   if (!HaveOpenpyxl()) GTEST_SKIP() << "python3-openpyxl is not installed";
   std::vector<std::string> expected = {"sheets=Common,Mall,1,2,3", "cell:Common!B1=Provskåp",
-                                       "cell:Common!B2=Kraftbolaget AB", "cell:Common!B3=AB", "cell:Mall!A10="};
+                                       "cell:Common!B2=Kraftbolaget AB", "cell:Common!B3=AB",
+                                       "cell:Mall!A10="};
   for (int page = 1; page <= 3; ++page) {
     const std::string sheet = std::to_string(page) + "!";
     expected.push_back("cell:" + sheet + "B2=+A1 Kopplingsskåp");
@@ -150,17 +158,19 @@ TEST_F(EndToEndTest, PagesHoldTheirNumbersPlacementsRowsAndPictures) {
 
 TEST_F(EndToEndTest, SingleSheetFilesArePaddedAndEmptiedPerPage) {
   if (!HaveOpenpyxl()) GTEST_SKIP() << "python3-openpyxl is not installed";
-  const auto first = ReadBack(Target("Blad-007.xlsx"),
-                              {"sheets=Common,007", "cell:007!F1=007", "cell:007!F2=008", "cell:007!B12=3",
-                               "images:007=1", "print_area:007=$A$1:$F$40"});
+  const auto first =
+      ReadBack(Target("Blad-007.xlsx"), {"sheets=Common,007", "cell:007!F1=007", "cell:007!F2=008",
+                                         "cell:007!B12=3", "images:007=1", "print_area:007=$A$1:$F$40"});
   EXPECT_EQ(first.status, 0) << first.output;
-  const auto last = ReadBack(Target("Blad-009.xlsx"), {"sheets=Common,009", "cell:009!F1=009", "cell:009!F2=-",
-                                                       "cell:009!B10=7", "cell:009!B11=", "cell:009!D12="});
+  const auto last =
+      ReadBack(Target("Blad-009.xlsx"), {"sheets=Common,009", "cell:009!F1=009", "cell:009!F2=-",
+                                         "cell:009!B10=7", "cell:009!B11=", "cell:009!D12="});
   EXPECT_EQ(last.status, 0) << last.output;
 }
 
 int ValidatorErrors(const fs::path& validator, const fs::path& file) {
-  const auto result = RunCommand("timeout 120 " + Quote(validator.string()) + " -f xlsx " + Quote(file.string()));
+  const auto result =
+      RunCommand("timeout 120 " + Quote(validator.string()) + " -f xlsx " + Quote(file.string()));
   std::smatch match;
   if (!std::regex_search(result.output, match, std::regex("Found (\\d+) error"))) {
     ADD_FAILURE() << "unexpected validator output for " << file << ":\n" << result.output;

@@ -19,8 +19,14 @@ std::vector<std::string> PageLines(int sheet, const std::string& page, const std
                                    const std::string& location) {
   const std::string s = std::to_string(sheet);
   const std::string before = std::to_string(sheet - 1);
-  return {"Sheets(2).Select", "Sheets.Count", "Sheets(2).Copy After:=Sheets(" + before + ")", "Sheets.Count",
-          "Sheets(" + s + ").Select", "Sheets.Count", "Sheets(" + s + ").Name = \"" + page + "\"", "Sheets.Count",
+  return {"Sheets(2).Select",
+          "Sheets.Count",
+          "Sheets(2).Copy After:=Sheets(" + before + ")",
+          "Sheets.Count",
+          "Sheets(" + s + ").Select",
+          "Sheets.Count",
+          "Sheets(" + s + ").Name = \"" + page + "\"",
+          "Sheets.Count",
           "Sheets(" + s + ").Cells(2, 2).Value = \"" + location + "\"",
           "Sheets(" + s + ").Cells(1, 6).Value = \"" + page + "\"",
           "Sheets(" + s + ").Cells(2, 6).Value = \"" + next + "\""};
@@ -42,13 +48,19 @@ TEST_F(GenerateWorkbookTest, NormalRunMakesThreePagesInOneWorkbook) {
   inputs.fieldTexts[0] = "Pumpstation Norra";
   const auto outcome = Generate();
 
-  std::vector<std::string> expected = {
-      "CreateObject(\"Excel.Application\")", "Visible = True",
-      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=True", "Sheets.Count", "Sheets(1).Name",
-      "Sheets(2).Name", "Close SaveChanges:=False", "Visible = True",
-      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=False", "SaveAs \"/R/Lista.xlsx\"",
-      "Sheets(1).Cells(1, 2).Value = \"Pumpstation Norra\"", "Sheets(1).Cells(2, 2).Value = \"Kraftbolaget AB\"",
-      "Sheets(1).Cells(3, 2).Value = \"AB\""};
+  std::vector<std::string> expected = {"CreateObject(\"Excel.Application\")",
+                                       "Visible = True",
+                                       "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=True",
+                                       "Sheets.Count",
+                                       "Sheets(1).Name",
+                                       "Sheets(2).Name",
+                                       "Close SaveChanges:=False",
+                                       "Visible = True",
+                                       "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=False",
+                                       "SaveAs \"/R/Lista.xlsx\"",
+                                       "Sheets(1).Cells(1, 2).Value = \"Pumpstation Norra\"",
+                                       "Sheets(1).Cells(2, 2).Value = \"Kraftbolaget AB\"",
+                                       "Sheets(1).Cells(3, 2).Value = \"AB\""};
   Append(expected, PageLines(3, "1", "2", "+A1"));
   for (int n = 1; n <= 3; ++n) Append(expected, RowLines(3, 9 + n, n));
   Append(expected, PageLines(4, "2", "3", "+A1"));
@@ -144,29 +156,29 @@ TEST_F(GenerateWorkbookTest, SingleSheetRunWritesOneFilePerPageAndNeverTheTarget
       "CreateObject(\"Excel.Application\")", "Visible = True",
       "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=True", "Sheets.Count", "Sheets(1).Name",
       "Sheets(2).Name", "Close SaveChanges:=False", "Visible = True",
-      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=False",
-      "Sheets(1).Cells(1, 2).Value = \"\"", "Sheets(1).Cells(2, 2).Value = \"Kraftbolaget AB\"",
-      "Sheets(1).Cells(3, 2).Value = \"AB\"",
+      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=False", "Sheets(1).Cells(1, 2).Value = \"\"",
+      "Sheets(1).Cells(2, 2).Value = \"Kraftbolaget AB\"", "Sheets(1).Cells(3, 2).Value = \"AB\"",
       // page 1
       "Sheets(2).Select", "SaveAs \"/R/Lista-1.xlsx\"", "Sheets(2).Name = \"1\"",
       "Sheets(2).Range(Cells(10, 1), Cells(12, 1)).Select", "Selection.ClearContents",
       "Sheets(2).Range(Cells(10, 2), Cells(12, 2)).Select", "Selection.ClearContents",
       "Selection.ClearContents",  // the "!" column cannot be selected; the previous one is cleared again
-      "Sheets(2).Range(Cells(10, 4), Cells(12, 4)).Select", "Selection.ClearContents", "Sheets(2).Cells(10, 1).Select",
-      "Sheets(2).Cells(2, 2).Value = \"+A1\"", "Sheets(2).Cells(1, 6).Value = \"1\"",
-      "Sheets(2).Cells(2, 6).Value = \"2\"", "Sheets(2).Cells(10, 1).Value = \"W1\"",
-      "Sheets(2).Cells(10, 2).Value = \"X1\"", "Sheets(2).Cells(10, 4).Value = \"M1\"",
-      "Sheets(2).Cells(11, 1).Value = \"W2\"", "Sheets(2).Cells(11, 2).Value = \"X2\"",
-      "Sheets(2).Cells(11, 4).Value = \"M2\"",
+      "Sheets(2).Range(Cells(10, 4), Cells(12, 4)).Select", "Selection.ClearContents",
+      "Sheets(2).Cells(10, 1).Select", "Sheets(2).Cells(2, 2).Value = \"+A1\"",
+      "Sheets(2).Cells(1, 6).Value = \"1\"", "Sheets(2).Cells(2, 6).Value = \"2\"",
+      "Sheets(2).Cells(10, 1).Value = \"W1\"", "Sheets(2).Cells(10, 2).Value = \"X1\"",
+      "Sheets(2).Cells(10, 4).Value = \"M1\"", "Sheets(2).Cells(11, 1).Value = \"W2\"",
+      "Sheets(2).Cells(11, 2).Value = \"X2\"", "Sheets(2).Cells(11, 4).Value = \"M2\"",
       // page 2: the previous page's file is saved first
       "Sheets(2).Select", "Save", "SaveAs \"/R/Lista-2.xlsx\"", "Sheets(2).Name = \"2\"",
       "Sheets(2).Range(Cells(10, 1), Cells(12, 1)).Select", "Selection.ClearContents",
-      "Sheets(2).Range(Cells(10, 2), Cells(12, 2)).Select", "Selection.ClearContents", "Selection.ClearContents",
-      "Sheets(2).Range(Cells(10, 4), Cells(12, 4)).Select", "Selection.ClearContents", "Sheets(2).Cells(10, 1).Select",
-      "Sheets(2).Cells(2, 2).Value = \"+A2\"", "Sheets(2).Cells(1, 6).Value = \"2\"",
-      "Sheets(2).Cells(2, 6).Value = \"3\"", "Sheets(2).Cells(10, 1).Value = \"W3\"",
-      "Sheets(2).Cells(10, 2).Value = \"X3\"", "Sheets(2).Cells(10, 4).Value = \"M3\"",
-      "Sheets(2).Cells(2, 6).Value = \"-\"", "Save", "Visible = True"};
+      "Sheets(2).Range(Cells(10, 2), Cells(12, 2)).Select", "Selection.ClearContents",
+      "Selection.ClearContents", "Sheets(2).Range(Cells(10, 4), Cells(12, 4)).Select",
+      "Selection.ClearContents", "Sheets(2).Cells(10, 1).Select", "Sheets(2).Cells(2, 2).Value = \"+A2\"",
+      "Sheets(2).Cells(1, 6).Value = \"2\"", "Sheets(2).Cells(2, 6).Value = \"3\"",
+      "Sheets(2).Cells(10, 1).Value = \"W3\"", "Sheets(2).Cells(10, 2).Value = \"X3\"",
+      "Sheets(2).Cells(10, 4).Value = \"M3\"", "Sheets(2).Cells(2, 6).Value = \"-\"", "Save",
+      "Visible = True"};
   EXPECT_EQ(recording.lines(), expected);
   EXPECT_TRUE(outcome.completed);
   EXPECT_THAT(outcome.savedFiles, ElementsAre("/R/Lista-1.xlsx", "/R/Lista-2.xlsx"));
@@ -221,10 +233,12 @@ TEST_F(GenerateWorkbookTest, DynamicRunFillsTheCommonSheetWithBreaksBeforeEachLa
       "Sheets(1).Cells(15, 4).Value = \"M6\"", "Sheets(1).Cells(2, 6).Value = \"-\"",
       // the closing format pass: formats of the second data row, a border under the row below the data
       "Sheets(1).Rows(\"11:11\").Select", "Selection.Copy", "Sheets(1).Rows(\"12:16\").Select",
-      "Selection.PasteSpecial Paste:=-4122", "Sheets(1).Cells(16, 1).Select", "Selection.Borders(9).Weight = -4138",
-      "Sheets(1).Cells(16, 2).Select", "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(16, 3).Select",
-      "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(16, 4).Select", "Selection.Borders(9).Weight = -4138",
-      "Sheets(1).Cells(10, 1).Select", "CutCopyMode = False", "Save", "Visible = True"};
+      "Selection.PasteSpecial Paste:=-4122", "Sheets(1).Cells(16, 1).Select",
+      "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(16, 2).Select",
+      "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(16, 3).Select",
+      "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(16, 4).Select",
+      "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(10, 1).Select", "CutCopyMode = False", "Save",
+      "Visible = True"};
   EXPECT_EQ(recording.lines(), expected);
   EXPECT_TRUE(outcome.completed);
   EXPECT_TRUE(state.dynamicLength);
@@ -262,37 +276,56 @@ TEST_P(EarlyExitTest, EndsWithItsMessageAndStartsNoMoreThanItMust) {
 INSTANTIATE_TEST_SUITE_P(
     Exits, EarlyExitTest,
     ::testing::Values(
-        EarlyExit{"NoTemplate", [](GenerationFixture& f) { f.inputs.templateFile = "  "; },
-                  {"Fel: Ingen Excelmall vald."}, 0},
-        EarlyExit{"NoData", [](GenerationFixture& f) { f.table.SetRows(1); },
-                  {"Fel: Ingen data att överföra till Excel."}, 0},
+        EarlyExit{"NoTemplate",
+                  [](GenerationFixture& f) { f.inputs.templateFile = "  "; },
+                  {"Fel: Ingen Excelmall vald."},
+                  0},
+        EarlyExit{"NoData",
+                  [](GenerationFixture& f) { f.table.SetRows(1); },
+                  {"Fel: Ingen data att överföra till Excel."},
+                  0},
         EarlyExit{"DialogCancelled", [](GenerationFixture& f) { f.dialogs.fileAnswers.clear(); }, {}, 0},
         EarlyExit{"WarningCancelled",
                   [](GenerationFixture& f) {
                     f.inputs.singleSheet = true;
                     f.warning.answer = {false, false};
                   },
-                  {}, 0},
-        EarlyExit{"NoSheetSection", [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\no_sheet_section.ini"; },
-                  {"Kan ej använda Excel-filen: Ini-filen data/generation\\no_sheet_section.ini\rsaknar sektionen [Sheet]."},
+                  {},
                   0},
-        EarlyExit{"TooFewEntries", [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\too_few_entries.ini"; },
-                  {"Fel: Redigera ini-filen data/generation\\too_few_entries.ini och försök senare."}, 0},
+        EarlyExit{
+            "NoSheetSection",
+            [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\no_sheet_section.ini"; },
+            {"Kan ej använda Excel-filen: Ini-filen data/generation\\no_sheet_section.ini\rsaknar sektionen "
+             "[Sheet]."},
+            0},
+        EarlyExit{"TooFewEntries",
+                  [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\too_few_entries.ini"; },
+                  {"Fel: Redigera ini-filen data/generation\\too_few_entries.ini och försök senare."},
+                  0},
         EarlyExit{"MissingSheet",
-                  [](GenerationFixture& f) { f.recording.AddWorkbookFile(f.TemplateEnginePath(), {"Framsida", "Mall"}); },
+                  [](GenerationFixture& f) {
+                    f.recording.AddWorkbookFile(f.TemplateEnginePath(), {"Framsida", "Mall"});
+                  },
                   {"Sheetwright: Fliken 'Common' saknas i excelfilen",
                    "Sheetwright: Redigera mallfilen så att den uppfyller kraven."},
                   1},
-        EarlyExit{"NonNumericStart", [](GenerationFixture& f) { f.inputs.sheetNumberText = "A1"; },
-                  {"Fel: 13 - Typerna matchar inte"}, 1},
+        EarlyExit{"NonNumericStart",
+                  [](GenerationFixture& f) { f.inputs.sheetNumberText = "A1"; },
+                  {"Fel: 13 - Typerna matchar inte"},
+                  1},
         EarlyExit{"ExcelCannotStart",
                   [](GenerationFixture& f) { f.recording.FailCall("CreateObject", 1, 429); },
-                  {"Active-X fel: Kan ej starta Microsoft Excel.\rKontrollera installationen."}, 0},
-        EarlyExit{"TargetInUse", [](GenerationFixture& f) { f.recording.FailCall("SaveAs", 1, 70); },
-                  {"Filfel: Filen används, kan ej skriva över.\rAnge annat filnamn"}, 1},
-        EarlyExit{"DeviceUnavailable", [](GenerationFixture& f) { f.recording.FailCall("Open", 1, 68); },
-                  {"Sheetwright: Enheten ej läsbar/tillgänglig."}, 1}),
-    [](const auto& info) { return std::string(info.param.name); });
+                  {"Active-X fel: Kan ej starta Microsoft Excel.\rKontrollera installationen."},
+                  0},
+        EarlyExit{"TargetInUse",
+                  [](GenerationFixture& f) { f.recording.FailCall("SaveAs", 1, 70); },
+                  {"Filfel: Filen används, kan ej skriva över.\rAnge annat filnamn"},
+                  1},
+        EarlyExit{"DeviceUnavailable",
+                  [](GenerationFixture& f) { f.recording.FailCall("Open", 1, 68); },
+                  {"Sheetwright: Enheten ej läsbar/tillgänglig."},
+                  1}),
+    [](const auto& exit) { return std::string(exit.param.name); });
 
 TEST_F(GenerateWorkbookTest, MissingTemplateSheetQuitsExcel) {
   recording.AddWorkbookFile(TemplateEnginePath(), {"Common", "Sida"});
@@ -371,14 +404,47 @@ TEST_F(GenerateWorkbookTest, PageFileInUseIsToldAndTheRunGoesOn) {
   recording.FailCall("SaveAs", 2, 70);
   const auto outcome = Generate();
 
-  EXPECT_THAT(MessageTexts(),
-              ElementsAre("Filfel: Filen /R/Lista-2.xls används och kan ej skrivas över.\rAnge annat filnamn."));
+  EXPECT_THAT(
+      MessageTexts(),
+      ElementsAre("Filfel: Filen /R/Lista-2.xls används och kan ej skrivas över.\rAnge annat filnamn."));
   EXPECT_THAT(lookups, ElementsAre("Sheetwright"));
   EXPECT_TRUE(outcome.completed);
   // Page 2's rows went on into the workbook still named after page 1's file; page 3 got its own file.
   EXPECT_THAT(outcome.savedFiles, ElementsAre("/R/Lista-1.xlsx", "/R/Lista-3.xlsx"));
   EXPECT_EQ(recording.files().at("/R/Lista-1.xlsx").Find("1")->cells.at({11, 1}), "W2");
   EXPECT_EQ(pointers.back(), MousePointer::kDefault);
+}
+
+}  // namespace
+}  // namespace sw::gen
+
+namespace sw::gen {
+namespace {
+
+TEST(StartNumberValueTest, ReadsNumbersAsVbDoesInArithmetic) {
+  const std::pair<const char*, int> numbers[] = {{"1", 1},  {"007", 7}, {" 12 ", 12},
+                                                 {"+3", 3}, {"-2", -2}, {"32767", 32767}};
+  for (const auto& [text, value] : numbers) EXPECT_EQ(StartNumberValue(text), value) << text;
+  const std::pair<const char*, int> failures[] = {{"", kTypeMismatch},    {"A1", kTypeMismatch},
+                                                  {"1.5", kTypeMismatch}, {"-", kTypeMismatch},
+                                                  {"32768", kOverflow},   {"99999999999", kOverflow}};
+  for (const auto& [text, number] : failures) {
+    try {
+      StartNumberValue(text);
+      ADD_FAILURE() << text << " was accepted";
+    } catch (const excel::AutomationError& error) {
+      EXPECT_EQ(error.number(), number) << text;
+    }
+  }
+}
+
+TEST_F(GenerateWorkbookTest, PageNumberPastTheIntegerRangeIsToldPerPage) {
+  AddPlacement("+A1", 1, 1);
+  inputs.sheetNumberText = "32767";
+  const auto outcome = Generate();
+  // The next-page number of page 32767 does not fit: the page is told and left unmade.
+  EXPECT_THAT(MessageTexts(), ElementsAre("Fel: 6 - Spill"));
+  EXPECT_TRUE(outcome.completed);
 }
 
 }  // namespace

@@ -95,12 +95,14 @@ class GenerationFixture {
   // The recorded lines from `first` on.
   std::vector<std::string> Lines(std::size_t first = 0) const {
     const auto& lines = recording.lines();
-    return std::vector<std::string>(lines.begin() + static_cast<long>(std::min(first, lines.size())), lines.end());
+    return std::vector<std::string>(lines.begin() + static_cast<long>(std::min(first, lines.size())),
+                                    lines.end());
   }
   std::string Setting(const std::string& key) { return settings.GetAppSetting(key, "<none>"); }
   std::vector<std::string> MessageTexts() const {
     std::vector<std::string> texts;
-    for (const auto& message : dialogs.messages) texts.push_back(base::EffectiveTitle(message) + ": " + message.text);
+    for (const auto& message : dialogs.messages)
+      texts.push_back(base::EffectiveTitle(message) + ": " + message.text);
     return texts;
   }
 
