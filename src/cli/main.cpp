@@ -1,6 +1,5 @@
 // sheetwright-cli: the program's workflows without a window.
 #include <CLI/CLI.hpp>
-
 #include <iostream>
 
 #include "cli/check_command.h"
@@ -29,7 +28,8 @@ int main(int argc, char** argv) {
   } catch (const CLI::CallForAllHelp& e) {
     return app.exit(e);
   } catch (const CLI::ParseError& e) {
-    std::cerr << e.what() << "\n" << "Run with --help for usage.\n";
+    std::cerr << e.what() << "\n"
+              << "Run with --help for usage.\n";
     return 2;
   }
 

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <optional>
 
 #include "app/overlay_settings.h"
 #include "app/settings.h"
@@ -10,6 +11,7 @@
 #include "cli/console_dialogs.h"
 #include "cli/table_output.h"
 #include "cli/template_path.h"
+#include "generate/page_count.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
 #include "template/current_report.h"
@@ -46,6 +48,20 @@ void AddPreviewCommand(CLI::App& app, PreviewOptions& options) {
                    "Draw page-break marks (1) or not (0) for this run; default: the stored setting")
       ->check(zeroOrOne);
 }
+
+namespace {
+
+// The pages generation would make, with the page length generation reads (its INI check, which can
+// differ from the preview's); nothing when that check would stop generation. Its messages are not
+// shown again here: the preview has already told what is wrong with the INI file.
+std::optional<int> PagesOfGeneration(const report::ReportTable& table, templ::TemplateDefinition definition) {
+  std::ostream discard(nullptr);
+  ConsoleDialogs quiet(discard, /*answerYes=*/false);
+  if (!templ::ValidateTemplateIni(definition.IniPath, definition, quiet).Accepted()) return std::nullopt;
+  return gen::CountPages(table, definition.EndRow - definition.StartRow + 1, definition.Infinite);
+}
+
+}  // namespace
 
 int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& err) {
   auto registry = cadenv::OpenUserRegistry();
@@ -90,7 +106,10 @@ int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& e
   if (options.json) {
     WriteRowsAsJson(out, table);
   } else if (options.summary) {
-    WriteSummary(out, Summarize(table));
+    TableSummary summary = Summarize(table);
+    if (options.templateWorkbook && !definition.IniPath.empty())
+      summary.pages = PagesOfGeneration(table, definition);
+    WriteSummary(out, summary);
   } else {
     WriteRowsAsText(out, table);
   }

@@ -18,8 +18,8 @@ void WriteRowsAsJson(std::ostream& out, const report::ReportTable& table);
 struct TableSummary {
   int rows = 0;  // report rows (the heading row not counted)
   int columns = 0;
-  int placements = 0;  // placement heads
-  std::optional<int> pages;
+  int placements = 0;        // placement heads
+  std::optional<int> pages;  // generation's page count, when a usable template is given
 };
 TableSummary Summarize(const report::ReportTable& table);
 void WriteSummary(std::ostream& out, const TableSummary& summary);

@@ -96,6 +96,10 @@ TEST_F(PreviewCommandTest, TemplateGivesHeadingsAndPageBreakMarks) {
   EXPECT_NE(result.out.find("     7 mark "), std::string::npos);
   EXPECT_NE(result.out.find("     8 data "), std::string::npos);
 
+  // Generation's count: 8, 7 and 10 rows at three a page.
+  result = cli.Run({"preview", kExample, "--template", workbook.string(), "--summary"});
+  EXPECT_EQ(result.out, "rows: 28\ncolumns: 8\nplacements: 3\npages: 10\n");
+
   result = cli.Run({"preview", kExample, "--template", workbook.string(), "--show-page-breaks", "0"});
   EXPECT_EQ(result.out.find(" mark "), std::string::npos);
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "generate/page_count.h"
 #include "generate/page_text.h"
 #include "generation_fixture.h"
 
@@ -143,6 +144,23 @@ TEST_F(GenerateWorkbookTest, PlacementsManualBreaksAndFullPagesStartPagesAsTheRo
   EXPECT_EQ(saved.Find("4")->cells.count({10, 1}), 0u);
   EXPECT_EQ(saved.Find("5")->cells.at({10, 1}), "W6");
   EXPECT_EQ(saved.Find("5")->cells.at({2, 6}), "-");
+}
+
+TEST_F(GenerateWorkbookTest, PageCountForeseesThePagesTheRunMakes) {
+  // Full pages, a head right after a full page, a manual break, two heads in a row, and data rows
+  // before any head (they go to the common sheet and start no page).
+  AddData("W0", "X0", "-", "M0");
+  AddPlacement("+A1", 1, 7);
+  AddPlacement("+A2", 8, 3);
+  AddTitle("");
+  AddData("W11", "X11", "-", "M11");
+  AddTitle("+B1");
+  AddPlacement("+B2", 12, 1);
+  const int foreseen = CountPages(table, 3, false);
+  Generate();
+  EXPECT_EQ(recording.files().at("/R/Lista.xlsx").sheets.size(), 2u + static_cast<unsigned>(foreseen));
+  EXPECT_EQ(foreseen, 7);
+  EXPECT_EQ(CountPages(table, 3, true), 1);
 }
 
 TEST_F(GenerateWorkbookTest, SingleSheetRunWritesOneFilePerPageAndNeverTheTarget) {
