@@ -15,9 +15,8 @@
 #include <random>
 #include <string>
 
-#include "app/settings.h"
-#include "base/dialogs.h"
 #include "base/process_launcher.h"
+#include "bench_support.h"
 #include "generate/generate_workbook.h"
 #include "report/preview_loader.h"
 #include "template/field_panel.h"
@@ -28,27 +27,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path kSource = fs::path(__FILE__).parent_path().parent_path();
-
-class QuietDialogs final : public sw::base::Dialogs {
- public:
-  std::string target;
-  int messages = 0;
-  sw::base::MessageAnswer ShowMessage(const sw::base::Message&) override {
-    ++messages;
-    return sw::base::MessageAnswer::kOk;
-  }
-  std::optional<std::string> ShowFileDialog(const sw::base::FileDialogRequest&) override { return target; }
-};
-
-class MemorySettings final : public sw::app::Settings {
- public:
-  std::string GetAppSetting(std::string_view, std::string_view defaultValue, std::string_view,
-                            std::string_view) override {
-    return std::string(defaultValue);
-  }
-  void SaveAppSetting(std::string_view, std::string_view, std::string_view) override {}
-  void DeleteAppSetting(std::string_view, std::string_view) override {}
-};
 
 class NoLauncher final : public sw::base::ProcessLauncher {
  public:
@@ -107,9 +85,9 @@ void BM_GenerateFlow(benchmark::State& state) {
   const std::string folder = (space.folder / "mall").string();
   int pages = 0;
   for (auto _ : state) {
-    QuietDialogs dialogs;
+    sw::bench::SilentDialogs dialogs;
     dialogs.target = (space.folder / "flow.xlsx").string();
-    MemorySettings settings;
+    sw::bench::DefaultSettings settings;
     NoLauncher launcher;
     sw::report::ReportTable table;
     sw::templ::TemplateDefinition definition;

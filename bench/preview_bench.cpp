@@ -9,32 +9,11 @@
 #include <random>
 #include <string>
 
-#include "app/settings.h"
-#include "base/dialogs.h"
+#include "bench_support.h"
 #include "report/preview_loader.h"
 #include "synthetic_dump.h"
 
 namespace {
-
-class DefaultSettings final : public sw::app::Settings {
- public:
-  std::string GetAppSetting(std::string_view, std::string_view defaultValue, std::string_view,
-                            std::string_view) override {
-    return std::string(defaultValue);
-  }
-  void SaveAppSetting(std::string_view, std::string_view, std::string_view) override {}
-  void DeleteAppSetting(std::string_view, std::string_view) override {}
-};
-
-class SilentDialogs final : public sw::base::Dialogs {
- public:
-  sw::base::MessageAnswer ShowMessage(const sw::base::Message&) override {
-    return sw::base::MessageAnswer::kOk;
-  }
-  std::optional<std::string> ShowFileDialog(const sw::base::FileDialogRequest&) override {
-    return std::nullopt;
-  }
-};
 
 // Kilobytes of a "VmHWM:" / "VmRSS:" line of /proc/self/status; 0 where there is none.
 double StatusKilobytes(std::string_view key) {
@@ -47,8 +26,8 @@ double StatusKilobytes(std::string_view key) {
 }
 
 void LoadInto(sw::report::ReportTable& table) {
-  DefaultSettings settings;
-  SilentDialogs dialogs;
+  sw::bench::DefaultSettings settings;
+  sw::bench::SilentDialogs dialogs;
   sw::report::PreviewVoltDump(
       table, sw::report::PreviewContext{
                  .dumpPath = sw::bench::Dump().path().string(), .settings = settings, .dialogs = dialogs});

@@ -12,9 +12,6 @@ libreoffice-calc-nogui). The results are committed; run again only to change the
 """
 import io
 import os
-import shutil
-import subprocess
-import sys
 import tempfile
 
 from openpyxl import Workbook
@@ -22,6 +19,8 @@ from openpyxl.drawing.image import Image
 from openpyxl.styles import Alignment, Border, Font, PatternFill, Side
 from openpyxl.worksheet.properties import PageSetupProperties
 from PIL import Image as PilImage, ImageDraw
+
+from template_tools import resave_with_libreoffice
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 OUT = os.path.normpath(os.path.join(HERE, "..", "examples"))
@@ -158,19 +157,6 @@ def build_page(book):
     page.print_title_rows = "1:6"
     page.oddFooter.right.text = "&A"
     fit_to_one_page(page)
-
-
-def resave_with_libreoffice(source, target):
-    with tempfile.TemporaryDirectory() as work:
-        profile = "file://" + os.path.join(work, "profile")
-        subprocess.run(["soffice", "-env:UserInstallation=" + profile, "--headless", "--convert-to",
-                        "xlsx:Calc MS Excel 2007 XML", "--outdir", work, source],
-                       check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        stem = os.path.splitext(os.path.basename(source))[0]
-        produced = [name for name in os.listdir(work) if name.startswith(stem) and name.endswith(".xlsx")]
-        if not produced:
-            sys.exit("LibreOffice produced nothing for " + source)
-        shutil.move(os.path.join(work, produced[0]), target)
 
 
 def main():

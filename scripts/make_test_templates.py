@@ -9,8 +9,6 @@ libreoffice-calc-nogui). The results are committed; run again only to change the
 import io
 import os
 import shutil
-import subprocess
-import sys
 import tempfile
 
 from openpyxl import Workbook
@@ -20,6 +18,8 @@ from openpyxl.styles import Alignment, Border, Font, Side
 from openpyxl.worksheet.datavalidation import DataValidation
 from openpyxl.worksheet.table import Table, TableStyleInfo
 from PIL import Image as PilImage, ImageDraw
+
+from template_tools import XLSM, resave_with_libreoffice
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 OUT = os.path.join(HERE, "..", "tests", "data", "templates")
@@ -106,25 +106,13 @@ def build_title_block(path):
     book.save(path)
 
 
-def resave_with_libreoffice(source, target, filter_name):
-    with tempfile.TemporaryDirectory() as work:
-        profile = "file://" + os.path.join(work, "profile")
-        subprocess.run(["soffice", "-env:UserInstallation=" + profile, "--headless", "--convert-to", filter_name,
-                        "--outdir", work, source], check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        stem = os.path.splitext(os.path.basename(source))[0]
-        produced = [name for name in os.listdir(work) if name.startswith(stem)]
-        if not produced:
-            sys.exit("LibreOffice produced nothing for " + source)
-        shutil.move(os.path.join(work, produced[0]), target)
-
-
 def main():
     os.makedirs(OUT, exist_ok=True)
     with tempfile.TemporaryDirectory() as work:
         raw = os.path.join(work, "title_block_raw.xlsx")
         build_title_block(raw)
-        resave_with_libreoffice(raw, os.path.join(OUT, "title_block.xlsx"), "xlsx:Calc MS Excel 2007 XML")
-        resave_with_libreoffice(raw, os.path.join(OUT, "title_block.xlsm"), "xlsm:Calc MS Excel 2007 VBA XML")
+        resave_with_libreoffice(raw, os.path.join(OUT, "title_block.xlsx"))
+        resave_with_libreoffice(raw, os.path.join(OUT, "title_block.xlsm"), XLSM)
         # openpyxl's own output, not re-saved: the shape a script-made template has.
         shutil.copy(raw, os.path.join(OUT, "title_block_openpyxl.xlsx"))
     print("written to", os.path.normpath(OUT))

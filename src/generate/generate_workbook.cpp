@@ -186,25 +186,6 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templ::TemplateDefinition
   outcome.completed = true;
 }
 
-void TellRunFailure(GenerationRun& run, int number, const std::string& description) {
-  switch (number) {
-    case kDeviceUnavailable:
-      run.Tell("Enheten ej läsbar/tillgänglig.", "", MessageIcon::kNone);
-      break;
-    case kPermissionDenied:
-      run.Tell("Filen används, kan ej skriva över.\rAnge annat filnamn", "Filfel", MessageIcon::kCritical);
-      break;
-    case kCannotCreateObject:
-      run.Tell("Kan ej starta Microsoft Excel.\rKontrollera installationen.", "Active-X fel",
-               MessageIcon::kCritical);
-      break;
-    default:
-      run.Tell(std::to_string(number) + " - " + description, "Fel", MessageIcon::kCritical);
-      break;
-  }
-  run.SetMousePointer(MousePointer::kDefault);
-}
-
 }  // namespace
 
 std::string TargetFilter(std::string_view extension) {
@@ -226,11 +207,12 @@ GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templ::TemplateDefi
   try {
     Run(run, inputs, definition, outcome);
   } catch (const excel::AutomationError& error) {
-    TellRunFailure(run, error.number(), error.description());
+    run.TellFailure(error.number(), error.description(),
+                    "Filen används, kan ej skriva över.\rAnge annat filnamn");
   } catch (const std::exception& error) {
     // Nothing but the automation errors should get here; should anything else, it ends the run like
     // any unexpected error instead of ending the program.
-    TellRunFailure(run, 51, error.what());
+    run.TellFailure(51, error.what(), "");
   }
   outcome.savedFiles = std::move(run.savedFiles);
   return outcome;

@@ -20,6 +20,26 @@ void GenerationRun::Tell(std::string text, std::string title, base::MessageIcon 
       base::Message{std::move(text), std::move(title), icon, base::MessageButtons::kOk});
 }
 
+void GenerationRun::TellFailure(int number, const std::string& description,
+                                const std::string& fileInUse) const {
+  switch (number) {
+    case kDeviceUnavailable:
+      Tell("Enheten ej läsbar/tillgänglig.", "", base::MessageIcon::kNone);
+      break;
+    case kPermissionDenied:
+      Tell(fileInUse, "Filfel", base::MessageIcon::kCritical);
+      break;
+    case kCannotCreateObject:
+      Tell("Kan ej starta Microsoft Excel.\rKontrollera installationen.", "Active-X fel",
+           base::MessageIcon::kCritical);
+      break;
+    default:
+      Tell(std::to_string(number) + " - " + description, "Fel", base::MessageIcon::kCritical);
+      break;
+  }
+  SetMousePointer(MousePointer::kDefault);
+}
+
 void GenerationRun::SaveAs(const std::string& path) {
   state.workbook.SaveAs(EnginePath(path));
   workbookPath = path;

@@ -20,6 +20,9 @@ struct GenerationRun {
   excel::Application& Excel() const;
   void SetMousePointer(MousePointer pointer) const;
   void Tell(std::string text, std::string title, base::MessageIcon icon) const;
+  // The error handler's message for failure `number` (Excel's or ours, with its `description`), and
+  // the pointer back to normal. Error 70 tells `fileInUse`, which names the file where it can.
+  void TellFailure(int number, const std::string& description, const std::string& fileInUse) const;
   // Workbook.SaveAs and Workbook.Save on the working workbook, noting the file written.
   void SaveAs(const std::string& path);
   void Save();

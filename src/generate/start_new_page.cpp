@@ -9,8 +9,6 @@
 namespace sw::gen {
 namespace {
 
-using base::MessageIcon;
-
 void MakePageFile(GenerationRun& run, const std::string& pageText) {
   GenerationState& state = run.state;
   const templ::TemplateDefinition& definition = run.definition;
@@ -44,29 +42,6 @@ void AppendPageSheet(GenerationRun& run, const std::string& pageText) {
   ResumeOn1004([&] { state.currentSheet = state.workbook.Worksheets().Item(excel.Sheets().Count()); });
 }
 
-void TellPageFailure(GenerationRun& run, const excel::AutomationError& error, const std::string& pageText) {
-  switch (error.number()) {
-    case kDeviceUnavailable:
-      run.Tell("Enheten ej läsbar/tillgänglig.", "", MessageIcon::kNone);
-      break;
-    case kPermissionDenied:
-      if (run.services.findTopLevelWindow) run.services.findTopLevelWindow(base::kApplicationTitle);
-      // ".xls " whatever the template's type: the message has always read so.
-      run.Tell("Filen " + run.state.baseFileName + "-" + pageText + ".xls " +
-                   "används och kan ej skrivas över.\rAnge annat filnamn.",
-               "Filfel", MessageIcon::kCritical);
-      break;
-    case kCannotCreateObject:
-      run.Tell("Kan ej starta Microsoft Excel.\rKontrollera installationen.", "Active-X fel",
-               MessageIcon::kCritical);
-      break;
-    default:
-      run.Tell(std::to_string(error.number()) + " - " + error.description(), "Fel", MessageIcon::kCritical);
-      break;
-  }
-  run.SetMousePointer(MousePointer::kDefault);
-}
-
 }  // namespace
 
 void StartNewPage(GenerationRun& run, std::string_view location) {
@@ -98,7 +73,12 @@ void StartNewPage(GenerationRun& run, std::string_view location) {
     ResumeOn1004([&] { sheet.Cells(definition.NextSheetRow, definition.NextSheetCol).SetValue(nextText); });
     state.rowsOnPage = 0;
   } catch (const excel::AutomationError& error) {
-    TellPageFailure(run, error, pageText);
+    if (error.number() == kPermissionDenied && run.services.findTopLevelWindow)
+      run.services.findTopLevelWindow(base::kApplicationTitle);
+    // ".xls " whatever the template's type: the message has always read so.
+    run.TellFailure(error.number(), error.description(),
+                    "Filen " + run.state.baseFileName + "-" + pageText + ".xls " +
+                        "används och kan ej skrivas över.\rAnge annat filnamn.");
   }
 }
 

@@ -218,7 +218,7 @@ TEST_F(PackageEngineTest, CopiesGetTheirOwnCommentShapesAndTables) {
 }
 
 TEST_F(PackageEngineTest, KeepsCellsInOrderAndSharedFormulasWhole) {
-  Workbook book = app_.Workbooks().Open(TemplatePath("title_block_openpyxl.xlsx"));
+  app_.Workbooks().Open(TemplatePath("title_block_openpyxl.xlsx"));
   Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath("title_block_openpyxl.xlsx")));
   package.SetBytes(
       "xl/worksheets/sheet1.xml",
@@ -246,6 +246,69 @@ TEST_F(PackageEngineTest, KeepsCellsInOrderAndSharedFormulasWhole) {
   EXPECT_NE(xml.find("<row r=\"3\"><c r=\"B3\"><f>A3*2</f></c></row><row r=\"4\"><c r=\"B4\""),
             std::string::npos);
   EXPECT_NE(xml.find("<row r=\"5\"><c r=\"C5\" t=\"inlineStr\"><is><t>c</t></is></c></row>"),
+            std::string::npos)
+      << xml;
+}
+
+// Formula cells of a package part as "address:type:value"; a formula cell keeps no result once
+// cells were written.
+std::vector<std::string> FormulaCellResults(Package& package, const std::string& part) {
+  std::vector<std::string> results;
+  for (const auto cell : package.Xml(part).select_nodes("//*[local-name()='c'][*[local-name()='f']]")) {
+    const auto node = cell.node();
+    results.push_back(std::string(node.attribute("r").value()) + ":" + node.attribute("t").value() + ":" +
+                      node.child("v").text().get() + node.child("is").child("t").text().get());
+  }
+  return results;
+}
+
+TEST_F(PackageEngineTest, WrittenCellsDropCachedFormulaResultsOnEverySheet) {
+  Workbook book = app_.Workbooks().Open(TemplatePath("title_block.xlsx"), false);
+  const std::string target = (temp_.path() / "Lista.xlsx").string();
+  book.SaveAs(target);
+  {
+    Package untouched = Saved(target);  // nothing written: the template's results still hold
+    EXPECT_EQ(FormulaCellResults(untouched, "xl/worksheets/sheet2.xml"),
+              (std::vector<std::string>{"B3:str:Ställverk 7", "I8:n:5"}));
+  }
+  book.Sheets().Item(1).Cells(1, 2).SetValue("Ställverk 9");
+  for (int page = 1; page <= 10; ++page) {  // more pages than the engine keeps parsed
+    book.Sheets().Item(2).CopyAfter(book.Sheets().Item(book.Sheets().Count()));
+    book.Sheets().Item(book.Sheets().Count()).Cells(10, 1).SetValue("W" + std::to_string(page));
+  }
+  book.Save();
+
+  Package saved = Saved(target);
+  const auto sheetParts = saved.PartNamesWithPrefix("xl/worksheets/sheet");
+  ASSERT_EQ(sheetParts.size(), 12u);
+  for (const auto& part : sheetParts) {
+    if (part == "xl/worksheets/sheet1.xml") continue;  // Common holds no formula
+    EXPECT_EQ(FormulaCellResults(saved, part), (std::vector<std::string>{"B3::", "I8::"})) << part;
+    EXPECT_NE(saved.Bytes(part).find("<f aca=\"false\">Common!B1</f>"), std::string::npos) << part;
+  }
+}
+
+TEST_F(PackageEngineTest, DroppedResultsLeaveSharedAndArrayFormulasWhole) {
+  Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath("title_block_openpyxl.xlsx")));
+  package.SetBytes(
+      "xl/worksheets/sheet1.xml",
+      "<x:worksheet xmlns:x=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\"><x:sheetData>"
+      "<x:row r=\"1\"><x:c r=\"A1\"><x:v>1</x:v></x:c><x:c r=\"B1\"><x:f t=\"shared\" ref=\"B1:B2\" "
+      "si=\"0\">A1*2</x:f><x:v>2</x:v></x:c><x:c r=\"C1\" t=\"s\"><x:f>Mall!A3</x:f><x:v>0</x:v></x:c>"
+      "<x:c r=\"D1\" t=\"b\"><x:f>A1=1</x:f><x:v>1</x:v></x:c></x:row>"
+      "<x:row r=\"2\"><x:c r=\"B2\"><x:f t=\"shared\" si=\"0\"/><x:v>0</x:v></x:c>"
+      "<x:c r=\"C2\" t=\"e\"><x:f t=\"array\" ref=\"C2:C3\">1/A2:A3</x:f><x:v>#DIV/0!</x:v></x:c></x:row>"
+      "</x:sheetData></x:worksheet>");
+  const WorkbookId id = engine().OpenBytes(package.ToZip(), "f.xlsx", false);
+  Workbook(&engine(), id).Sheets().Item(1).Cells(2, 1).SetValue("5");
+  const std::string xml =
+      Package::FromZip(engine().SaveToBytes(id, ".xlsx")).Bytes("xl/worksheets/sheet1.xml");
+  EXPECT_NE(xml.find("<row r=\"1\"><c r=\"A1\"><v>1</v></c><c r=\"B1\"><f t=\"shared\" ref=\"B1:B2\" "
+                     "si=\"0\">A1*2</f></c><c r=\"C1\"><f>Mall!A3</f></c><c r=\"D1\"><f>A1=1</f></c></row>"),
+            std::string::npos)
+      << xml;
+  EXPECT_NE(xml.find("<c r=\"B2\"><f t=\"shared\" si=\"0\"/></c><c r=\"C2\"><f t=\"array\" "
+                     "ref=\"C2:C3\">1/A2:A3</f></c></row>"),
             std::string::npos)
       << xml;
 }

@@ -15,6 +15,12 @@ bool IsNameChar(char c) {
          c == '\\' || byte >= 0x80;
 }
 
+// Where the name (or function, or sheet name without quotes) that starts at `at` ends.
+std::size_t NameEnd(std::string_view text, std::size_t at) {
+  while (at < text.size() && IsNameChar(text[at])) ++at;
+  return at;
+}
+
 // Length of a string literal or quoted sheet name starting at `at` (which holds the quote).
 std::size_t QuotedLength(std::string_view text, std::size_t at) {
   const char quote = text[at];
@@ -100,8 +106,7 @@ std::string ShiftFormula(std::string_view formula, int rows, int columns) {
         i += length;
         continue;
       }
-      std::size_t end = i + 1;  // skip the rest of a name or function so its digits stay put
-      while (end < formula.size() && IsNameChar(formula[end])) ++end;
+      const std::size_t end = NameEnd(formula, i + 1);  // the rest of a name keeps its digits
       shifted.append(formula.substr(i, end - i));
       i = end;
       continue;
@@ -142,8 +147,7 @@ std::string RenameSheetInFormula(std::string_view formula, std::string_view oldN
       continue;
     }
     if (IsNameChar(c) && (i == 0 || !IsNameChar(formula[i - 1]))) {
-      std::size_t end = i;
-      while (end < formula.size() && IsNameChar(formula[end])) ++end;
+      const std::size_t end = NameEnd(formula, i);
       const std::string_view name = formula.substr(i, end - i);
       const bool external = i > 0 && formula[i - 1] == ']';
       if (!external && end < formula.size() && formula[end] == '!' && base::EqualsIgnoreCase(name, oldName)) {
@@ -173,8 +177,7 @@ std::string RenameTableInFormula(std::string_view formula, std::string_view oldN
       continue;
     }
     if (IsNameChar(c) && (i == 0 || !IsNameChar(formula[i - 1]))) {
-      std::size_t end = i;
-      while (end < formula.size() && IsNameChar(formula[end])) ++end;
+      const std::size_t end = NameEnd(formula, i);
       const std::string_view name = formula.substr(i, end - i);
       const bool structured = end < formula.size() && formula[end] == '[';
       renamed.append(structured && base::EqualsIgnoreCase(name, oldName) ? newName : name);

@@ -319,7 +319,9 @@ void PackageEngine::SetValue(const RangeRef& range, std::string_view text) {
       static_cast<long long>(range.lastRow - range.firstRow + 1) * (range.lastColumn - range.firstColumn + 1);
   if (range.shape != RangeShape::kCells || area > 1'000'000) Rejected("Området är för stort för att fyllas.");
   AsExcel([&] {
-    Worksheet sheet = FindBook(range.sheet.workbook).document->Sheet(position, true);
+    WorkbookDocument& document = *FindBook(range.sheet.workbook).document;
+    Worksheet sheet = document.Sheet(position, true);
+    document.MarkValuesChanged();
     for (int row = range.firstRow; row <= range.lastRow; ++row) {
       for (int column = range.firstColumn; column <= range.lastColumn; ++column)
         sheet.SetText(row, column, text);
@@ -357,9 +359,10 @@ void PackageEngine::Select(const RangeRef& range) {
 void PackageEngine::ClearContents(const RangeRef& range) {
   const int position = Position(range.sheet);
   AsExcel([&] {
-    FindBook(range.sheet.workbook)
-        .document->Sheet(position, true)
+    WorkbookDocument& document = *FindBook(range.sheet.workbook).document;
+    document.Sheet(position, true)
         .ClearContents(range.firstRow, range.firstColumn, range.lastRow, range.lastColumn);
+    document.MarkValuesChanged();
     return 0;
   });
 }

@@ -296,6 +296,7 @@ void WorkbookDocument::PrepareForSave(std::string_view extension) {
     if (package_.IsParsed(part)) Worksheet(package_.Xml(part)).UpdateDimension();
   }
   dirtySheets_.clear();
+  if (valuesChanged_) DropCachedFormulaResults();
   RemoveCalcChain();
   auto calcPr = WorkbookChild(WorkbookRoot(), "calcPr");
   calcPr.remove_attribute("fullCalcOnLoad");
@@ -303,6 +304,25 @@ void WorkbookDocument::PrepareForSave(std::string_view extension) {
   SetMacroContent(base::EqualsIgnoreCase(extension, ".xlsm"));
   UpdateSelectionFlags();
   UpdateAppProperties();
+}
+
+// Excel recalculates on load anyway (fullCalcOnLoad), but other readers show what the file holds,
+// and a page copied from the template still holds the template's results. Sheets waiting as text
+// are parsed one after another, so no more than the usual number stay parsed at once.
+void WorkbookDocument::DropCachedFormulaResults() {
+  for (int i = 0; i < SheetCount(); ++i) {
+    const auto& entry = Entry(i);
+    if (!entry.worksheet) continue;
+    if (!package_.IsParsed(entry.part)) {
+      const std::string& bytes = package_.Bytes(entry.part);
+      const bool formulas = bytes.find("<f") != std::string::npos || bytes.find(":f") != std::string::npos;
+      const bool values = bytes.find("<v") != std::string::npos || bytes.find(":v") != std::string::npos ||
+                          bytes.find("<is") != std::string::npos || bytes.find(":is") != std::string::npos;
+      if (!formulas || !values) continue;
+    }
+    Sheet(i, false).DropCachedFormulaResults();
+  }
+  valuesChanged_ = false;
 }
 
 void WorkbookDocument::RemoveCalcChain() {

@@ -52,6 +52,9 @@ class WorkbookDocument {
   void SetActiveSheet(int position) { activeSheet_ = position; }
   bool HasVbaProject();
 
+  // Cells were written, so results cached in formula cells may be stale; the next save drops them.
+  void MarkValuesChanged() { valuesChanged_ = true; }
+
   // The package as it is saved under a name ending in `extension` (".xlsx", ".xlsm").
   std::string Serialize(std::string_view extension);
 
@@ -72,6 +75,7 @@ class WorkbookDocument {
   void RenameInOtherParts(std::string_view oldName, std::string_view newName, int position);
   void PrepareForSave(std::string_view extension);
   void RemoveCalcChain();
+  void DropCachedFormulaResults();
   void SetMacroContent(bool macro);
   void UpdateSelectionFlags();
   void UpdateAppProperties();
@@ -92,6 +96,7 @@ class WorkbookDocument {
   unsigned highestTableId_ = 0;
   std::set<std::string> tableNames_;  // lower-cased
   bool sharedStringsLoaded_ = false;
+  bool valuesChanged_ = false;
 };
 
 }  // namespace sw::excel

@@ -225,6 +225,19 @@ void Worksheet::ClearContents(int firstRow, int firstColumn, int lastRow, int la
   }
 }
 
+void Worksheet::DropCachedFormulaResults() {
+  for (auto row : sheetData_.children("row")) {
+    for (auto cell : row.children("c")) {
+      if (!cell.child("f")) continue;
+      while (auto value = cell.child("v")) cell.remove_child(value);
+      while (auto text = cell.child("is")) cell.remove_child(text);
+      // A type without a value is at best meaningless and, for "s", an index Excel cannot find;
+      // the default (number) is what Excel itself writes for a formula not yet calculated.
+      cell.remove_attribute("t");
+    }
+  }
+}
+
 void Worksheet::ForEachCell(int firstRow, int firstColumn, int lastRow, int lastColumn,
                             const std::function<void(pugi::xml_node)>& visit) const {
   for (auto row : sheetData_.children("row")) {

@@ -27,6 +27,10 @@ class Worksheet {
   void SetText(int row, int column, std::string_view text);
   // Removes values and formulas in the block, keeping formats.
   void ClearContents(int firstRow, int firstColumn, int lastRow, int lastColumn);
+  // Forgets the results formulas had when the file was last calculated, keeping the formulas (shared
+  // and array ones as they are): once cells were written they may be wrong, and readers that do not
+  // recalculate on load would show them.
+  void DropCachedFormulaResults();
   // The cell's text as Excel would show its value; `sharedString` looks up index entries.
   std::string Text(int row, int column, const std::function<std::string(int)>& sharedString) const;
 
