@@ -37,10 +37,16 @@ EnumeratedValue EnumRegistryValue(Registry& registry, RootKey root, std::string_
     char digits[16];
     std::snprintf(digits, sizeof digits, "%03u", number);
     entry.data = digits;
-  } else {
+  } else if (value->type == ValueType::kString || value->type == ValueType::kExpandString) {
     // Enumeration takes the data to its length less the terminator, so unlike the single-value read
     // a NUL inside a string stays; RegistryValue already holds string data without its terminator.
     entry.data = value->data;
+  } else if (value->type == ValueType::kMultiString) {
+    // The raw list ends in two NULs, of which the length less one keeps the first.
+    entry.data = value->data + '\0';
+  } else {
+    // The same cut applies to data that has no terminator: its last byte is lost, as it always was.
+    entry.data = value->data.substr(0, value->data.empty() ? 0 : value->data.size() - 1);
   }
   return entry;
 }

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <ostream>
 
+#include "base/windows_path.h"
 #include "cli/console_dialogs.h"
 #include "cli/template_path.h"
 #include "report/report_table.h"
@@ -55,6 +56,12 @@ int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) 
   templ::FieldPanel fields;
   report::ReportTable preview;
   const TemplateLocation location = SplitTemplatePath(options.workbook);
+  // Pairing goes by name alone; generation also needs the workbook itself.
+  if (!base::WindowsFileExists(options.workbook)) {
+    dialogs.ShowMessage({"Hittar ej filen " + options.workbook + ".", "Fel", base::MessageIcon::kInformation,
+                         base::MessageButtons::kOk});
+    return 1;
+  }
   if (!templ::FindIniForTemplate(location.folder, location.file, definition, fields, preview, dialogs))
     return 1;
   const auto validation = templ::ValidateTemplateIni(definition.IniPath, definition, dialogs);

@@ -29,6 +29,7 @@ std::string FormatMessageLine(const base::Message& message) {
 
 MessageAnswer ConsoleDialogs::ShowMessage(const base::Message& message) {
   ++messagesShown_;
+  if (message.icon == base::MessageIcon::kCritical) ++errorsShown_;
   err_ << FormatMessageLine(message) << '\n';
   // Without --yes every question takes its cautious answer, so nothing changes unasked.
   switch (message.buttons) {

@@ -17,6 +17,8 @@ class ConsoleDialogs final : public base::Dialogs {
   // The next file dialog answers with `path`; a dialog with no queued answer is cancelled.
   void QueueFileAnswer(std::string path);
   int MessagesShown() const { return messagesShown_; }
+  // Messages with the critical icon: the program's errors, as opposed to its notes and questions.
+  int ErrorsShown() const { return errorsShown_; }
 
   base::MessageAnswer ShowMessage(const base::Message& message) override;
   std::optional<std::string> ShowFileDialog(const base::FileDialogRequest& request) override;
@@ -25,6 +27,7 @@ class ConsoleDialogs final : public base::Dialogs {
   std::ostream& err_;
   bool answerYes_;
   int messagesShown_ = 0;
+  int errorsShown_ = 0;
   std::deque<std::string> fileAnswers_;
 };
 

@@ -10,6 +10,7 @@
 #include "base/process_launcher.h"
 #include "base/program_folder.h"
 #include "base/strings.h"
+#include "base/windows_path.h"
 #include "cadenv/registry.h"
 #include "cli/console_dialogs.h"
 #include "cli/environment_command.h"
@@ -128,7 +129,11 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
   report::ReportTable table;
   templ::TemplateDefinition definition;
   templ::FieldPanel fields;
-  templ::PreviewPageLayout layout(definition, dialogs, settings);
+  // The page-break marks are drawn as the preview draws them, but quietly: the INI file's problems are
+  // told once by the pairing and once more by generation's own check, not a third time here.
+  std::ostream discard(nullptr);
+  ConsoleDialogs quiet(discard, /*answerYes=*/false);
+  templ::PreviewPageLayout layout(definition, quiet, settings);
   const TemplateLocation location = SplitTemplatePath(options.templateWorkbook);
   layout.SetTemplate(location.folder, location.file);
   templ::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
@@ -162,15 +167,20 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
       settings, dialogs, warning, *launcher, {}, std::string(programFolder.begin(), programFolder.end()),
       {},       {}};
   gen::GenerationState state;
+  const int errorsBefore = dialogs.ErrorsShown();
   const auto outcome = gen::GenerateWorkbook(inputs, definition, state, services);
 
-  for (const auto& path : outcome.savedFiles) {
+  for (const auto& written : outcome.savedFiles) {
+    // The program's own texts join folders with "\"; what is printed must be a path of this system.
+    const std::string path = base::ResolveWindowsPath(written).string();
     out << path << '\n';
     if (options.open && !launcher->OpenWithDefaultApplication(path)) {
       err << "Kunde inte öppna " << path << '\n';
     }
   }
-  return outcome.completed && out.good() ? 0 : 1;
+  // A run that went on past an error (a page file in use, a page number out of range) has lost pages.
+  const bool clean = outcome.completed && dialogs.ErrorsShown() == errorsBefore;
+  return clean && out.good() ? 0 : 1;
 }
 
 }  // namespace sw::cli

@@ -91,10 +91,9 @@ int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& e
     context.reloadTemplateLayout = [&layout] { layout.ReloadLayout(); };
     context.showPageBreaks = [&layout, &table] { layout.ShowPageBreaks(table); };
   }
-  const int messagesBeforeLoad = dialogs.MessagesShown();
-  report::PreviewVoltDump(table, context);
-  // A dump that could not be read ends the run; template messages alone do not.
-  if (table.Rows() <= 1 && dialogs.MessagesShown() > messagesBeforeLoad) return 1;
+  // A dump that could not be read ends the run; the template's messages alone do not.
+  const auto read = report::PreviewVoltDump(table, context);
+  if (read == report::PreviewResult::kNotFound || read == report::PreviewResult::kUnreadable) return 1;
 
   if (options.fixExport) {
     const auto current = templ::ReadCurrentReport(base::ProcessEnvironment(), {});

@@ -102,7 +102,17 @@ bool FindTemplateSheets(GenerationRun& run, const std::string& templatePath) {
   GenerationState& state = run.state;
   const templ::TemplateDefinition& definition = run.definition;
   excel::Application& excel = run.Excel();
-  ResumeOn1004([&] { state.workbook = excel.Workbooks().Open(EnginePath(templatePath), true); });
+  try {
+    state.workbook = excel.Workbooks().Open(EnginePath(templatePath), true);
+  } catch (const excel::AutomationError& error) {
+    if (error.number() != kApplicationDefined) throw;
+    // Skipping this one would only lead to "91 - Objektvariabeln …" on the next line: a template
+    // Excel cannot open at all is told as what it is.
+    run.Tell(error.description(), "Filfel", MessageIcon::kCritical);
+    ResumeOn1004([&] { excel.Quit(); });
+    run.SetMousePointer(MousePointer::kDefault);
+    return false;
+  }
   run.workbookPath = templatePath;
 
   state.templateSheetIndex = 0;
@@ -176,7 +186,17 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templ::TemplateDefinition
   ResumeOn1004([&] { excel.SetVisible(true); });
   ResumeOn1004([&] { state.workbook = excel.Workbooks().Open(EnginePath(templatePath), false); });
   run.workbookPath = templatePath;
-  if (!inputs.singleSheet) ResumeOn1004([&] { run.SaveAs(inputs.targetPath); });
+  if (!inputs.singleSheet) {
+    try {
+      run.SaveAs(inputs.targetPath);
+    } catch (const excel::AutomationError& error) {
+      if (error.number() != kApplicationDefined) throw;
+      // Going on would end in Save writing the filled workbook over the template itself.
+      run.Tell(error.description(), "Filfel", MessageIcon::kCritical);
+      run.SetMousePointer(MousePointer::kDefault);
+      return;
+    }
+  }
 
   WriteCommonTexts(run);
   FillPages(run);

@@ -55,6 +55,9 @@ std::int16_t StartNumberValue(std::string_view text) {
 void DeleteFileIfPresent(std::string_view windowsPath) {
   const auto path = base::ResolveWindowsPath(windowsPath);
   std::error_code error;
+  // Kill finds no file in a folder of that name; saving there later would fail and leave the filled
+  // workbook to be saved over the template, so the run stops here with the access error.
+  if (std::filesystem::is_directory(path, error)) RaiseRunError(kPathFileAccess);
   if (!std::filesystem::is_regular_file(path, error)) return;
   if (std::filesystem::remove(path, error) || !error) return;
   using std::errc;

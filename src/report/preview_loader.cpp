@@ -21,48 +21,48 @@ void ShowFileError(base::Dialogs& dialogs, std::string text) {
   dialogs.ShowMessage({std::move(text), "Filfel", base::MessageIcon::kCritical, base::MessageButtons::kOk});
 }
 
-// Reads and loads the dump; false (after telling the user) when the file cannot be read or held.
-bool LoadDumpFile(ReportTable& table, const PreviewContext& context) {
+// Reads and loads the dump; tells the user when the file cannot be found, read or held.
+PreviewResult LoadDumpFile(ReportTable& table, const PreviewContext& context) {
   const std::filesystem::path path = base::ResolveWindowsPath(context.dumpPath);
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(path, error);
   if (error == std::errc::permission_denied) {
     ShowFileError(context.dialogs, "Kan ej läsa filen " + context.dumpPath + ".");
-    return false;
+    return PreviewResult::kUnreadable;
   }
   // A folder, device or pipe named as the dump is as good as no file (and a pipe would never end).
   if (!std::filesystem::is_regular_file(status)) {
     context.dialogs.ShowMessage({"Hittar ej filen " + context.dumpPath + ".", "Fel",
                                  base::MessageIcon::kInformation, base::MessageButtons::kOk});
-    return false;
+    return PreviewResult::kNotFound;
   }
   try {
     std::optional<std::string> bytes = base::ReadWholeFile(path);
     if (!bytes) {
       ShowFileError(context.dialogs, "Kan ej läsa filen " + context.dumpPath + ".");
-      return false;
+      return PreviewResult::kUnreadable;
     }
     LoadDumpText(table, *bytes, context.progress);
   } catch (const std::bad_alloc&) {
     table.SetRows(1);
     ShowFileError(context.dialogs, "Filen " + context.dumpPath + " är för stor för att läsas in.");
-    return false;
+    return PreviewResult::kUnreadable;
   } catch (const std::length_error&) {
     table.SetRows(1);
     ShowFileError(context.dialogs, "Filen " + context.dumpPath + " är för stor för att läsas in.");
-    return false;
+    return PreviewResult::kUnreadable;
   }
-  return true;
+  return PreviewResult::kLoaded;
 }
 
 }  // namespace
 
-void PreviewVoltDump(ReportTable& table, const PreviewContext& context) {
-  if (context.refreshing) return;
+PreviewResult PreviewVoltDump(ReportTable& table, const PreviewContext& context) {
+  if (context.refreshing) return PreviewResult::kSkipped;
   const bool removeSlashTwo = context.settings.GetAppSetting(kUseSlashTwo, "1") == "0";
   table.SetRows(1);
-  if (context.dumpPath.empty()) return;
-  if (!LoadDumpFile(table, context)) return;
+  if (context.dumpPath.empty()) return PreviewResult::kNoDump;
+  if (const PreviewResult read = LoadDumpFile(table, context); read != PreviewResult::kLoaded) return read;
 
   if (context.layoutColumns) context.layoutColumns();
   if (removeSlashTwo) CleanupSlashTwo(table);
@@ -71,6 +71,7 @@ void PreviewVoltDump(ReportTable& table, const PreviewContext& context) {
   if (context.settings.GetAppSetting(kIncludeEmptyRows, "1") == "0") CleanupEmptyRows(table);
   if (context.reloadTemplateLayout) context.reloadTemplateLayout();
   if (context.showPageBreaks) context.showPageBreaks();
+  return PreviewResult::kLoaded;
 }
 
 }  // namespace sw::report

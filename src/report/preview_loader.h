@@ -29,6 +29,15 @@ struct PreviewContext {
 // two end hooks. Does nothing at all while `refreshing`. An empty path leaves the heading row alone
 // silently; a missing file (or a folder) is reported with "Hittar ej filen ...", a file that cannot be
 // read with "Kan ej läsa filen ..."; neither runs the clean-ups or hooks.
-void PreviewVoltDump(ReportTable& table, const PreviewContext& context);
+enum class PreviewResult {
+  kSkipped,     // refreshing: nothing done
+  kNoDump,      // the picker's text is empty: only the heading row is left
+  kLoaded,      // read (possibly with no report rows at all)
+  kNotFound,    // told "Hittar ej filen ..."
+  kUnreadable,  // told why the file could not be read
+};
+
+// The window ignores the result; the command line turns it into its exit status.
+PreviewResult PreviewVoltDump(ReportTable& table, const PreviewContext& context);
 
 }  // namespace sw::report

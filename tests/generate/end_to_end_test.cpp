@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/file_io.h"
 #include "cli/generate_command.h"
 #include "external_tools.h"
 #include "temp_dir.h"
@@ -62,6 +63,7 @@ class EndToEndTest : public ::testing::Test {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
       const std::string& flag = arguments[i];
       if (flag == "--out") options.target = arguments[++i];
+      if (flag == "--template") options.templateWorkbook = arguments[++i];
       if (flag == "--start") options.start = arguments[++i];
       if (flag == "--field") options.fields.push_back(arguments[++i]);
       if (flag == "--single-sheet") options.singleSheet = true;
@@ -157,6 +159,37 @@ TEST_F(EndToEndTest, TargetThatIsNoExcelFileIsRefusedUpFront) {
   EXPECT_NE(run.err.find("Fel: Filnamnet"), std::string::npos) << run.err;
   EXPECT_EQ(run.out, "");
   EXPECT_FALSE(fs::exists(Target("Lista.ods")));
+}
+
+TEST_F(EndToEndTest, TemplateIsNeverOverwrittenWhateverTheTarget) {
+  const std::string before = *base::ReadWholeFile(Template());
+
+  // A folder where the workbook should go: Kill finds no file, so the run stops before anything is written.
+  fs::create_directories(Target("Mapp.xlsx"));
+  auto run = Generate({"--out", Target("Mapp.xlsx")});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.err.find("Fel: 75 - "), std::string::npos) << run.err;
+  EXPECT_EQ(run.out, "");
+
+  // An .xls name is saved as Excel saves it without a file format: the workbook's own format.
+  run = Generate({"--out", Target("Gammal.xls")});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.out, Target("Gammal.xls") + "\n");
+  EXPECT_TRUE(base::ReadWholeFile(Target("Gammal.xls"))->starts_with("PK"));
+
+  EXPECT_EQ(*base::ReadWholeFile(Template()), before);
+}
+
+TEST_F(EndToEndTest, BrokenTemplateIsToldAsAFileError) {
+  std::string bytes = *base::ReadWholeFile(Template());
+  bytes.resize(bytes.size() / 3);
+  const fs::path folder = folder_->Write("Trasig/trasig.xlsx", bytes).parent_path();
+  fs::copy_file(kSource / "tests/data/generation/three_rows.ini", folder / "trasig.ini");
+  const auto run = Generate({"--template", (folder / "trasig.xlsx").string(), "--out", Target("Av.xlsx")});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.err.find("Filfel: "), std::string::npos) << run.err;
+  EXPECT_EQ(run.err.find("91 - "), std::string::npos) << run.err;
+  EXPECT_FALSE(fs::exists(Target("Av.xlsx")));
 }
 
 TEST_F(EndToEndTest, BadFieldIndexIsBadUsage) {

@@ -217,9 +217,11 @@ SheetRef PackageEngine::SheetAt(WorkbookId workbook, int index) {
 }
 
 void PackageEngine::WriteTo(Book& book, const std::string& path) {
-  const std::string extension = Extension(path);
+  std::string extension = Extension(path);
   if (extension != ".xlsx" && extension != ".xlsm") {
-    Rejected("Arbetsboken kan bara sparas som .xlsx eller .xlsm, inte som " + path + ".");
+    // Excel saves under any name in the workbook's own format when no file format is given ("Lista.xls"
+    // gets an Open XML workbook, which Excel opens after a warning about the name).
+    extension = book.document->HasVbaProject() ? ".xlsm" : ".xlsx";
   }
   const std::string bytes = AsExcel([&] { return book.document->Serialize(extension); });
   const std::filesystem::path target = PathFromUtf8(path);
