@@ -200,8 +200,11 @@ std::string Workbook::FullName() const {
 }
 
 Workbook Workbooks::Open(const std::string& path, bool readOnly) {
+  return Open(path, OpenArguments{.updateLinks = std::nullopt, .readOnly = readOnly});
+}
+Workbook Workbooks::Open(const std::string& path, const OpenArguments& arguments) {
   if (engine_ == nullptr) ThrowObjectNotSet();
-  return Workbook(engine_, engine_->OpenWorkbook(path, readOnly));
+  return Workbook(engine_, engine_->OpenWorkbook(path, arguments));
 }
 Workbook Workbooks::OpenText(const OpenTextOptions& options) {
   if (engine_ == nullptr) ThrowObjectNotSet();

@@ -136,7 +136,8 @@ class Workbooks {
  public:
   Workbooks() = default;
   explicit Workbooks(Engine* engine) : engine_(engine) {}
-  Workbook Open(const std::string& path, bool readOnly = false);
+  Workbook Open(const std::string& path, bool readOnly = false);  // Open path, ReadOnly:=readOnly
+  Workbook Open(const std::string& path, const OpenArguments& arguments);
   Workbook OpenText(const OpenTextOptions& options);
   int Count() const;
   Workbook Item(int index) const;

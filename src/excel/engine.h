@@ -2,6 +2,7 @@
 // The back end behind the automation handles: one virtual per Excel member the program calls.
 // Handles (automation.h) carry only an engine pointer and ids, so an engine that forwards every call
 // to Excel itself, the built-in package engine and the recording double all fit the same seam.
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,6 +39,13 @@ struct RangeRef {
 inline constexpr int kMaxRows = 1048576;
 inline constexpr int kMaxColumns = 16384;
 
+// The arguments of Workbooks.Open the program passes, as given: UpdateLinks is the second positional
+// argument, ReadOnly the third (usually named). An unset one is left out of the call.
+struct OpenArguments {
+  std::optional<bool> updateLinks;
+  std::optional<bool> readOnly;
+};
+
 // Workbooks.OpenText's named arguments (values as Excel numbers them).
 struct OpenTextOptions {
   std::string fileName;
@@ -71,7 +79,7 @@ class Engine {
   virtual SheetRef ActiveSheet() = 0;
 
   // Workbooks
-  virtual WorkbookId OpenWorkbook(const std::string& path, bool readOnly) = 0;
+  virtual WorkbookId OpenWorkbook(const std::string& path, const OpenArguments& arguments) = 0;
   virtual WorkbookId OpenText(const OpenTextOptions& options) = 0;
   virtual int WorkbookCount() = 0;
   virtual WorkbookId WorkbookAt(int index) = 0;

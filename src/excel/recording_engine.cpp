@@ -91,8 +91,12 @@ class RecordingEngine final : public Engine {
     return SheetRef{book.id, book.activeSheet};
   }
 
-  WorkbookId OpenWorkbook(const std::string& path, bool readOnly) override {
-    recording_.Record("Open", "Workbooks.Open " + Quoted(path) + ", ReadOnly:=" + Bool(readOnly));
+  WorkbookId OpenWorkbook(const std::string& path, const OpenArguments& arguments) override {
+    std::string line = "Workbooks.Open " + Quoted(path);
+    if (arguments.updateLinks) (line += ", ") += Bool(*arguments.updateLinks);
+    if (arguments.readOnly) (line += ", ReadOnly:=") += Bool(*arguments.readOnly);
+    recording_.Record("Open", line);
+    const bool readOnly = arguments.readOnly.value_or(false);
     const auto file = recording_.files().find(path);
     if (file == recording_.files().end()) {
       throw AutomationError(kApplicationDefined, "Det går inte att hitta filen " + path + ".");

@@ -184,7 +184,11 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templ::TemplateDefinition
 
   ResumeOn1004([&] { state.workbook.Close(false); });
   ResumeOn1004([&] { excel.SetVisible(true); });
-  ResumeOn1004([&] { state.workbook = excel.Workbooks().Open(EnginePath(templatePath), false); });
+  // The second open passes True positionally, as the program always did: UpdateLinks, not ReadOnly.
+  ResumeOn1004([&] {
+    state.workbook = excel.Workbooks().Open(
+        EnginePath(templatePath), excel::OpenArguments{.updateLinks = true, .readOnly = std::nullopt});
+  });
   run.workbookPath = templatePath;
   if (!inputs.singleSheet) {
     try {

@@ -134,7 +134,9 @@ WorkbookId PackageEngine::OpenBytes(std::string_view bytes, const std::string& f
   return Adopt(std::move(document), fullName, readOnly, false);
 }
 
-WorkbookId PackageEngine::OpenWorkbook(const std::string& path, bool readOnly) {
+WorkbookId PackageEngine::OpenWorkbook(const std::string& path, const OpenArguments& arguments) {
+  // Links to other workbooks are not followed: the templates' formulas refer to their own sheets.
+  const bool readOnly = arguments.readOnly.value_or(false);
   // Excel hands back a workbook that is already open instead of opening it twice.
   for (const WorkbookId id : order_) {
     if (base::EqualsIgnoreCase(books_[id]->fullName, path)) {

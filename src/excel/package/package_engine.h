@@ -32,7 +32,7 @@ class PackageEngine final : public Engine {
   RangeRef ActiveCell() override;
   SheetRef ActiveSheet() override;
 
-  WorkbookId OpenWorkbook(const std::string& path, bool readOnly) override;
+  WorkbookId OpenWorkbook(const std::string& path, const OpenArguments& arguments) override;
   WorkbookId OpenText(const OpenTextOptions& options) override;
   int WorkbookCount() override { return static_cast<int>(order_.size()); }
   WorkbookId WorkbookAt(int index) override;
