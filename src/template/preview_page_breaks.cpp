@@ -62,7 +62,8 @@ int PreviewPageLayout::ReloadLayout() {
 }
 
 bool PreviewPageLayout::ShowPageBreaks(report::ReportTable& table) {
-  PageBreakSource source{folder_, file_, [this] { return ReloadLayout(); }, {}, &settings_};
+  PageBreakSource source{folder_, file_, [this] { return ReloadLayout(); }, [this] { ReloadLayout(); },
+                         &settings_};
   return templ::ShowPageBreaks(table, source);
 }
 

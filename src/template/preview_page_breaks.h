@@ -55,8 +55,8 @@ class PreviewPageLayout {
   // pairing has already said so).
   int ReloadLayout();
 
-  // ShowPageBreaks with this layout. The page length is read once: a second read would give the same
-  // length and only repeat its messages.
+  // ShowPageBreaks with this layout. A usable page length is followed by a second read of the layout,
+  // as every load makes one; that read repeats the layout's messages about bad lines.
   bool ShowPageBreaks(report::ReportTable& table);
 
  private:

@@ -42,14 +42,6 @@ void TellBadLine(base::Dialogs& dialogs, std::string_view key, std::string_view 
        MessageIcon::kInformation);
 }
 
-std::vector<std::string> IniFilesOf(std::string_view folder) {
-  auto files = base::ListFolderFiles(folder);
-  std::erase_if(files, [](const std::string& name) {
-    return name.size() < 4 || !base::EqualsIgnoreCase(std::string_view(name).substr(name.size() - 4), ".ini");
-  });
-  return files;
-}
-
 }  // namespace
 
 bool ParseIniNumber(std::string_view text, int& value) {
@@ -79,7 +71,9 @@ bool FindIniForTemplate(std::string_view templateFolder, std::string_view templa
   std::string base = UpperCase(templateFileName);
   for (const char* extension : {".XLSM", ".XLSX", ".XLS"}) base = RemoveAll(base, extension);
 
-  for (const auto& entry : IniFilesOf(templateFolder)) {
+  // Every file of the folder takes part, not only *.ini: the name less every ".INI" decides, so the
+  // first file in name order whose remaining name equals the workbook's wins.
+  for (const auto& entry : base::ListFolderFiles(templateFolder)) {
     if (RemoveAll(UpperCase(entry), ".INI") != base) continue;
     definition.IniPath = std::string(templateFolder) + "\\" + entry;
     ReadCommonFields(definition.IniPath, definition, fields, preview, dialogs, today);

@@ -19,10 +19,11 @@
 
 namespace sw::templ {
 
-// Pairs the workbook `templateFileName` of `templateFolder` with its INI file (the folder's first .ini
-// file whose name, less every ".INI", equals the workbook's name less ".XLSM"/".XLSX"/".XLS", all
-// ignoring case). Clears the field panel first. Found: IniPath = folder + "\" + the INI's name, then
-// ReadCommonFields. Not found: the pairing message and an empty IniPath. Returns whether one was found.
+// Pairs the workbook `templateFileName` of `templateFolder` with its INI file: the first file of the
+// folder, in name order ignoring case and whatever its extension, whose name less every ".INI" equals
+// the workbook's name less every ".XLSM"/".XLSX"/".XLS", all ignoring case. Clears the field panel first.
+// Found: IniPath = folder + "\" + the INI's name, then ReadCommonFields. Not found: the pairing message and
+// an empty IniPath. Returns whether one was found.
 bool FindIniForTemplate(std::string_view templateFolder, std::string_view templateFileName,
                         TemplateDefinition& definition, FieldPanel& fields, report::ReportTable& preview,
                         base::Dialogs& dialogs, const ShortDateSource& today = TodayShortDate);

@@ -34,10 +34,7 @@ void FillTemplatePicker(const std::vector<std::string>& files, std::string_view 
   picker.items.clear();
   picker.selected = -1;
   picker.text.clear();
-  if (files.empty()) {
-    picker.backColour = kPickerLightRed;
-    return;
-  }
+  // An empty folder is a folder without a match: the label tells which report found no template.
   const std::string wanted = UpperCase(currentReportId);
   int match = -1;
   for (std::size_t i = 0; i < files.size(); ++i) {

@@ -29,7 +29,7 @@ std::vector<std::string> ListTemplateFiles(std::string_view templateFolder);
 std::string TemplateBaseName(std::string_view fileName);
 
 // Fills the picker from `files` and selects the last file whose base name equals the report
-// identifier ignoring case. No files: empty text, light red. No match: light red and the error label
+// identifier ignoring case. No match, or no files at all: empty text, light red and the error label
 // "Ingen mall matchar senaste rapport. (<id>)" shown. Match: selected, light yellow, label hidden.
 // The caller then pairs the selected template with its INI file (FindIniForTemplate).
 void FillTemplatePicker(const std::vector<std::string>& files, std::string_view currentReportId,

@@ -64,7 +64,7 @@ TEST(TemplateListTest, PickerSelectsTheLastMatchAndColoursTheResult) {
            {{"Other.xls", "panel.xlsx"}, "PANEL", 1, kPickerLightYellow, false},
            {{"A.XLS", "A.XLSM", "B.xls"}, "a", 1, kPickerLightYellow, false},
            {{"Other.xls"}, "PANEL", -1, kPickerLightRed, true},
-           {{}, "PANEL", -1, kPickerLightRed, false},
+           {{}, "PANEL", -1, kPickerLightRed, true},
        }) {
     TemplatePicker picker;
     FillTemplatePicker(c.files, c.reportId, picker);

@@ -154,6 +154,14 @@ TEST_F(ShowPageBreaksTest, LayoutOfThePairedTemplateGivesThePageLength) {
   EXPECT_TRUE(layout.ShowPageBreaks(table_));
   EXPECT_EQ(YellowRows(table_), (std::vector<int>{4, 7}));
   EXPECT_TRUE(dialogs.messages.empty());
+
+  // The layout is read for the length and read again after it, so a bad line is told twice.
+  dir_.Write("mall.ini", "[Sheet]\nSTARTROW=10\nENDROW=12\nINFINITE=x\n");
+  EXPECT_TRUE(layout.ShowPageBreaks(table_));
+  EXPECT_EQ(dialogs.messages.size(), 2u);
+  dir_.Write("mall.ini", "[Sheet]\nSTARTROW=10\nINFINITE=x\n");  // no length: no second read
+  EXPECT_FALSE(layout.ShowPageBreaks(table_));
+  EXPECT_EQ(dialogs.messages.size(), 3u);
 }
 
 TEST(PreviewEditsTest, PopupEntriesFollowTheCurrentRow) {

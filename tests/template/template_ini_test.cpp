@@ -258,5 +258,29 @@ TEST_F(TemplateIniTest, WorkbookPairsWithItsIniIgnoringCase) {
   EXPECT_EQ(dialogs_.messages[0].icon, MessageIcon::kInformation);
 }
 
+TEST_F(TemplateIniTest, PairingWalksEveryFileInNameOrder) {
+  struct Case {
+    std::vector<const char*> files;
+    const char* workbook;
+    const char* paired;  // "" when none pairs
+  };
+  for (const auto& c : std::vector<Case>{
+           {{"plan", "PLAN.ini"}, "Plan.xlsx", "plan"},  // no extension, and first in name order
+           {{"Plan.INI.ini", "Plan.txt"}, "Plan.xls", "Plan.INI.ini"},
+           {{"Plan.ini.txt", "Plan.xlsx"}, "Plan.xlsx", ""},
+           {{"Plan.XLS.ini"}, "Plan.XLS.xlsx", ""},  // every ".XLS" goes from the workbook's name
+           {{".ini", "x.ini"}, "", ".ini"},          // the name of no template pairs with a bare ".ini"
+       }) {
+    testing::TempDir dir;
+    for (const char* name : c.files) dir.Write(name, "[Common]\nProjekt=C3\n");
+    definition_.IniPath = "kvar";
+    const std::string folder = dir.path().string();
+    EXPECT_EQ(FindIniForTemplate(folder, c.workbook, definition_, fields_, preview_, dialogs_, today_),
+              *c.paired != 0)
+        << c.workbook;
+    EXPECT_EQ(definition_.IniPath, *c.paired ? folder + "\\" + c.paired : "") << c.workbook;
+  }
+}
+
 }  // namespace
 }  // namespace sw::templ

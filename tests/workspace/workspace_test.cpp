@@ -129,6 +129,22 @@ TEST_F(WorkspaceTest, CloseSavesTheLastChoices) {
   EXPECT_EQ(again.voltDump.text, kTempDump);
 }
 
+TEST_F(WorkspaceTest, UnmatchedListingDropsThePreviousTemplate) {
+  window_.Load();
+  ASSERT_FALSE(window_.definition.IniPath.empty());
+  install_.Remove("Projektmallar/PANEL.xlsx");
+  window_.cboRdsDir_Change();
+
+  EXPECT_EQ(window_.rdsFile.items, List{"Oversikt.xls"});
+  EXPECT_EQ(window_.rdsFile.text, "");
+  EXPECT_TRUE(window_.rdsFile.errorLabelVisible);
+  EXPECT_EQ(window_.definition.IniPath, "");
+  EXPECT_EQ(window_.fields.entries[1].caption, "");
+  EXPECT_FALSE(window_.fields.entries[1].enabled);
+  ASSERT_EQ(install_.dialogs.messages.size(), 1u);
+  EXPECT_EQ(install_.dialogs.messages[0].text, "Excel-rapportmallen saknar nödvändig tillhörande INI-fil");
+}
+
 TEST_F(WorkspaceTest, DumpChangeLoadsOnlyWhenNotRefreshingButAlwaysStoresTheChoice) {
   window_.Load();
   const int loads = progress_.loads;
@@ -175,7 +191,7 @@ TEST_F(WorkspaceTest, RefreshSequenceLoadsOnceAndOffersTheRepairForFbltay) {
   window_.Load();
   install_.Write("Windows/VOLTARIS.INI",
                  "[CURREPORT]\r\nREPORT_ID=fbltay\r\nREPORT_FIRST=3\r\n[CNCHSCR]\r\nA=1\r\n");
-  install_.dialogs.answers = {base::MessageAnswer::kNo};
+  install_.dialogs.answers = {base::MessageAnswer::kOk, base::MessageAnswer::kNo};  // pairing, repair
   const int loads = progress_.loads;
 
   window_.RefreshSequence();
@@ -184,8 +200,9 @@ TEST_F(WorkspaceTest, RefreshSequenceLoadsOnceAndOffersTheRepairForFbltay) {
   EXPECT_EQ(window_.currentReportId, "fbltay");
   EXPECT_EQ(window_.sheetNo.text, "3");
   EXPECT_EQ(window_.rdsFile.errorLabel, "Ingen mall matchar senaste rapport. (fbltay)");
-  ASSERT_EQ(install_.dialogs.messages.size(), 1u);
-  EXPECT_EQ(install_.dialogs.messages[0].text, "Infoga kolumn i yttre förbindningstabell?");
+  ASSERT_EQ(install_.dialogs.messages.size(), 2u);
+  EXPECT_EQ(install_.dialogs.messages[0].text, "Excel-rapportmallen saknar nödvändig tillhörande INI-fil");
+  EXPECT_EQ(install_.dialogs.messages[1].text, "Infoga kolumn i yttre förbindningstabell?");
   EXPECT_EQ(window_.table.Text(1, 0), "+A1 Panel");  // answered No: unchanged
 
   // Yes: the repair stays, the template check does not reload the dump.

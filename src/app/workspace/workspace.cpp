@@ -68,10 +68,10 @@ void Workspace::ReadCurrentReport() {
 void Workspace::RefillTemplates() {
   if (!templ::ListTemplates(rdsDir.text, currentReportId, rdsFile)) return;
   templateListFolder = rdsDir.text;
-  // Without a match there is no template to pair; the error label already says why.
-  if (rdsFile.selected < 0) return;
+  // Paired even without a match: the empty name finds no INI file, so the field panel and IniPath are
+  // cleared and the previous template cannot stay in use.
   PairTemplate();
-  cboRdsFile_Change();
+  if (rdsFile.selected >= 0) cboRdsFile_Change();
 }
 
 void Workspace::PairTemplate() {

@@ -72,8 +72,9 @@ class Workspace {
   void RefreshSequence();
   void RefreshFiles();
   void ReadCurrentReport();
-  // ListTemplates for the directory on screen and the match with the current report. A matched
-  // template is paired with its INI file and counts as chosen (cboRdsFile_Change).
+  // ListTemplates for the directory on screen and the match with the current report, then the pairing
+  // with an INI file. A matched template counts as chosen (cboRdsFile_Change); without a match the
+  // pairing finds nothing, says so, and leaves the field panel empty and IniPath "".
   void RefillTemplates();
   // PreviewVoltDump for the dump on screen (nothing while refreshing).
   void PreviewVoltDump();
