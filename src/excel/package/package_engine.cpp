@@ -325,7 +325,7 @@ void PackageEngine::SetValue(const RangeRef& range, std::string_view text) {
   AsExcel([&] {
     WorkbookDocument& document = *FindBook(range.sheet.workbook).document;
     Worksheet sheet = document.Sheet(position, true);
-    document.MarkValuesChanged();
+    document.MarkValuesChanged(position);
     for (int row = range.firstRow; row <= range.lastRow; ++row) {
       for (int column = range.firstColumn; column <= range.lastColumn; ++column)
         sheet.SetText(row, column, text);
@@ -366,7 +366,7 @@ void PackageEngine::ClearContents(const RangeRef& range) {
     WorkbookDocument& document = *FindBook(range.sheet.workbook).document;
     document.Sheet(position, true)
         .ClearContents(range.firstRow, range.firstColumn, range.lastRow, range.lastColumn);
-    document.MarkValuesChanged();
+    document.MarkValuesChanged(position);
     return 0;
   });
 }

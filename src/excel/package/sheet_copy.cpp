@@ -78,6 +78,11 @@ int WorkbookDocument::CopySheet(int source, int after) {
                       ? ParseXml(part, SerializeXml(package_.Xml(sourceEntry.part)), package_.limits())
                       : ParseXml(part, package_.Bytes(sourceEntry.part), package_.limits());
   Worksheet::Normalize(*document);
+  // Once cells have been written, the copy's results are as stale as its source's would be.
+  if (valuesChanged_ || withoutResults_.contains(sourceEntry.part)) {
+    Worksheet(*document).DropCachedFormulaResults();
+    withoutResults_.insert(part);
+  }
   auto root = document->document_element();
   root.child("sheetPr").remove_attribute("codeName");  // the copy has no VBA module of its own
   for (auto view : root.child("sheetViews").children("sheetView")) view.remove_attribute("tabSelected");

@@ -309,10 +309,18 @@ void WorkbookDocument::PrepareForSave(std::string_view extension) {
 // Excel recalculates on load anyway (fullCalcOnLoad), but other readers show what the file holds,
 // and a page copied from the template still holds the template's results. Sheets waiting as text
 // are parsed one after another, so no more than the usual number stay parsed at once.
+void WorkbookDocument::MarkValuesChanged(int position) {
+  valuesChanged_ = true;
+  const auto& entry = Entry(position);
+  if (!entry.worksheet || withoutResults_.contains(entry.part)) return;
+  Sheet(position, false).DropCachedFormulaResults();
+  withoutResults_.insert(entry.part);
+}
+
 void WorkbookDocument::DropCachedFormulaResults() {
   for (int i = 0; i < SheetCount(); ++i) {
     const auto& entry = Entry(i);
-    if (!entry.worksheet) continue;
+    if (!entry.worksheet || withoutResults_.contains(entry.part)) continue;
     if (!package_.IsParsed(entry.part)) {
       const std::string& bytes = package_.Bytes(entry.part);
       const bool formulas = bytes.find("<f") != std::string::npos || bytes.find(":f") != std::string::npos;
@@ -321,6 +329,7 @@ void WorkbookDocument::DropCachedFormulaResults() {
       if (!formulas || !values) continue;
     }
     Sheet(i, false).DropCachedFormulaResults();
+    withoutResults_.insert(entry.part);
   }
   valuesChanged_ = false;
 }

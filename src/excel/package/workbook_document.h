@@ -52,8 +52,9 @@ class WorkbookDocument {
   void SetActiveSheet(int position) { activeSheet_ = position; }
   bool HasVbaProject();
 
-  // Cells were written, so results cached in formula cells may be stale; the next save drops them.
-  void MarkValuesChanged() { valuesChanged_ = true; }
+  // Cells of the sheet at `position` were written, so results cached in formula cells anywhere may be
+  // stale: the written sheet, parsed anyway, loses them at once, the others at the next save.
+  void MarkValuesChanged(int position);
 
   // The package as it is saved under a name ending in `extension` (".xlsx", ".xlsm").
   std::string Serialize(std::string_view extension);
@@ -97,6 +98,9 @@ class WorkbookDocument {
   std::set<std::string> tableNames_;  // lower-cased
   bool sharedStringsLoaded_ = false;
   bool valuesChanged_ = false;
+  // Sheet parts that hold no cached formula results any more: the engine never writes new ones, so
+  // a save need not parse these again (hundreds of copied pages would otherwise each be parsed).
+  std::set<std::string> withoutResults_;
 };
 
 }  // namespace sw::excel
