@@ -7,7 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 bash scripts/setup.sh
 cmake --preset release >/dev/null
-cmake --build --preset release -j2 --target sheetwright-cli
+cmake --build --preset release -j2
 
 # The example runs against a settings file of its own, so it neither reads nor changes the user's.
 export SHEETWRIGHT_REGISTRY="$PWD/build/release/example-registry.reg"
