@@ -10,15 +10,17 @@
 
 namespace sw::gen {
 
+// Excel's numbers (68, 70, 429, 1004) and the run's own VB numbers, under one set of names.
+using excel::kApplicationDefined;
+using excel::kCannotCreateObject;
+using excel::kDeviceUnavailable;
+using excel::kPermissionDenied;
+
 enum RunErrorNumber : int {
   kOverflow = 6,
   kTypeMismatch = 13,
   kFileNotFound = 53,
-  kDeviceUnavailable = 68,
-  kPermissionDenied = 70,
   kPathFileAccess = 75,
-  kCannotCreateObject = 429,
-  kApplicationDefined = 1004,
 };
 
 // The description that goes with `number`, in the program's language.
