@@ -84,7 +84,8 @@ bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, co
 // A workbook saved as .xlsx loses its macros without a word; a macro template's result must keep
 // them, so such a target is refused before anything is touched.
 bool KeepsMacros(const GenerationRun& run, const GenerationInputs& inputs, const std::string& extension) {
-  if (inputs.singleSheet || extension != "xlsm" || TemplateExtension(inputs.targetPath) != "xlsx") return true;
+  if (inputs.singleSheet || extension != "xlsm" || TemplateExtension(inputs.targetPath) != "xlsx")
+    return true;
   run.Tell("Mallen " + inputs.templateFile + " innehåller makron, som inte kan sparas i en .xlsx-fil.\r" +
                "Ange ett filnamn som slutar på .xlsm.",
            "Fel", MessageIcon::kExclamation);

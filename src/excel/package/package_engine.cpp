@@ -477,7 +477,8 @@ void PackageEngine::SetBorderWeight(const RangeRef& range, XlBordersIndex edge, 
   }
   // A line along whole rows is a format of the rows, as Excel stores it, not of 16384 cells each.
   const bool alongRows = range.shape == RangeShape::kEntireRows && firstColumn < lastColumn;
-  const long long cells = static_cast<long long>(lastRow - firstRow + 1) * (alongRows ? 1 : lastColumn - firstColumn + 1);
+  const long long cells =
+      static_cast<long long>(lastRow - firstRow + 1) * (alongRows ? 1 : lastColumn - firstColumn + 1);
   if (cells > 100'000) Rejected("Området är för stort.");
   AsExcel([&] {
     auto& styles = book.document->Styles();
@@ -511,7 +512,8 @@ void PackageEngine::SetBorderWeight(const RangeRef& range, XlBordersIndex edge, 
       }
       for (auto& [column, xf] : cellFormats) xf = sheet.EffectiveStyle(row, column);
       const auto rowNode = sheet.Row(row);
-      const int rowXf = rowNode && rowNode.attribute("customFormat").as_bool() ? rowNode.attribute("s").as_int() : 0;
+      const int rowXf =
+          rowNode && rowNode.attribute("customFormat").as_bool() ? rowNode.attribute("s").as_int() : 0;
       sheet.SetRowStyle(row, bordered(rowXf), true);
       for (const auto& [column, xf] : cellFormats) sheet.SetStyle(row, column, bordered(xf));
     }
