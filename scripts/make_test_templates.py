@@ -140,6 +140,12 @@ def build_self_references(path):
     page.conditional_formatting.add(
         "A11:F11", FormulaRule(formula=['$B11="X"'], fill=PatternFill("solid", start_color="FFC7CE")))
     page.sheet_view.selection[0].pane = "topLeft"
+    own_list = DataValidation(type="list", formula1="'Mall 1'!$G$2:$G$3", allow_blank=True)
+    page.add_data_validation(own_list)
+    own_list.add("B10:B40")
+    template_list = DataValidation(type="list", formula1="'Mall 1'!$G$2:$G$3", allow_blank=True)
+    common.add_data_validation(template_list)
+    template_list.add("B3")
 
     other = book.create_sheet("Sida")
     other["F1"] = "sidan"
@@ -158,7 +164,9 @@ def main():
         resave_with_libreoffice(raw, os.path.join(OUT, "title_block.xlsm"), XLSM)
         # openpyxl's own output, not re-saved: the shape a script-made template has.
         shutil.copy(raw, os.path.join(OUT, "title_block_openpyxl.xlsx"))
-    build_self_references(os.path.join(OUT, "self_references.xlsx"))
+        raw = os.path.join(work, "self_references_raw.xlsx")
+        build_self_references(raw)
+        resave_with_libreoffice(raw, os.path.join(OUT, "self_references.xlsx"))
     print("written to", os.path.normpath(OUT))
 
 
