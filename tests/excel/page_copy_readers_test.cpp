@@ -84,7 +84,8 @@ TEST_F(PageCopyReadersTest, OpenpyxlFindsEveryPageReferringToItself) {
       kSource / "tests/excel/read_back.py",
       {Pages().string(), "sheets=Common,Mall 1,Sida,1,2,3",
        // Formulas naming the template name the page, quoted as a numeric name needs.
-       "cell:1!A1=='1'!G2", "cell:2!A2==CONCATENATE('2'!G2,\"-\",Common!B1)", "cell:3!A3==COUNTA('3'!$G$2:$G$3)",
+       "cell:1!A1=='1'!G2", "cell:2!A2==CONCATENATE('2'!G2,\"-\",Common!B1)",
+       "cell:3!A3==COUNTA('3'!$G$2:$G$3)",
        // Text that only looks like a reference, and references to other sheets, stay.
        "cell:1!A5==\"'Mall 1'!G2\"", "cell:1!A6==Sida!F1", "cell:Common!B2=='Mall 1'!G2",
        "cell:Mall 1!A1=='Mall 1'!G2", "validation:2=B10:B40|'2'!$G$2:$G$3",

@@ -45,8 +45,8 @@ class PageCopyTest : public ::testing::Test {
  protected:
   // The template with a print area on its third sheet, "Sida".
   PageCopyTest() : app_(std::make_unique<PackageEngine>()) {
-    Package package = Package::FromZip(
-        *base::ReadWholeFile(testing::DataFile("templates/self_references.xlsx")));
+    Package package =
+        Package::FromZip(*base::ReadWholeFile(testing::DataFile("templates/self_references.xlsx")));
     package.SetBytes("xl/workbook.xml",
                      Replace(package.Bytes("xl/workbook.xml"), "</definedNames>",
                              "<definedName name=\"_xlnm.Print_Area\" localSheetId=\"2\">Sida!$A$1:$B$2"
@@ -60,8 +60,8 @@ class PageCopyTest : public ::testing::Test {
     std::vector<std::string> names;
     for (const auto name :
          package.Xml("xl/workbook.xml").document_element().child("definedNames").children("definedName")) {
-      names.push_back(std::string(name.attribute("name").value()) + "@" + name.attribute("localSheetId").value() +
-                      "=" + name.text().get());
+      names.push_back(std::string(name.attribute("name").value()) + "@" +
+                      name.attribute("localSheetId").value() + "=" + name.text().get());
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -87,10 +87,11 @@ TEST_F(PageCopyTest, CopyRefersToItselfAndRenamesFollowEverywhere) {
 
   Package saved = Saved();
   EXPECT_EQ(DefinedNames(saved), (std::vector<std::string>{"Sidnr@1='7'!$F$1", "Sidnr@=Mall!$F$1",
-                                                          "_xlnm.Print_Area@3=Sida!$A$1:$B$2"}));
+                                                           "_xlnm.Print_Area@3=Sida!$A$1:$B$2"}));
   const auto copy = Formulas(saved, "xl/worksheets/sheet4.xml");
-  for (const char* wanted : {"f:'7'!G2", "f:CONCATENATE('7'!G2,\"-\",Common!B1)", "f:COUNTA('7'!$G$2:$G$3)",
-                             "f:\"'Mall 1'!G2\"", "f:Sida!F1", "formula1:'7'!$G$2:$G$3", "formula:$B11=\"X\""}) {
+  for (const char* wanted :
+       {"f:'7'!G2", "f:CONCATENATE('7'!G2,\"-\",Common!B1)", "f:COUNTA('7'!$G$2:$G$3)", "f:\"'Mall 1'!G2\"",
+        "f:Sida!F1", "formula1:'7'!$G$2:$G$3", "formula:$B11=\"X\""}) {
     EXPECT_TRUE(Has(copy, wanted)) << wanted;
   }
   // The template renamed in place: every sheet's formulas and validations follow it.
@@ -126,7 +127,9 @@ TEST_F(PageCopyTest, LineUnderWholeRowsFormatsTheRowAndItsCells) {
   page.Rows("30").Borders(XlBordersIndex::xlEdgeTop).SetWeight(XlBorderWeight::xlThin);
   Package saved = Saved();
   const auto sheet = saved.Xml("xl/worksheets/sheet2.xml").document_element().child("sheetData");
-  const auto row = [&](int r) { return sheet.find_child_by_attribute("row", "r", std::to_string(r).c_str()); };
+  const auto row = [&](int r) {
+    return sheet.find_child_by_attribute("row", "r", std::to_string(r).c_str());
+  };
   EXPECT_FALSE(row(12).attribute("customFormat").as_bool());
   EXPECT_EQ(row(12).child("c").attribute("s").as_int(), 1);
   EXPECT_TRUE(row(13).attribute("customFormat").as_bool());
@@ -137,8 +140,9 @@ TEST_F(PageCopyTest, LineUnderWholeRowsFormatsTheRowAndItsCells) {
   EXPECT_TRUE(row(30).attribute("customFormat").as_bool());
   const auto formats = saved.Xml("xl/styles.xml").document_element().child("cellXfs");
   const auto xf = std::next(formats.children("xf").begin(), lined);
-  const auto border = std::next(saved.Xml("xl/styles.xml").document_element().child("borders").children("border").begin(),
-                                xf->attribute("borderId").as_int());
+  const auto border =
+      std::next(saved.Xml("xl/styles.xml").document_element().child("borders").children("border").begin(),
+                xf->attribute("borderId").as_int());
   EXPECT_STREQ(border->child("bottom").attribute("style").value(), "medium");
   EXPECT_STREQ(border->child("left").attribute("style").value(), "thin");  // the cell's box stays
 }
