@@ -215,8 +215,9 @@ TEST_F(EndToEndTest, MacroTemplateRefusesAnXlsxTarget) {
 
   auto run = Generate({"--template", (folder / "title_block.xlsm").string(), "--out", Target("Makro.xlsx")});
   EXPECT_EQ(run.status, 1);
-  EXPECT_NE(run.err.find("Fel: Mallen title_block.xlsm innehåller makron, som inte kan sparas i en .xlsx-fil."),
-            std::string::npos)
+  EXPECT_NE(
+      run.err.find("Fel: Mallen title_block.xlsm innehåller makron, som inte kan sparas i en .xlsx-fil."),
+      std::string::npos)
       << run.err;
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(*base::ReadWholeFile(Target("Makro.xlsx")), "tidigare resultat");
