@@ -111,6 +111,20 @@ TEST_F(PageCopyTest, CopyOfACopyTakesTheNamesOfItsSource) {
                                       "Sidnr@='Mall 1'!$F$1", "_xlnm.Print_Area@2=Sida!$A$1:$B$2"}));
 }
 
+TEST_F(PageCopyTest, SheetsOwnNameWinsOverTheWorkbookNameOfTheSameName) {
+  Package package =
+      Package::FromZip(*base::ReadWholeFile(testing::DataFile("templates/self_references.xlsx")));
+  package.SetBytes("xl/workbook.xml", Replace(package.Bytes("xl/workbook.xml"), "</definedNames>",
+                                              "<definedName name=\"Sidnr\" localSheetId=\"1\">'Mall 1'!$F$2"
+                                              "</definedName></definedNames>"));
+  id_ = engine().OpenBytes(package.ToZip(), "Egen.xlsx", false);
+  book().Sheets().Item(2).CopyAfter(book().Sheets().Item(3));
+  Package saved = Saved();
+  EXPECT_EQ(DefinedNames(saved),
+            (std::vector<std::string>{"Sidnr@1='Mall 1'!$F$2", "Sidnr@3='Mall 1 (2)'!$F$2",
+                                      "Sidnr@='Mall 1'!$F$1"}));
+}
+
 TEST_F(PageCopyTest, SelectingAgainReplacesThePanesSelection) {
   Sheet page = book().Sheets().Item(2);
   page.Select();

@@ -268,11 +268,14 @@ void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view s
   for (auto name : names.children("definedName")) {
     if (localTo(name, source)) {
       originals.emplace_back(name, RenameSheetInFormula(name.text().get(), sourceName, copyName));
-    } else if (!name.attribute("localSheetId")) {
+    } else if (!name.attribute("localSheetId") && SheetNameMayOccur(name.text().get(), sourceName)) {
       std::string refersTo = RenameSheetInFormula(name.text().get(), sourceName, copyName);
       if (refersTo != name.text().get()) originals.emplace_back(name, std::move(refersTo));
     }
   }
+  // The source's own names first: a workbook name of the same name is then already covered.
+  std::stable_partition(originals.begin(), originals.end(),
+                        [](const auto& original) { return bool(original.first.attribute("localSheetId")); });
   const auto hasOwn = [&](std::string_view wanted) {
     for (const auto name : names.children("definedName")) {
       if (localTo(name, copy) && base::EqualsIgnoreCase(name.attribute("name").value(), wanted)) return true;
