@@ -127,6 +127,11 @@ TEST_F(PageCopyReadersTest, LibreOfficeCalculatesEachPageFromItsOwnCells) {
   expectLines("Common", {"Projekt,Ställverk 8", "Mallens G2,mallens egen"});
 }
 
+TEST_F(PageCopyReadersTest, PackageLinterFindsNothing) {
+  const auto result = RunPython(kSource / "tests/excel/package_lint.py", {Pages().string()});
+  EXPECT_EQ(result.status, 0) << result.output;
+}
+
 TEST_F(PageCopyReadersTest, ValidatorFindsNoErrorTheTemplateLacks) {
   const fs::path validator = kSource / "tools/node_modules/.bin/ooxml-validate";
   ASSERT_TRUE(fs::exists(validator)) << "ooxml-validate is needed (scripts/setup.sh)";
