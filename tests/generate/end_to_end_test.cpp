@@ -204,5 +204,28 @@ TEST_F(EndToEndTest, SingleSheetWithoutYesStopsAtTheWarning) {
   EXPECT_FALSE(fs::exists(Target("Nej-1.xlsx")));
 }
 
+// An .xlsx file cannot hold the macros of an .xlsm template: such a target is refused before
+// anything is touched, and an earlier file of that name stays as it was.
+TEST_F(EndToEndTest, MacroTemplateRefusesAnXlsxTarget) {
+  const fs::path folder = folder_->path() / "Makromallar";
+  fs::create_directories(folder);
+  fs::copy_file(kSource / "tests/data/templates/title_block.xlsm", folder / "title_block.xlsm");
+  fs::copy_file(kSource / "tests/data/generation/three_rows.ini", folder / "title_block.ini");
+  folder_->Write("Ut/Makro.xlsx", "tidigare resultat");
+
+  auto run = Generate({"--template", (folder / "title_block.xlsm").string(), "--out", Target("Makro.xlsx")});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(
+      run.err.find("Fel: Mallen title_block.xlsm innehåller makron, som inte kan sparas i en .xlsx-fil."),
+      std::string::npos)
+      << run.err;
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(*base::ReadWholeFile(Target("Makro.xlsx")), "tidigare resultat");
+
+  run = Generate({"--template", (folder / "title_block.xlsm").string(), "--out", Target("Makro.xlsm")});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.out, Target("Makro.xlsm") + "\n");
+}
+
 }  // namespace
 }  // namespace sw::gen
