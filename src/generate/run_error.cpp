@@ -72,6 +72,12 @@ void DeleteFileIfPresent(std::string_view windowsPath) {
   RaiseRunError(kPathFileAccess);
 }
 
+void CheckTargetReplaceable(std::string_view windowsPath) {
+  std::error_code error;
+  if (std::filesystem::is_directory(base::ResolveWindowsPath(windowsPath), error))
+    RaiseRunError(kPathFileAccess);
+}
+
 std::string EnginePath(std::string_view windowsPath) {
   const auto text = base::ResolveWindowsPath(windowsPath).u8string();
   return std::string(text.begin(), text.end());

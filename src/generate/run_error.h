@@ -53,6 +53,10 @@ std::int16_t StartNumberValue(std::string_view text);
 // 68 when its device cannot be reached and 75 for any other refusal.
 void DeleteFileIfPresent(std::string_view windowsPath);
 
+// A run replaces the file at `windowsPath` only at its end; what it checks before: a folder of that
+// name raises 75, as Kill and the save after it would have failed.
+void CheckTargetReplaceable(std::string_view windowsPath);
+
 // The host path an engine is given for a Windows path text.
 std::string EnginePath(std::string_view windowsPath);
 
