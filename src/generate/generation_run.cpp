@@ -108,8 +108,8 @@ bool BackUpTemplate(GenerationRun& run) {
 void GenerationRun::CommitResult() {
   if (!pendingPath.empty()) {
     const std::string path = std::exchange(pendingPath, {});
+    // The working file stays until the run ends: a single-sheet run saves the next page over it.
     SaveAs(path);
-    RemoveWorkingFile();
     return;
   }
   if (workbookPath == templatePath && templateBackup.empty() && !BackUpTemplate(*this)) return;

@@ -38,8 +38,8 @@ struct GenerationRun {
   void Save();
   // Saves the workbook as the working file; CommitResult later puts it at `finalPath`.
   void SaveWorking(const std::string& finalPath, const std::string& pageText = {});
-  // Writes the workbook where it belongs: to its pending path in one replacing step (the working
-  // file then goes), else by a Save where it is. A Save into the template keeps a copy of the
+  // Writes the workbook where it belongs: to its pending path in one replacing step, else by a Save
+  // where it is. A Save into the template keeps a copy of the
   // template first and does not happen when the copy cannot be made.
   void CommitResult();
   void RemoveWorkingFile() const;
