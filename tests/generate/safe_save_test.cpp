@@ -208,6 +208,8 @@ TEST_P(FailedRunTest, LeavesTemplateAndEarlierResultsAsTheyWereAndSaysSo) {
   }
   if (trouble >= Trouble::kFirstWrite) {
     EXPECT_THAT(run.MessageTexts().back(), HasSubstr("disken är full")) << run.MessageTexts().back();
+    // Named as the user knows it, not by the temporary name it is first written under.
+    EXPECT_THAT(run.MessageTexts().back(), ::testing::Not(HasSubstr(".sheetwright-")));
   }
 }
 
