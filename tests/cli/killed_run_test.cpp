@@ -158,8 +158,8 @@ TEST_P(KilledRunTest, LeavesTheOldFilesAndOnlyItsOwnTemporaryFileWhichTheNextRun
 
 INSTANTIATE_TEST_SUITE_P(Modes, KilledRunTest,
                          ::testing::Values(Mode::kNormal, Mode::kSingleSheet, Mode::kDynamic),
-                         [](const auto& info) {
-                           switch (info.param) {
+                         [](const auto& test) {
+                           switch (test.param) {
                              case Mode::kNormal:
                                return std::string("Normal");
                              case Mode::kSingleSheet:

@@ -219,8 +219,8 @@ INSTANTIATE_TEST_SUITE_P(
                        ::testing::Values(Trouble::kTargetIsTheTemplate, Trouble::kCorruptTemplate,
                                          Trouble::kMissingSheet, Trouble::kFirstWrite, Trouble::kMiddleWrite,
                                          Trouble::kLastWrite)),
-    [](const auto& info) {
-      return std::string(ModeName(std::get<0>(info.param))) + "_" + TroubleName(std::get<1>(info.param));
+    [](const auto& test) {
+      return std::string(ModeName(std::get<0>(test.param))) + "_" + TroubleName(std::get<1>(test.param));
     });
 
 TEST(SafeSaveTest, CleanRunsReplaceTheEarlierResultAndLeaveNoTemporaryFile) {
@@ -245,7 +245,9 @@ TEST(SafeSaveTest, CleanRunsReplaceTheEarlierResultAndLeaveNoTemporaryFile) {
         mode == Mode::kSingleSheet ? std::vector<std::string>{"Lista-1.xlsx", "Lista-2.xlsx", "Lista-3.xlsx"}
                                    : std::vector<std::string>{"Lista.xlsx"};
     for (const auto& name : written) EXPECT_TRUE(after.at(name).starts_with("PK")) << name;
-    if (mode == Mode::kSingleSheet) EXPECT_EQ(after.at("Lista.xlsx"), std::string(kOldResult) + "Lista.xlsx");
+    if (mode == Mode::kSingleSheet) {
+      EXPECT_EQ(after.at("Lista.xlsx"), std::string(kOldResult) + "Lista.xlsx");
+    }
   }
 }
 
