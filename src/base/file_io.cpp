@@ -27,4 +27,12 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std:
   return bytes;
 }
 
+std::error_code CopyFileKeepingExisting(const std::filesystem::path& from, const std::filesystem::path& to) {
+  std::error_code error;
+  if (std::filesystem::exists(to, error)) return std::make_error_code(std::errc::file_exists);
+  const auto bytes = ReadWholeFile(from, &error);
+  if (!bytes) return error;
+  return WriteFileAtomically(to, *bytes);
+}
+
 }  // namespace sw::base

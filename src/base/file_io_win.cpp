@@ -1,18 +1,23 @@
 #include <windows.h>
 
-#include <random>
+#include <atomic>
 
 #include "base/file_io.h"
+#include "base/own_temp_files.h"
 
 namespace sw::base {
 
 std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
-  std::random_device random;
-  const auto temp =
-      path.parent_path() / (path.filename().wstring() + L".tmp" + std::to_wstring(GetCurrentProcessId()) +
-                            L"-" + std::to_wstring(random()));
-  HANDLE file =
-      CreateFileW(temp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+  static std::atomic<unsigned> serial{0};
+  std::filesystem::path temp;
+  HANDLE file = INVALID_HANDLE_VALUE;
+  // A file of that name can only be left from an earlier process of the same id: take the next one.
+  for (int attempt = 0; file == INVALID_HANDLE_VALUE && attempt < 100; ++attempt) {
+    const std::string suffix = OwnTempSuffix(++serial);
+    temp = path.parent_path() / (path.filename().wstring() + std::wstring(suffix.begin(), suffix.end()));
+    file = CreateFileW(temp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) break;
+  }
   if (file == INVALID_HANDLE_VALUE) return {static_cast<int>(GetLastError()), std::system_category()};
   std::error_code result;
   for (std::size_t done = 0; done < bytes.size() && !result;) {

@@ -166,6 +166,7 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
   gen::GenerationServices services{
       settings, dialogs, warning, *launcher, {}, std::string(programFolder.begin(), programFolder.end()),
       {},       {}};
+  services.mayWriteIntoTemplate = false;
   gen::GenerationState state;
   const int errorsBefore = dialogs.ErrorsShown();
   const auto outcome = gen::GenerateWorkbook(inputs, definition, state, services);
@@ -177,6 +178,10 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
     if (options.open && !launcher->OpenWithDefaultApplication(path)) {
       err << "Kunde inte öppna " << path << '\n';
     }
+  }
+  if (!outcome.templateBackup.empty()) {
+    err << "Mallens tidigare innehåll finns kvar i "
+        << base::ResolveWindowsPath(outcome.templateBackup).string() << '\n';
   }
   // A run that went on past an error (a page file in use, a page number out of range) has lost pages.
   const bool clean = outcome.completed && dialogs.ErrorsShown() == errorsBefore;

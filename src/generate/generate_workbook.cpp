@@ -2,12 +2,15 @@
 
 #include <string>
 
+#include "base/own_temp_files.h"
 #include "base/strings.h"
+#include "base/windows_path.h"
 #include "excel/application_factory.h"
 #include "generate/fill_pages.h"
 #include "generate/generation_run.h"
 #include "generate/page_text.h"
 #include "generate/run_error.h"
+#include "generate/start_new_page.h"
 #include "template/template_ini.h"
 #include "template/upper_case.h"
 
@@ -154,6 +157,48 @@ bool FindTemplateSheets(GenerationRun& run, const std::string& templatePath) {
   return false;
 }
 
+// Refuses, before anything is touched, a run that would write over the template without a copy of it.
+bool MayWriteWhereTheRunWould(GenerationRun& run, const GenerationInputs& inputs) {
+  if (inputs.singleSheet && run.state.dynamicLength && !run.services.mayWriteIntoTemplate) {
+    run.Tell(
+        "Mallen har dynamisk sidlängd och ger inga sidor att spara var för sig: en fil per sida skulle "
+        "spara över själva mallen.\rGenerera utan en fil per sida.",
+        "Fel", MessageIcon::kExclamation);
+    run.SetMousePointer(MousePointer::kDefault);
+    return false;
+  }
+  if (!inputs.targetPath.empty() && run.IsTheTemplate(inputs.targetPath)) {
+    run.Tell(
+        "Filen " + inputs.targetPath + " är själva mallen och kan inte skrivas över.\rAnge annat filnamn.",
+        "Fel", MessageIcon::kExclamation);
+    run.SetMousePointer(MousePointer::kDefault);
+    return false;
+  }
+  return true;
+}
+
+// The last save of the run. Unlike a rejected cell write, a save that fails loses the result, so it
+// ends the run as a failure whatever its number.
+bool SaveResult(GenerationRun& run) {
+  const std::string pageText = run.pendingPageText;
+  try {
+    run.CommitResult();
+    return true;
+  } catch (const excel::AutomationError& error) {
+    run.resultLost = true;
+    if (run.inputs.singleSheet && !pageText.empty()) {
+      TellPageFileFailure(run, error, pageText);
+    } else if (error.number() == kApplicationDefined) {
+      run.Tell(error.description(), "Filfel", MessageIcon::kCritical);
+      run.SetMousePointer(MousePointer::kDefault);
+    } else {
+      run.TellFailure(error.number(), error.description(),
+                      "Filen används, kan ej skriva över.\rAnge annat filnamn");
+    }
+    return false;
+  }
+}
+
 void WriteCommonTexts(GenerationRun& run) {
   GenerationState& state = run.state;
   ResumeOn1004([&] { state.currentSheet = state.workbook.Worksheets().Item(state.commonSheetIndex); });
@@ -177,7 +222,13 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templ::TemplateDefinition
   for (std::size_t i = 0; i < definition.CommonFields.size(); ++i) {
     definition.CommonFields[i].Value = i < inputs.fieldTexts.size() ? inputs.fieldTexts[i] : std::string();
   }
-  if (!inputs.targetPath.empty()) DeleteFileIfPresent(inputs.targetPath);
+  run.templatePath = inputs.templateFolder + "\\" + inputs.templateFile;
+  if (!MayWriteWhereTheRunWould(run, inputs)) return;
+  if (!inputs.targetPath.empty()) {
+    CheckTargetReplaceable(inputs.targetPath);
+    base::RemoveAbandonedTempFiles(base::ResolveWindowsPath(inputs.targetPath).parent_path());
+  }
+  run.workingPath = inputs.targetPath + base::OwnTempSuffix();
 
   // The objects of an earlier run belong to the application being replaced.
   state.currentSheet = excel::Sheet();
@@ -191,7 +242,7 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templ::TemplateDefinition
   state.pageNoLen = Int16(CharacterCount(inputs.sheetNumberText));
   state.rowsOnPage = 0;
 
-  const std::string templatePath = inputs.templateFolder + "\\" + inputs.templateFile;
+  const std::string& templatePath = run.templatePath;
   if (!FindTemplateSheets(run, templatePath)) return;
 
   ResumeOn1004([&] { state.workbook.Close(false); });
@@ -204,7 +255,7 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templ::TemplateDefinition
   run.workbookPath = templatePath;
   if (!inputs.singleSheet) {
     try {
-      run.SaveAs(inputs.targetPath);
+      run.SaveWorking(inputs.targetPath);
     } catch (const excel::AutomationError& error) {
       if (error.number() != kApplicationDefined) throw;
       // Going on would end in Save writing the filled workbook over the template itself.
@@ -216,10 +267,10 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templ::TemplateDefinition
 
   WriteCommonTexts(run);
   FillPages(run);
-  ResumeOn1004([&] { run.Save(); });
+  if (!SaveResult(run)) return;
   ResumeOn1004([&] { excel.SetVisible(true); });
   run.SetMousePointer(MousePointer::kDefault);
-  outcome.completed = true;
+  outcome.completed = !run.resultLost;
 }
 
 }  // namespace
@@ -250,7 +301,9 @@ GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templ::TemplateDefi
     // any unexpected error instead of ending the program.
     run.TellFailure(51, error.what(), "");
   }
+  run.RemoveWorkingFile();
   outcome.savedFiles = std::move(run.savedFiles);
+  outcome.templateBackup = std::move(run.templateBackup);
   return outcome;
 }
 

@@ -51,12 +51,18 @@ struct GenerationServices {
   // The window routines' top-level-window lookup, called with the program's title when a page file
   // is in use; its answer is not used. Optional.
   std::function<void(std::string_view)> findTopLevelWindow;
+  // Whether a run may save into the template itself (after keeping a copy of it), as the window's
+  // single-sheet mode does with a dynamic-length template. The command line has no switch the
+  // template could turn off, so there such a run is refused instead.
+  bool mayWriteIntoTemplate = true;
 };
 
 struct GenerationOutcome {
   bool completed = false;  // the run got to its end; false when it stopped on a message or a choice
   // Every workbook file written, in the order first written, as the program names them.
   std::vector<std::string> savedFiles;
+  // Where the template's previous content was kept before the run wrote into it; empty when it did not.
+  std::string templateBackup;
 };
 
 // The target dialog's filter for a template extension ("xlsx" → "(Kalkylblad *.xlsx)|*.xlsx").

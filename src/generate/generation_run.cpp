@@ -1,7 +1,12 @@
 #include "generate/generation_run.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <utility>
 
+#include "base/file_identity.h"
+#include "base/file_io.h"
+#include "base/windows_path.h"
 #include "generate/run_error.h"
 
 namespace sw::gen {
@@ -48,9 +53,96 @@ void GenerationRun::SaveAs(const std::string& path) {
 
 void GenerationRun::Save() {
   state.workbook.Save();
+  if (workbookPath == workingPath) return;
   if (std::find(savedFiles.begin(), savedFiles.end(), workbookPath) == savedFiles.end()) {
     savedFiles.push_back(workbookPath);
   }
+}
+
+void GenerationRun::SaveWorking(const std::string& finalPath, const std::string& pageText) {
+  const std::string working = EnginePath(workingPath);
+  try {
+    state.workbook.SaveAs(working);
+  } catch (const excel::AutomationError& error) {
+    // The user knows the file asked for, not the temporary name it is written under first.
+    std::string description = error.description();
+    if (const auto at = description.find(working); at != std::string::npos) {
+      description.replace(at, working.size(), EnginePath(finalPath));
+    }
+    throw excel::AutomationError(error.number(), std::move(description));
+  }
+  workbookPath = workingPath;
+  pendingPath = finalPath;
+  pendingPageText = pageText;
+}
+
+namespace {
+
+// Keeps the template's bytes under a name beside it that says what it is; false when that fails.
+bool BackUpTemplate(GenerationRun& run) {
+  const std::filesystem::path source = base::ResolveWindowsPath(run.templatePath);
+  std::error_code error;
+  // Nothing on disk to keep (the engine holds the template elsewhere): nothing is lost either.
+  if (!std::filesystem::is_regular_file(source, error)) return true;
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+#ifdef _WIN32
+  localtime_s(&local, &now);
+#else
+  localtime_r(&now, &local);
+#endif
+  const std::string name = TemplateBackupName(run.inputs.templateFile, local);
+  std::string shown = run.inputs.templateFolder + "\\" + name;
+  std::filesystem::path backup =
+      source.parent_path() / std::filesystem::path(std::u8string(name.begin(), name.end()));
+  for (int n = 2; std::filesystem::exists(backup, error) && n < 100; ++n) {
+    const std::string numbered =
+        name.substr(0, name.rfind(')')) + " " + std::to_string(n) + name.substr(name.rfind(')'));
+    shown = run.inputs.templateFolder + "\\" + numbered;
+    backup = source.parent_path() / std::filesystem::path(std::u8string(numbered.begin(), numbered.end()));
+  }
+  if (base::CopyFileKeepingExisting(source, backup)) {
+    run.Tell("Mallen " + run.templatePath +
+                 " skulle ha sparats över, men det gick inte att spara en kopia av "
+                 "den först.\rMallen har lämnats orörd.",
+             "Filfel", base::MessageIcon::kCritical);
+    run.resultLost = true;
+    return false;
+  }
+  run.templateBackup = shown;
+  return true;
+}
+
+}  // namespace
+
+void GenerationRun::CommitResult() {
+  if (!pendingPath.empty()) {
+    const std::string path = std::exchange(pendingPath, {});
+    // The working file stays until the run ends: a single-sheet run saves the next page over it.
+    SaveAs(path);
+    return;
+  }
+  if (workbookPath == templatePath && templateBackup.empty() && !BackUpTemplate(*this)) return;
+  Save();
+}
+
+void GenerationRun::RemoveWorkingFile() const {
+  if (workingPath.empty()) return;
+  std::error_code error;
+  std::filesystem::remove(base::ResolveWindowsPath(workingPath), error);
+}
+
+bool GenerationRun::IsTheTemplate(std::string_view path) const {
+  return base::SameFile(base::ResolveWindowsPath(path), base::ResolveWindowsPath(templatePath));
+}
+
+std::string TemplateBackupName(std::string_view templateFile, const std::tm& localTime) {
+  const auto dot = templateFile.rfind('.');
+  const std::string_view stem = dot == std::string_view::npos ? templateFile : templateFile.substr(0, dot);
+  const std::string_view extension = dot == std::string_view::npos ? "" : templateFile.substr(dot);
+  char stamp[32];
+  std::strftime(stamp, sizeof stamp, "%Y-%m-%d %H.%M.%S", &localTime);
+  return std::string(stem) + " (kopia före körning " + stamp + ")" + std::string(extension);
 }
 
 int FirstDataColumn(const templ::TemplateDefinition& definition) {

@@ -1,7 +1,9 @@
 #pragma once
 // What the parts of one generation run share: the driver builds it, pagination and page creation
 // work on it.
+#include <ctime>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "generate/generate_workbook.h"
@@ -16,6 +18,14 @@ struct GenerationRun {
   std::string pageFileExtension;  // "." and the template's lower-case extension
   std::string workbookPath;       // where a Save of the working workbook writes (as the program names it)
   std::vector<std::string> savedFiles;
+  std::string templatePath;  // the template workbook, as the program names it
+  // The workbook is saved as the program's own file beside its target until it is complete, so a
+  // failed or killed run never leaves the user with less than the old target.
+  std::string workingPath;
+  std::string pendingPath;      // where the working workbook goes once complete; empty: nowhere yet
+  std::string pendingPageText;  // single-sheet runs: the page that pendingPath is the file of
+  std::string templateBackup;   // where the template's content was kept before a save into it
+  bool resultLost = false;      // a result file could not be written
 
   excel::Application& Excel() const;
   void SetMousePointer(MousePointer pointer) const;
@@ -26,7 +36,20 @@ struct GenerationRun {
   // Workbook.SaveAs and Workbook.Save on the working workbook, noting the file written.
   void SaveAs(const std::string& path);
   void Save();
+  // Saves the workbook as the working file; CommitResult later puts it at `finalPath`.
+  void SaveWorking(const std::string& finalPath, const std::string& pageText = {});
+  // Writes the workbook where it belongs: to its pending path in one replacing step, else by a Save
+  // where it is. A Save into the template keeps a copy of the
+  // template first and does not happen when the copy cannot be made.
+  void CommitResult();
+  void RemoveWorkingFile() const;
+  // Whether `path` reaches the template's file, found as the program finds files.
+  bool IsTheTemplate(std::string_view path) const;
 };
+
+// The file name that keeps a template's content before a run writes into it, for a run started at
+// `localTime` ("Lista (kopia före körning 2026-11-23 11.40.07).xlsx").
+std::string TemplateBackupName(std::string_view templateFile, const std::tm& localTime);
 
 // The first COLUMNS entry; error 9 when the template gave none.
 int FirstDataColumn(const templ::TemplateDefinition& definition);

@@ -52,24 +52,10 @@ std::int16_t StartNumberValue(std::string_view text) {
   return Int16(negative ? -value : value);
 }
 
-void DeleteFileIfPresent(std::string_view windowsPath) {
-  const auto path = base::ResolveWindowsPath(windowsPath);
+void CheckTargetReplaceable(std::string_view windowsPath) {
   std::error_code error;
-  // Kill finds no file in a folder of that name; saving there later would fail and leave the filled
-  // workbook to be saved over the template, so the run stops here with the access error.
-  if (std::filesystem::is_directory(path, error)) RaiseRunError(kPathFileAccess);
-  if (!std::filesystem::is_regular_file(path, error)) return;
-  if (std::filesystem::remove(path, error) || !error) return;
-  using std::errc;
-  for (const errc inUse :
-       {errc::permission_denied, errc::operation_not_permitted, errc::device_or_resource_busy,
-        errc::read_only_file_system, errc::text_file_busy}) {
-    if (error == inUse) RaiseRunError(kPermissionDenied);
-  }
-  for (const errc unreachable : {errc::no_such_device, errc::no_such_device_or_address, errc::io_error}) {
-    if (error == unreachable) RaiseRunError(kDeviceUnavailable);
-  }
-  RaiseRunError(kPathFileAccess);
+  if (std::filesystem::is_directory(base::ResolveWindowsPath(windowsPath), error))
+    RaiseRunError(kPathFileAccess);
 }
 
 std::string EnginePath(std::string_view windowsPath) {

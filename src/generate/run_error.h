@@ -1,6 +1,6 @@
 #pragma once
 // Run-time errors of a generation run. The program's own failures (a start number that is no number,
-// a page number past 32767, a file that cannot be deleted) are raised as excel::AutomationError with
+// a page number past 32767, a folder where the target should be) are raised as excel::AutomationError with
 // the number VB gives them, so one handler tells every failure apart by number, Excel's and ours.
 #include <cstdint>
 #include <string>
@@ -49,9 +49,9 @@ std::int16_t Int16(long long value);
 // Anything else raises error 13, a number outside the 16-bit range error 6.
 std::int16_t StartNumberValue(std::string_view text);
 
-// Deletes the file at `windowsPath` when one is there, raising 70 when it is in use or protected,
-// 68 when its device cannot be reached and 75 for any other refusal.
-void DeleteFileIfPresent(std::string_view windowsPath);
+// A run replaces the file at `windowsPath` only at its end; what it checks before: a folder of that
+// name raises 75, as Kill and the save after it would have failed.
+void CheckTargetReplaceable(std::string_view windowsPath);
 
 // The host path an engine is given for a Windows path text.
 std::string EnginePath(std::string_view windowsPath);

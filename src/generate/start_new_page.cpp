@@ -9,14 +9,45 @@
 namespace sw::gen {
 namespace {
 
-void MakePageFile(GenerationRun& run, const std::string& pageText) {
+std::string PageFileInUseText(const GenerationRun& run, const std::string& pageText) {
+  // ".xls " whatever the template's type: the message has always read so.
+  return "Filen " + run.state.baseFileName + "-" + pageText + ".xls " +
+         "används och kan ej skrivas över.\rAnge annat filnamn.";
+}
+
+// The previous page's file is written when the next page starts. One that cannot be written is told
+// and lost; the new page still gets its own file.
+void SavePreviousPage(GenerationRun& run) {
+  const std::string pageText = run.pendingPageText;
+  try {
+    run.CommitResult();
+  } catch (const excel::AutomationError& error) {
+    run.resultLost = true;
+    TellPageFileFailure(run, error, pageText);
+  }
+}
+
+bool MakePageFile(GenerationRun& run, const std::string& pageText) {
   GenerationState& state = run.state;
   const templ::TemplateDefinition& definition = run.definition;
   excel::Application& excel = run.Excel();
-  if (state.singleSheetSavePending) ResumeOn1004([&] { run.Save(); });
+  if (state.singleSheetSavePending) SavePreviousPage(run);
   const std::string pagePath = state.baseFileName + "-" + pageText + run.pageFileExtension;
-  ResumeOn1004([&] { DeleteFileIfPresent(pagePath); });
-  ResumeOn1004([&] { run.SaveAs(pagePath); });
+  if (run.IsTheTemplate(pagePath)) {
+    run.resultLost = true;
+    run.Tell("Filen " + pagePath + " är själva mallen och kan inte skrivas över.\rAnge annat filnamn.", "Fel",
+             base::MessageIcon::kExclamation);
+    return false;
+  }
+  CheckTargetReplaceable(pagePath);
+  try {
+    run.SaveWorking(pagePath, pageText);
+  } catch (const excel::AutomationError& error) {
+    if (error.number() != kApplicationDefined) throw;
+    run.resultLost = true;
+    run.Tell(error.description(), "Filfel", base::MessageIcon::kCritical);
+    return false;
+  }
   ResumeOn1004([&] { state.currentSheet = state.workbook.Worksheets().Item(state.templateSheetIndex); });
   ResumeOn1004([&] { excel.Sheets().Item(state.templateSheetIndex).SetName(pageText); });
   // A skip-marker column cannot be selected; its ClearContents then clears the previous column again.
@@ -29,6 +60,7 @@ void MakePageFile(GenerationRun& run, const std::string& pageText) {
   }
   ResumeOn1004([&] { state.currentSheet.Cells(definition.StartRow, FirstDataColumn(definition)).Select(); });
   state.singleSheetSavePending = true;
+  return true;
 }
 
 void AppendPageSheet(GenerationRun& run, const std::string& pageText) {
@@ -56,7 +88,10 @@ void StartNewPage(GenerationRun& run, std::string_view location) {
     ResumeOn1004([&] { excel.Sheets().Item(state.templateSheetIndex).Select(); });
 
     if (run.inputs.singleSheet) {
-      MakePageFile(run, pageText);
+      if (!MakePageFile(run, pageText)) {
+        run.SetMousePointer(MousePointer::kDefault);
+        return;
+      }
     } else {
       AppendPageSheet(run, pageText);
     }
@@ -73,13 +108,23 @@ void StartNewPage(GenerationRun& run, std::string_view location) {
     ResumeOn1004([&] { sheet.Cells(definition.NextSheetRow, definition.NextSheetCol).SetValue(nextText); });
     state.rowsOnPage = 0;
   } catch (const excel::AutomationError& error) {
+    if (run.inputs.singleSheet) run.resultLost = true;
     if (error.number() == kPermissionDenied && run.services.findTopLevelWindow)
       run.services.findTopLevelWindow(base::kApplicationTitle);
-    // ".xls " whatever the template's type: the message has always read so.
-    run.TellFailure(error.number(), error.description(),
-                    "Filen " + run.state.baseFileName + "-" + pageText + ".xls " +
-                        "används och kan ej skrivas över.\rAnge annat filnamn.");
+    run.TellFailure(error.number(), error.description(), PageFileInUseText(run, pageText));
   }
+}
+
+void TellPageFileFailure(GenerationRun& run, const excel::AutomationError& error,
+                         const std::string& pageText) {
+  if (error.number() == kApplicationDefined) {
+    run.Tell(error.description(), "Filfel", base::MessageIcon::kCritical);
+    run.SetMousePointer(MousePointer::kDefault);
+    return;
+  }
+  if (error.number() == kPermissionDenied && run.services.findTopLevelWindow)
+    run.services.findTopLevelWindow(base::kApplicationTitle);
+  run.TellFailure(error.number(), error.description(), PageFileInUseText(run, pageText));
 }
 
 }  // namespace sw::gen

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/own_temp_files.h"
 #include "generate/page_count.h"
 #include "generate/page_text.h"
 #include "generation_fixture.h"
@@ -40,6 +41,11 @@ std::vector<std::string> RowLines(int sheet, int row, int n) {
           cells + ", 4).Value = \"M" + i + "\""};
 }
 
+// The save of the working copy beside `target`, under the program's own temporary name.
+std::string SaveWorking(const std::string& target) {
+  return "SaveAs \"" + target + base::OwnTempSuffix() + "\"";
+}
+
 void Append(std::vector<std::string>& lines, const std::vector<std::string>& more) {
   lines.insert(lines.end(), more.begin(), more.end());
 }
@@ -58,7 +64,7 @@ TEST_F(GenerateWorkbookTest, NormalRunMakesThreePagesInOneWorkbook) {
                                        "Close SaveChanges:=False",
                                        "Visible = True",
                                        "Workbooks.Open \"data/generation/Lista.xlsx\", True",
-                                       "SaveAs \"/R/Lista.xlsx\"",
+                                       SaveWorking("/R/Lista.xlsx"),
                                        "Sheets(1).Cells(1, 2).Value = \"Pumpstation Norra\"",
                                        "Sheets(1).Cells(2, 2).Value = \"Kraftbolaget AB\"",
                                        "Sheets(1).Cells(3, 2).Value = \"AB\""};
@@ -68,7 +74,7 @@ TEST_F(GenerateWorkbookTest, NormalRunMakesThreePagesInOneWorkbook) {
   for (int n = 4; n <= 6; ++n) Append(expected, RowLines(4, 6 + n, n));
   Append(expected, PageLines(5, "3", "4", "+A1"));
   Append(expected, RowLines(5, 10, 7));
-  Append(expected, {"Sheets(5).Cells(2, 6).Value = \"-\"", "Save", "Visible = True"});
+  Append(expected, {"Sheets(5).Cells(2, 6).Value = \"-\"", "SaveAs \"/R/Lista.xlsx\"", "Visible = True"});
   EXPECT_EQ(recording.lines(), expected);
 
   EXPECT_TRUE(outcome.completed);
@@ -177,7 +183,7 @@ TEST_F(GenerateWorkbookTest, SingleSheetRunWritesOneFilePerPageAndNeverTheTarget
       "Workbooks.Open \"data/generation/Lista.xlsx\", True", "Sheets(1).Cells(1, 2).Value = \"\"",
       "Sheets(1).Cells(2, 2).Value = \"Kraftbolaget AB\"", "Sheets(1).Cells(3, 2).Value = \"AB\"",
       // page 1
-      "Sheets(2).Select", "SaveAs \"/R/Lista-1.xlsx\"", "Sheets(2).Name = \"1\"",
+      "Sheets(2).Select", SaveWorking("/R/Lista.xlsx"), "Sheets(2).Name = \"1\"",
       "Sheets(2).Range(Cells(10, 1), Cells(12, 1)).Select", "Selection.ClearContents",
       "Sheets(2).Range(Cells(10, 2), Cells(12, 2)).Select", "Selection.ClearContents",
       "Selection.ClearContents",  // the "!" column cannot be selected; the previous one is cleared again
@@ -188,15 +194,16 @@ TEST_F(GenerateWorkbookTest, SingleSheetRunWritesOneFilePerPageAndNeverTheTarget
       "Sheets(2).Cells(10, 4).Value = \"M1\"", "Sheets(2).Cells(11, 1).Value = \"W2\"",
       "Sheets(2).Cells(11, 2).Value = \"X2\"", "Sheets(2).Cells(11, 4).Value = \"M2\"",
       // page 2: the previous page's file is saved first
-      "Sheets(2).Select", "Save", "SaveAs \"/R/Lista-2.xlsx\"", "Sheets(2).Name = \"2\"",
-      "Sheets(2).Range(Cells(10, 1), Cells(12, 1)).Select", "Selection.ClearContents",
-      "Sheets(2).Range(Cells(10, 2), Cells(12, 2)).Select", "Selection.ClearContents",
-      "Selection.ClearContents", "Sheets(2).Range(Cells(10, 4), Cells(12, 4)).Select",
-      "Selection.ClearContents", "Sheets(2).Cells(10, 1).Select", "Sheets(2).Cells(2, 2).Value = \"+A2\"",
+      "Sheets(2).Select", "SaveAs \"/R/Lista-1.xlsx\"", SaveWorking("/R/Lista.xlsx"),
+      "Sheets(2).Name = \"2\"", "Sheets(2).Range(Cells(10, 1), Cells(12, 1)).Select",
+      "Selection.ClearContents", "Sheets(2).Range(Cells(10, 2), Cells(12, 2)).Select",
+      "Selection.ClearContents", "Selection.ClearContents",
+      "Sheets(2).Range(Cells(10, 4), Cells(12, 4)).Select", "Selection.ClearContents",
+      "Sheets(2).Cells(10, 1).Select", "Sheets(2).Cells(2, 2).Value = \"+A2\"",
       "Sheets(2).Cells(1, 6).Value = \"2\"", "Sheets(2).Cells(2, 6).Value = \"3\"",
       "Sheets(2).Cells(10, 1).Value = \"W3\"", "Sheets(2).Cells(10, 2).Value = \"X3\"",
-      "Sheets(2).Cells(10, 4).Value = \"M3\"", "Sheets(2).Cells(2, 6).Value = \"-\"", "Save",
-      "Visible = True"};
+      "Sheets(2).Cells(10, 4).Value = \"M3\"", "Sheets(2).Cells(2, 6).Value = \"-\"",
+      "SaveAs \"/R/Lista-2.xlsx\"", "Visible = True"};
   EXPECT_EQ(recording.lines(), expected);
   EXPECT_TRUE(outcome.completed);
   EXPECT_THAT(outcome.savedFiles, ElementsAre("/R/Lista-1.xlsx", "/R/Lista-2.xlsx"));
@@ -236,7 +243,7 @@ TEST_F(GenerateWorkbookTest, DynamicRunFillsTheCommonSheetWithBreaksBeforeEachLa
       "CreateObject(\"Excel.Application\")", "Visible = True",
       "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=True", "Sheets.Count", "Sheets(1).Name",
       "Sheets(2).Name", "Close SaveChanges:=False", "Visible = True",
-      "Workbooks.Open \"data/generation/Lista.xlsx\", True", "SaveAs \"/R/Lista.xlsx\"",
+      "Workbooks.Open \"data/generation/Lista.xlsx\", True", SaveWorking("/R/Lista.xlsx"),
       "Sheets(1).Cells(1, 2).Value = \"\"", "Sheets(1).Cells(10, 1).Value = \"W1\"",
       "Sheets(1).Cells(10, 2).Value = \"X1\"", "Sheets(1).Cells(10, 4).Value = \"M1\"",
       "Sheets(1).Cells(11, 1).Value = \"W2\"", "Sheets(1).Cells(11, 2).Value = \"X2\"",
@@ -255,8 +262,8 @@ TEST_F(GenerateWorkbookTest, DynamicRunFillsTheCommonSheetWithBreaksBeforeEachLa
       "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(16, 2).Select",
       "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(16, 3).Select",
       "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(16, 4).Select",
-      "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(10, 1).Select", "CutCopyMode = False", "Save",
-      "Visible = True"};
+      "Selection.Borders(9).Weight = -4138", "Sheets(1).Cells(10, 1).Select", "CutCopyMode = False",
+      "SaveAs \"/R/Lista.xlsx\"", "Visible = True"};
   EXPECT_EQ(recording.lines(), expected);
   EXPECT_TRUE(outcome.completed);
   EXPECT_TRUE(state.dynamicLength);
@@ -419,17 +426,19 @@ TEST_F(GenerateWorkbookTest, PageFileInUseIsToldAndTheRunGoesOn) {
   inputs.targetPath = "";
   std::vector<std::string> lookups;
   services.findTopLevelWindow = [&](std::string_view title) { lookups.emplace_back(title); };
-  recording.FailCall("SaveAs", 2, 70);
+  // Saves: page 1's working copy, page 1's file, page 2's working copy, page 2's file, ...
+  recording.FailCall("SaveAs", 4, 70);
   const auto outcome = Generate();
 
   EXPECT_THAT(
       MessageTexts(),
       ElementsAre("Filfel: Filen /R/Lista-2.xls används och kan ej skrivas över.\rAnge annat filnamn."));
   EXPECT_THAT(lookups, ElementsAre("Sheetwright"));
-  EXPECT_TRUE(outcome.completed);
-  // Page 2's rows went on into the workbook still named after page 1's file; page 3 got its own file.
+  // A page lost is no success, though the pages after it still get their files.
+  EXPECT_FALSE(outcome.completed);
   EXPECT_THAT(outcome.savedFiles, ElementsAre("/R/Lista-1.xlsx", "/R/Lista-3.xlsx"));
-  EXPECT_EQ(recording.files().at("/R/Lista-1.xlsx").Find("1")->cells.at({11, 1}), "W2");
+  EXPECT_EQ(recording.files().at("/R/Lista-1.xlsx").Find("1")->cells.count({11, 1}), 0u);
+  EXPECT_EQ(recording.files().at("/R/Lista-3.xlsx").Find("3")->cells.at({10, 1}), "W3");
   EXPECT_EQ(pointers.back(), MousePointer::kDefault);
 }
 

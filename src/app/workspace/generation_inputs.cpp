@@ -23,6 +23,9 @@ gen::GenerationOutcome GenerateFromWorkspace(Workspace& window, gen::GenerationS
   auto outcome = gen::GenerateWorkbook(inputs, window.definition, state, services);
   window.sheetNo.SetText(inputs.sheetNumberText);
   window.txtExcelFilename = inputs.targetPath;
+  window.statusText = outcome.templateBackup.empty()
+                          ? std::string()
+                          : "Mallens tidigare innehåll finns kvar i " + outcome.templateBackup;
   return outcome;
 }
 

@@ -51,6 +51,7 @@ class Workspace {
   discovery::ComboPicker sheetNo;   // cboSheetNo: first sheet number
   templ::FieldPanel fields;         // lblField / txtField
   std::string txtExcelFilename;     // the last generated workbook's path
+  std::string statusText;           // status bar: where a run kept the template before writing into it
   bool includeEmptyRows = false;    // command 305 checked
   bool useSlashTwo = false;         // command 306 checked
   bool singleSheet = false;         // command 707 checked; stored, by design not restored at start

@@ -44,6 +44,9 @@ std::string Extension(const std::string& path) {
       error == std::errc::io_error) {
     throw AutomationError(kDeviceUnavailable, DefaultErrorText(kDeviceUnavailable) + ": " + path);
   }
+  if (writing && error == std::errc::no_space_on_device) {
+    Rejected("Det går inte att spara filen " + path + ": disken är full.");
+  }
   if (writing) Rejected("Det går inte att spara filen " + path + ".");
   Rejected("Det går inte att hitta filen " + path + ".");
 }
@@ -101,7 +104,8 @@ struct PackageEngine::Book {
   std::map<std::tuple<int, int, int>, int> borderedFormats;  // (xf, edge, weight) -> new xf
 };
 
-PackageEngine::PackageEngine() = default;
+PackageEngine::PackageEngine(base::FileWriter writer)
+    : writer_(writer ? std::move(writer) : base::FileWriter(base::WriteFileAtomically)) {}
 PackageEngine::~PackageEngine() = default;
 
 PackageEngine::Book& PackageEngine::FindBook(WorkbookId id) {
@@ -232,7 +236,7 @@ void PackageEngine::WriteTo(Book& book, const std::string& path) {
   if (!std::filesystem::is_directory(target.parent_path().empty() ? "." : target.parent_path(), error)) {
     Rejected("Det går inte att komma åt mappen för " + path + ".");
   }
-  if (const auto written = base::WriteFileAtomically(target, bytes)) ThrowFileError(written, path, true);
+  if (const auto written = writer_(target, bytes)) ThrowFileError(written, path, true);
 }
 
 std::string PackageEngine::SaveToBytes(WorkbookId workbook, std::string_view extension) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/file_io.h"
 #include "excel/engine.h"
 
 namespace sw::excel {
@@ -15,7 +16,8 @@ class WorkbookDocument;
 
 class PackageEngine final : public Engine {
  public:
-  PackageEngine();
+  // Every file is written through `writer` (by default base::WriteFileAtomically).
+  explicit PackageEngine(base::FileWriter writer = {});
   ~PackageEngine() override;
 
   // Opens package bytes held in memory as a workbook named `fullName` (nothing is read from disk).
@@ -75,6 +77,7 @@ class PackageEngine final : public Engine {
   WorkbookId lastId_ = 0;
   std::optional<RangeRef> clipboard_;
   bool visible_ = false;
+  base::FileWriter writer_;
 };
 
 }  // namespace sw::excel

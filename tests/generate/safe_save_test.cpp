@@ -1,0 +1,296 @@
+// What a run leaves on disk when it cannot finish: the template and any earlier result byte for byte
+// as they were, no temporary file, and a failure the user is told of. The package engine works on real
+// files in a fresh folder; its writes fail on cue through the file-writer seam.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "base/file_io.h"
+#include "base/own_temp_files.h"
+#include "base/windows_path.h"
+#include "excel/package/package_engine.h"
+#include "generation_fixture.h"
+#include "temp_dir.h"
+
+namespace sw::gen {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+
+enum class Mode { kNormal, kSingleSheet, kDynamic };
+
+const char* ModeName(Mode mode) {
+  switch (mode) {
+    case Mode::kNormal:
+      return "Normal";
+    case Mode::kSingleSheet:
+      return "SingleSheet";
+    case Mode::kDynamic:
+      return "Dynamic";
+  }
+  return "";
+}
+
+constexpr const char* kOldResult = "det förra resultatet, som ingen körning får förstöra";
+
+// The files of a folder with their bytes.
+std::map<std::string, std::string> Snapshot(const fs::path& folder) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    files[entry.path().filename().string()] = *base::ReadWholeFile(entry.path());
+  }
+  return files;
+}
+
+bool HasOwnTempFile(const fs::path& folder) {
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    if (base::OwnTempFileProcess(entry.path().filename().string()) != 0) return true;
+  }
+  return false;
+}
+
+class SafeSaveRun : public GenerationFixture {
+ public:
+  explicit SafeSaveRun(Mode mode) {
+    templates = folder.path() / "Mallar";
+    results = folder.path() / "Ut";
+    fs::create_directories(templates);
+    fs::create_directories(results);
+    fs::copy_file(testing::DataFile("templates/title_block.xlsx"), templates / "Lista.xlsx");
+    const char* ini = mode == Mode::kDynamic ? "generation/dynamic.ini" : "generation/three_rows.ini";
+    fs::copy_file(testing::DataFile(ini), templates / "Lista.ini");
+    // An earlier result and, for single-sheet runs, earlier page files.
+    for (const char* name : {"Lista.xlsx", "Lista-1.xlsx", "Lista-2.xlsx", "Lista-3.xlsx"}) {
+      folder.Write(std::string("Ut/") + name, std::string(kOldResult) + name);
+    }
+    inputs.templateFolder = templates.string();
+    inputs.templateFile = "Lista.xlsx";
+    inputs.singleSheet = mode == Mode::kSingleSheet;
+    dialogs.fileAnswers = {(results / "Lista.xlsx").string()};
+    UseTemplateIni();
+    AddPlacement("+A1", 1, 7);  // three pages of three rows
+    services.createExcel = [this] {
+      return std::make_unique<excel::Application>(std::make_unique<excel::PackageEngine>(
+          [this](const fs::path& path, std::string_view bytes) { return Write(path, bytes); }));
+    };
+  }
+
+  void UseTemplateIni() {
+    const std::string iniPath = (templates / "Lista.ini").string();
+    templ::FieldPanel fields;
+    testing::ScriptedDialogs quiet;
+    definition = {};
+    templ::ReadCommonFields(iniPath, definition, fields, table, quiet,
+                            [] { return std::string("2026-11-20"); });
+    definition.IniPath = iniPath;
+    inputs.fieldTexts.clear();
+    for (const auto& entry : fields.entries) inputs.fieldTexts.push_back(entry.text);
+  }
+
+  std::error_code Write(const fs::path& path, std::string_view bytes) {
+    ++writes;
+    if (writes == failingWrite) return std::make_error_code(std::errc::no_space_on_device);
+    return base::WriteFileAtomically(path, bytes);
+  }
+
+  testing::TempDir folder;
+  fs::path templates;
+  fs::path results;
+  int writes = 0;
+  int failingWrite = 0;  // 0: none fails
+};
+
+// How many files a clean run of `mode` writes.
+int WritesOfACleanRun(Mode mode) {
+  SafeSaveRun run(mode);
+  EXPECT_TRUE(run.Generate().completed) << ::testing::PrintToString(run.MessageTexts());
+  return run.writes;
+}
+
+enum class Trouble {
+  kTargetIsTheTemplate,
+  kCorruptTemplate,
+  kMissingSheet,
+  kFirstWrite,
+  kMiddleWrite,
+  kLastWrite
+};
+
+const char* TroubleName(Trouble trouble) {
+  switch (trouble) {
+    case Trouble::kTargetIsTheTemplate:
+      return "TargetIsTheTemplate";
+    case Trouble::kCorruptTemplate:
+      return "CorruptTemplate";
+    case Trouble::kMissingSheet:
+      return "MissingSheet";
+    case Trouble::kFirstWrite:
+      return "FirstWriteFails";
+    case Trouble::kMiddleWrite:
+      return "MiddleWriteFails";
+    case Trouble::kLastWrite:
+      return "LastWriteFails";
+  }
+  return "";
+}
+
+class FailedRunTest : public ::testing::TestWithParam<std::tuple<Mode, Trouble>> {};
+
+TEST_P(FailedRunTest, LeavesTemplateAndEarlierResultsAsTheyWereAndSaysSo) {
+  const auto [mode, trouble] = GetParam();
+  const int cleanWrites = trouble >= Trouble::kFirstWrite ? WritesOfACleanRun(mode) : 0;
+  SafeSaveRun run(mode);
+  switch (trouble) {
+    case Trouble::kTargetIsTheTemplate:
+      // Another spelling of the template's name, which the program's name lookup leads to the template.
+      run.dialogs.fileAnswers = {(run.templates / "lista.XLSX").string()};
+      break;
+    case Trouble::kCorruptTemplate: {
+      std::string bytes = *base::ReadWholeFile(run.templates / "Lista.xlsx");
+      bytes.resize(bytes.size() / 3);
+      run.folder.Write("Mallar/Lista.xlsx", bytes);
+      break;
+    }
+    case Trouble::kMissingSheet:
+      run.definition.TemplateSheetName = "Saknas";
+      run.folder.Write(
+          "Mallar/Lista.ini",
+          "[Tabs]\nTemplate=Saknas\nCommon=Common\n[Sheet]\nSHEETNO=F1\nNEXTSHEET=F2\nLOCATION=B2\n"
+          "STARTROW=10\nENDROW=12\nCOLUMNS=A,B,!,D\n" +
+              std::string(mode == Mode::kDynamic ? "INFINITE=1\n" : ""));
+      break;
+    case Trouble::kFirstWrite:
+      run.failingWrite = 1;
+      break;
+    case Trouble::kMiddleWrite:
+      run.failingWrite = (cleanWrites + 1) / 2;
+      break;
+    case Trouble::kLastWrite:
+      run.failingWrite = cleanWrites;
+      break;
+  }
+  const auto templatesBefore = Snapshot(run.templates);
+  const auto resultsBefore = Snapshot(run.results);
+
+  const auto outcome = run.Generate();
+
+  EXPECT_FALSE(outcome.completed);
+  ASSERT_FALSE(run.dialogs.messages.empty());
+  EXPECT_THAT(run.dialogs.messages.back().title, ::testing::AnyOf("Fel", "Filfel", ""));
+  EXPECT_EQ(Snapshot(run.templates), templatesBefore);
+  EXPECT_TRUE(outcome.templateBackup.empty());
+  EXPECT_FALSE(HasOwnTempFile(run.results));
+  // Every earlier file is as it was, unless the run reports it written anew (a page file it finished).
+  const auto resultsAfter = Snapshot(run.results);
+  for (const auto& [name, bytes] : resultsBefore) {
+    const std::string path = (run.results / name).string();
+    const bool rewritten =
+        std::find(outcome.savedFiles.begin(), outcome.savedFiles.end(), path) != outcome.savedFiles.end();
+    ASSERT_TRUE(resultsAfter.contains(name)) << name;
+    if (rewritten) {
+      EXPECT_TRUE(resultsAfter.at(name).starts_with("PK")) << name;
+    } else {
+      EXPECT_EQ(resultsAfter.at(name), bytes) << name;
+    }
+  }
+  EXPECT_EQ(resultsAfter.size(), resultsBefore.size());
+  if (trouble == Trouble::kTargetIsTheTemplate) {
+    EXPECT_EQ(run.MessageTexts().back(),
+              "Fel: Filen " + (run.templates / "lista.XLSX").string() +
+                  " är själva mallen och kan inte skrivas över.\rAnge annat filnamn.");
+    EXPECT_FALSE(run.state.excelApp);
+  }
+  if (trouble >= Trouble::kFirstWrite) {
+    EXPECT_THAT(run.MessageTexts().back(), HasSubstr("disken är full")) << run.MessageTexts().back();
+    // Named as the user knows it, not by the temporary name it is first written under.
+    EXPECT_THAT(run.MessageTexts().back(), ::testing::Not(HasSubstr(".sheetwright-")));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    ModesAndTroubles, FailedRunTest,
+    ::testing::Combine(::testing::Values(Mode::kNormal, Mode::kSingleSheet, Mode::kDynamic),
+                       ::testing::Values(Trouble::kTargetIsTheTemplate, Trouble::kCorruptTemplate,
+                                         Trouble::kMissingSheet, Trouble::kFirstWrite, Trouble::kMiddleWrite,
+                                         Trouble::kLastWrite)),
+    [](const auto& test) {
+      return std::string(ModeName(std::get<0>(test.param))) + "_" + TroubleName(std::get<1>(test.param));
+    });
+
+TEST(SafeSaveTest, CleanRunsReplaceTheEarlierResultAndLeaveNoTemporaryFile) {
+  for (const Mode mode : {Mode::kNormal, Mode::kSingleSheet, Mode::kDynamic}) {
+    SafeSaveRun run(mode);
+    const auto templatesBefore = Snapshot(run.templates);
+    // What a killed run of another process left: removed. What looks alike but is not ours: kept.
+    run.folder.Write("Ut/Lista.xlsx.sheetwright-2147483646.tmp", "kvar efter en avbruten körning");
+    run.folder.Write("Ut/Lista.xlsx.sheetwright-" + std::to_string(base::CurrentProcessId()) + "-9.tmp",
+                     "pågår");
+    run.folder.Write("Ut/anteckningar.sheetwright-1.txt", "användarens fil");
+    const auto outcome = run.Generate();
+    EXPECT_TRUE(outcome.completed) << ModeName(mode);
+    EXPECT_EQ(Snapshot(run.templates), templatesBefore);
+    const auto after = Snapshot(run.results);
+    EXPECT_FALSE(after.contains("Lista.xlsx.sheetwright-2147483646.tmp"));
+    EXPECT_TRUE(after.contains("anteckningar.sheetwright-1.txt"));
+    fs::remove(run.results /
+               ("Lista.xlsx.sheetwright-" + std::to_string(base::CurrentProcessId()) + "-9.tmp"));
+    EXPECT_FALSE(HasOwnTempFile(run.results)) << ModeName(mode);
+    const std::vector<std::string> written =
+        mode == Mode::kSingleSheet ? std::vector<std::string>{"Lista-1.xlsx", "Lista-2.xlsx", "Lista-3.xlsx"}
+                                   : std::vector<std::string>{"Lista.xlsx"};
+    for (const auto& name : written) EXPECT_TRUE(after.at(name).starts_with("PK")) << name;
+    if (mode == Mode::kSingleSheet) {
+      EXPECT_EQ(after.at("Lista.xlsx"), std::string(kOldResult) + "Lista.xlsx");
+    }
+  }
+}
+
+TEST(SafeSaveTest, RunsThatWriteIntoTheTemplateKeepItsContentBesideItFirst) {
+  // The window's single-sheet mode with a dynamic-length template saves the template itself.
+  {
+    SafeSaveRun run(Mode::kDynamic);
+    run.inputs.singleSheet = true;
+    const std::string before = *base::ReadWholeFile(run.templates / "Lista.xlsx");
+    const auto outcome = run.Generate();
+    EXPECT_TRUE(outcome.completed) << ::testing::PrintToString(run.MessageTexts());
+    ASSERT_THAT(outcome.templateBackup, HasSubstr("Lista (kopia före körning "));
+    EXPECT_EQ(*base::ReadWholeFile(base::ResolveWindowsPath(outcome.templateBackup)), before);
+    EXPECT_NE(*base::ReadWholeFile(run.templates / "Lista.xlsx"), before);
+  }
+  // A second single-sheet run of the same window saves the freshly opened template first.
+  {
+    SafeSaveRun run(Mode::kSingleSheet);
+    const std::string before = *base::ReadWholeFile(run.templates / "Lista.xlsx");
+    EXPECT_TRUE(run.Generate().completed);
+    EXPECT_EQ(*base::ReadWholeFile(run.templates / "Lista.xlsx"), before);
+    run.dialogs.fileAnswers = {(run.results / "Lista.xlsx").string()};
+    const auto second = run.Generate();
+    EXPECT_TRUE(second.completed) << ::testing::PrintToString(run.MessageTexts());
+    ASSERT_FALSE(second.templateBackup.empty());
+    EXPECT_EQ(*base::ReadWholeFile(base::ResolveWindowsPath(second.templateBackup)), before);
+  }
+}
+
+TEST(SafeSaveTest, CommandLineRefusesRunsThatWouldWriteIntoTheTemplate) {
+  SafeSaveRun run(Mode::kDynamic);
+  run.inputs.singleSheet = true;
+  run.services.mayWriteIntoTemplate = false;
+  const auto templatesBefore = Snapshot(run.templates);
+  const auto outcome = run.Generate();
+  EXPECT_FALSE(outcome.completed);
+  EXPECT_THAT(
+      run.MessageTexts(),
+      ::testing::ElementsAre("Fel: Mallen har dynamisk sidlängd och ger inga sidor att spara var för "
+                             "sig: en fil per sida skulle spara över själva mallen.\rGenerera utan en "
+                             "fil per sida."));
+  EXPECT_EQ(Snapshot(run.templates), templatesBefore);
+}
+
+}  // namespace
+}  // namespace sw::gen
