@@ -43,6 +43,9 @@ std::string Extension(const std::string& path) {
       error == std::errc::io_error) {
     throw AutomationError(kDeviceUnavailable, DefaultErrorText(kDeviceUnavailable) + ": " + path);
   }
+  if (!writing && base::IsNotARegularFile(error)) {
+    Rejected("Det går inte att öppna " + path + " eftersom det inte är någon fil.");
+  }
   if (writing) Rejected("Det går inte att spara filen " + path + ".");
   Rejected("Det går inte att hitta filen " + path + ".");
 }
