@@ -72,30 +72,45 @@ std::vector<std::string_view> SplitKeyPath(std::string_view path) {
   return names;
 }
 
-const RegistryValue* RegKey::FindValue(std::string_view name) const {
-  for (const auto& value : values_) {
-    if (SameRegistryName(value.name, name)) return &value;
+std::string RegKey::FoldedName(std::string_view name) {
+  std::string folded;
+  folded.reserve(name.size() * 3);
+  for (std::size_t pos = 0; pos < name.size();) {
+    const char32_t c = NextUpper(name, pos);
+    folded += static_cast<char>(c >> 16);
+    folded += static_cast<char>((c >> 8) & 0xFF);
+    folded += static_cast<char>(c & 0xFF);
   }
-  return nullptr;
+  return folded;
+}
+
+const RegistryValue* RegKey::FindValue(std::string_view name) const {
+  const auto it = valueIndex_.find(FoldedName(name));
+  return it == valueIndex_.end() ? nullptr : &values_[it->second];
 }
 
 void RegKey::SetValue(std::string_view name, ValueType type, std::string data) {
-  for (auto& value : values_) {
-    if (SameRegistryName(value.name, name)) {
-      value.type = type;
-      value.data = std::move(data);
-      return;
-    }
+  // A key of many thousand values is read one value line at a time: each line finds its value by
+  // the index, not by comparing it with every value before it.
+  const auto [it, added] = valueIndex_.try_emplace(FoldedName(name), values_.size());
+  if (!added) {
+    RegistryValue& value = values_[it->second];
+    value.type = type;
+    value.data = std::move(data);
+    return;
   }
   values_.push_back(RegistryValue{std::string(name), type, std::move(data)});
 }
 
 bool RegKey::DeleteValue(std::string_view name) {
-  const auto it = std::find_if(values_.begin(), values_.end(), [name](const RegistryValue& value) {
-    return SameRegistryName(value.name, name);
-  });
-  if (it == values_.end()) return false;
-  values_.erase(it);
+  const auto it = valueIndex_.find(FoldedName(name));
+  if (it == valueIndex_.end()) return false;
+  const std::size_t position = it->second;
+  valueIndex_.erase(it);
+  values_.erase(values_.begin() + static_cast<std::ptrdiff_t>(position));
+  for (auto& entry : valueIndex_) {
+    if (entry.second > position) --entry.second;
+  }
   return true;
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "cadenv/registry.h"
@@ -53,10 +54,13 @@ class RegKey {
 
  private:
   std::vector<RegKey>::const_iterator LowerBound(std::string_view name) const;
+  // The name with every character upper-cased as CompareRegistryNames sees it: equal names fold alike.
+  static std::string FoldedName(std::string_view name);
 
   std::string name_;
   std::vector<RegistryValue> values_;
-  std::vector<RegKey> subkeys_;  // sorted by CompareRegistryNames
+  std::unordered_map<std::string, std::size_t> valueIndex_;  // folded name -> position in values_
+  std::vector<RegKey> subkeys_;                              // sorted by CompareRegistryNames
 };
 
 class RegTree {
