@@ -114,16 +114,9 @@ bool RegKey::DeleteValue(std::string_view name) {
   return true;
 }
 
-std::vector<RegKey>::const_iterator RegKey::LowerBound(std::string_view name) const {
-  return std::lower_bound(
-      subkeys_.begin(), subkeys_.end(), name,
-      [](const RegKey& key, std::string_view sought) { return CompareRegistryNames(key.name_, sought) < 0; });
-}
-
 const RegKey* RegKey::FindSubkey(std::string_view name) const {
-  const auto it = LowerBound(name);
-  if (it == subkeys_.end() || !SameRegistryName(it->name_, name)) return nullptr;
-  return &*it;
+  const auto it = subkeys_.find(FoldedName(name));
+  return it == subkeys_.end() ? nullptr : &it->second;
 }
 
 RegKey* RegKey::FindSubkey(std::string_view name) {
@@ -131,19 +124,13 @@ RegKey* RegKey::FindSubkey(std::string_view name) {
 }
 
 RegKey& RegKey::CreateSubkey(std::string_view name) {
-  const auto it = LowerBound(name);
-  const auto index = static_cast<std::size_t>(it - subkeys_.begin());
-  if (it == subkeys_.end() || !SameRegistryName(it->name_, name)) {
-    subkeys_.insert(subkeys_.begin() + static_cast<std::ptrdiff_t>(index), RegKey(std::string(name)));
-  }
-  return subkeys_[index];
+  auto it = subkeys_.find(FoldedName(name));
+  if (it == subkeys_.end()) it = subkeys_.emplace(FoldedName(name), RegKey(std::string(name))).first;
+  return it->second;
 }
 
 bool RegKey::DeleteSubkey(std::string_view name) {
-  const auto it = LowerBound(name);
-  if (it == subkeys_.end() || !SameRegistryName(it->name_, name)) return false;
-  subkeys_.erase(it);
-  return true;
+  return subkeys_.erase(FoldedName(name)) > 0;
 }
 
 const RegKey* RegTree::FindKey(RootKey root, std::string_view path) const {
