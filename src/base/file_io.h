@@ -9,8 +9,13 @@
 
 namespace sw::base {
 
-// The file's bytes, or nothing (with `error` set when given) when it cannot be read.
+// The file's bytes, or nothing (with `error` set when given) when it cannot be read. Only a regular
+// file is read: a folder is refused with std::errc::is_a_directory, a device, pipe or socket with
+// std::errc::invalid_argument, without waiting on it.
 std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std::error_code* error = nullptr);
+
+// True when `error` came from ReadWholeFile refusing something that is not a regular file.
+bool IsNotARegularFile(const std::error_code& error);
 
 // Writes `bytes` to a temporary file beside `path` (one of the program's own, see own_temp_files.h),
 // flushes it to disk and renames it over `path`, so a reader sees either the old or the new contents,

@@ -1,11 +1,41 @@
 #include <windows.h>
 
 #include <atomic>
+#include <fstream>
+#include <iterator>
 
 #include "base/file_io.h"
 #include "base/own_temp_files.h"
 
 namespace sw::base {
+
+std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std::error_code* error) {
+  std::error_code status;
+  const auto kind = std::filesystem::status(path, status).type();
+  if (status) {
+    if (error) *error = status;
+    return std::nullopt;
+  }
+  if (kind != std::filesystem::file_type::regular) {
+    if (error) {
+      *error =
+          std::make_error_code(kind == std::filesystem::file_type::directory ? std::errc::is_a_directory
+                                                                             : std::errc::invalid_argument);
+    }
+    return std::nullopt;
+  }
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    if (error) *error = std::make_error_code(std::errc::permission_denied);
+    return std::nullopt;
+  }
+  std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  if (in.bad()) {
+    if (error) *error = std::make_error_code(std::errc::io_error);
+    return std::nullopt;
+  }
+  return bytes;
+}
 
 std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
   static std::atomic<unsigned> serial{0};

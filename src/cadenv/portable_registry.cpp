@@ -1,11 +1,18 @@
 #include "cadenv/portable_registry.h"
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
+#include <cerrno>
+#include <chrono>
 #include <ctime>
 #include <system_error>
 
 #include "base/environment.h"
 #include "base/file_io.h"
 #include "base/program_folder.h"
+#include "cadenv/enumeration_buffer.h"
 #include "cadenv/file_lock.h"
 
 namespace sw::cadenv {
@@ -52,38 +59,89 @@ std::filesystem::path PortableRegistry::LockPath() const {
   return lock;
 }
 
-PortableRegistry::Snapshot PortableRegistry::Load() {
-  Snapshot snapshot;
-  lastRead_ = {};
+std::optional<PortableRegistry::FileStamp> PortableRegistry::StampOf(const std::filesystem::path& file) {
+  FileStamp stamp;
+#ifndef _WIN32
+  struct stat info {};
+  if (::stat(file.c_str(), &info) != 0) {
+    if (errno == ENOENT || errno == ENOTDIR) return stamp;  // no file yet: an empty registry
+    return std::nullopt;
+  }
+  stamp.device = static_cast<std::uintmax_t>(info.st_dev);
+  stamp.inode = static_cast<std::uintmax_t>(info.st_ino);
+  stamp.size = static_cast<std::uintmax_t>(info.st_size);
+  stamp.modifiedNanoseconds =
+      static_cast<std::int64_t>(info.st_mtim.tv_sec) * 1'000'000'000 + info.st_mtim.tv_nsec;
+#else
   std::error_code error;
-  const bool exists = std::filesystem::exists(file_, error);
-  const auto bytes = exists ? base::ReadWholeFile(file_) : std::nullopt;
-  if (error || (exists && !bytes)) {
-    snapshot.readable = false;
-    lastRead_.status = RegParseStatus::kUnreadable;
-    lastRead_.description = "Registerfilen kunde inte läsas.";
-    return snapshot;
+  const auto status = std::filesystem::status(file, error);
+  if (status.type() == std::filesystem::file_type::not_found) return stamp;
+  if (error) return std::nullopt;
+  stamp.inode = 1;  // the file exists
+  if (std::filesystem::is_regular_file(status)) {
+    stamp.size = std::filesystem::file_size(file, error);
+    stamp.modifiedNanoseconds = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                                    std::filesystem::last_write_time(file, error).time_since_epoch())
+                                    .count();
   }
-  if (!bytes || bytes->empty()) return snapshot;
-  RegTree tree;
-  lastRead_ = ParseRegFile(*bytes, tree);
-  if (lastRead_) {
-    snapshot.tree = std::move(tree);
-  } else {
-    snapshot.broken = true;
-  }
-  return snapshot;
+  if (error) return std::nullopt;
+#endif
+  return stamp;
 }
 
-bool PortableRegistry::BackUpBrokenFile() const {
+const PortableRegistry::Snapshot& PortableRegistry::Load() {
+  // A settings file of many thousand keys takes a while to parse, and the program reads its settings
+  // one value at a time: the parsed file is kept for as long as the file stays the same one. Writers
+  // replace the file by renaming a new one over it, so every change shows as a new file.
+  const std::optional<FileStamp> stamp = StampOf(file_);
+  if (stamp && cachedStamp_ && *stamp == *cachedStamp_) return cached_;
+  cachedStamp_.reset();
+  cached_ = Snapshot{};
+  lastRead_ = {};
+  if (stamp && *stamp == FileStamp{}) {
+    cachedStamp_ = stamp;
+    return cached_;
+  }
+  std::error_code error;
+  auto bytes = stamp ? base::ReadWholeFile(file_, &error) : std::nullopt;
+  if (!bytes && error == std::errc::no_such_file_or_directory) return cached_;  // removed meanwhile
+  if (!bytes) {
+    cached_.readable = false;
+    lastRead_.status = RegParseStatus::kUnreadable;
+    lastRead_.description = stamp && base::IsNotARegularFile(error) ? "Registerfilen är ingen vanlig fil."
+                                                                    : "Registerfilen kunde inte läsas.";
+    return cached_;
+  }
+  if (!bytes->empty()) {
+    RegTree tree;
+    lastRead_ = ParseRegFile(*bytes, tree);
+    if (lastRead_) {
+      cached_.tree = std::move(tree);
+    } else {
+      cached_.broken = true;
+    }
+  }
+  cachedStamp_ = stamp;
+  return cached_;
+}
+
+RegParseResult PortableRegistry::ReadNow() {
+  Load();
+  return lastRead_;
+}
+
+std::optional<std::filesystem::path> PortableRegistry::BackUpBrokenFile() const {
   const std::string stem = file_.filename().string() + ".broken-" + Timestamp();
   for (int attempt = 1; attempt < 1000; ++attempt) {
     auto backup = file_.parent_path() / (attempt == 1 ? stem : stem + "-" + std::to_string(attempt));
     std::error_code error;
     if (std::filesystem::exists(backup, error)) continue;
-    return std::filesystem::copy_file(file_, backup, std::filesystem::copy_options::none, error) && !error;
+    if (std::filesystem::copy_file(file_, backup, std::filesystem::copy_options::none, error) && !error) {
+      return backup;
+    }
+    return std::nullopt;
   }
-  return false;
+  return std::nullopt;
 }
 
 template <typename Change>
@@ -92,16 +150,35 @@ bool PortableRegistry::Update(Change change) {
   if (file_.has_parent_path()) std::filesystem::create_directories(file_.parent_path(), error);
   const ExclusiveFileLock lock(LockPath());
   if (!lock.Held()) return false;
-  Snapshot snapshot = Load();
-  if (!snapshot.readable || !change(snapshot.tree)) return false;
+  // A write always reads the file afresh: a file replaced within the same clock tick by one of equal
+  // size could reuse the inode and look unchanged, and a write must never undo another's.
+  cachedStamp_.reset();
+  const Snapshot& current = Load();
+  if (!current.readable) return false;
+  Snapshot changed = current;
+  if (!change(changed.tree)) return false;
   // A file that did not parse is kept beside the new one rather than silently overwritten.
-  if (snapshot.broken && !BackUpBrokenFile()) return false;
-  return !base::WriteFileAtomically(file_, SerializeRegFile(snapshot.tree));
+  if (changed.broken) {
+    const auto backup = BackUpBrokenFile();
+    if (!backup) return false;
+    if (brokenFileKept_) brokenFileKept_(*backup);
+  }
+  cachedStamp_.reset();
+  if (base::WriteFileAtomically(file_, SerializeRegFile(changed.tree))) return false;
+  // Still under the lock, so the file on disk is the one just written.
+  const auto stamp = StampOf(file_);
+  if (stamp && *stamp != FileStamp{}) {
+    changed.broken = false;
+    cached_ = std::move(changed);
+    lastRead_ = {};
+    cachedStamp_ = stamp;
+  }
+  return true;
 }
 
 std::optional<RegistryValue> PortableRegistry::QueryValue(RootKey root, std::string_view keyPath,
                                                           std::string_view valueName) {
-  const Snapshot snapshot = Load();
+  const Snapshot& snapshot = Load();
   const RegKey* key = snapshot.tree.FindKey(root, keyPath);
   if (!key) return std::nullopt;
   const RegistryValue* value = key->FindValue(valueName);
@@ -111,18 +188,23 @@ std::optional<RegistryValue> PortableRegistry::QueryValue(RootKey root, std::str
 
 std::optional<std::string> PortableRegistry::SubkeyAt(RootKey root, std::string_view keyPath,
                                                       std::size_t index) {
-  const Snapshot snapshot = Load();
+  const Snapshot& snapshot = Load();
   const RegKey* key = snapshot.tree.FindKey(root, keyPath);
   if (!key || index >= key->Subkeys().size()) return std::nullopt;
-  return key->Subkeys()[index].Name();
+  const std::string& name =
+      (*std::ranges::next(key->Subkeys().begin(), static_cast<std::ptrdiff_t>(index))).Name();
+  if (!SubkeyNameFitsEnumeration(name)) return std::nullopt;
+  return name;
 }
 
 std::optional<RegistryValue> PortableRegistry::ValueAt(RootKey root, std::string_view keyPath,
                                                        std::size_t index) {
-  const Snapshot snapshot = Load();
+  const Snapshot& snapshot = Load();
   const RegKey* key = snapshot.tree.FindKey(root, keyPath);
   if (!key || index >= key->Values().size()) return std::nullopt;
-  return key->Values()[index];
+  const RegistryValue& value = key->Values()[index];
+  if (!ValueFitsEnumeration(value)) return std::nullopt;
+  return value;
 }
 
 bool PortableRegistry::SetStringValue(RootKey root, std::string_view keyPath, std::string_view valueName,

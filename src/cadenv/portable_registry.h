@@ -1,9 +1,12 @@
 #pragma once
 // The registry where Windows' is not at hand: both hives the program uses, kept in one registration
 // file in regedit's export format, so that it can be read, edited and merged like an exported .reg
-// file. Every read sees the file's current contents; every write locks, re-reads, changes and
-// replaces the file in one step, so concurrent writers lose nothing and a crash leaves no torn file.
+// file. Every read sees the file's current contents (the file is parsed again only when its identity,
+// size or modification time changed); every write locks, re-reads, changes and replaces the file in
+// one step, so concurrent writers lose nothing and a crash leaves no torn file.
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,6 +46,14 @@ class PortableRegistry final : public Registry {
 
   // How the store file itself read last time (a broken file reads as empty keys).
   RegParseResult LastReadResult() const { return lastRead_; }
+  // Reads the store file (when it changed) and tells how it read.
+  RegParseResult ReadNow();
+
+  // Called with the copy's path when a file that did not parse was kept aside before the first write
+  // replaced it, so that the user can be told where their old settings went.
+  void OnBrokenFileKept(std::function<void(const std::filesystem::path&)> notice) {
+    brokenFileKept_ = std::move(notice);
+  }
 
  private:
   struct Snapshot {
@@ -50,14 +61,24 @@ class PortableRegistry final : public Registry {
     bool readable = true;  // false: the file exists but could not be read
     bool broken = false;   // the file has contents that did not parse
   };
-  Snapshot Load();
+  // What tells one version of the file from another without reading it.
+  struct FileStamp {
+    std::uintmax_t device = 0, inode = 0, size = 0;
+    std::int64_t modifiedNanoseconds = 0;
+    bool operator==(const FileStamp&) const = default;
+  };
+  static std::optional<FileStamp> StampOf(const std::filesystem::path& file);
+  const Snapshot& Load();
   // Locks, re-reads, lets `change` edit the tree and writes it back when `change` says it changed.
   template <typename Change>
   bool Update(Change change);
-  bool BackUpBrokenFile() const;
+  std::optional<std::filesystem::path> BackUpBrokenFile() const;
 
   std::filesystem::path file_;
   RegParseResult lastRead_;
+  Snapshot cached_;
+  std::optional<FileStamp> cachedStamp_;  // nothing: `cached_` does not stand for the file
+  std::function<void(const std::filesystem::path&)> brokenFileKept_;
 };
 
 }  // namespace sw::cadenv

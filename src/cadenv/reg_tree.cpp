@@ -72,43 +72,51 @@ std::vector<std::string_view> SplitKeyPath(std::string_view path) {
   return names;
 }
 
-const RegistryValue* RegKey::FindValue(std::string_view name) const {
-  for (const auto& value : values_) {
-    if (SameRegistryName(value.name, name)) return &value;
+std::string RegKey::FoldedName(std::string_view name) {
+  std::string folded;
+  folded.reserve(name.size() * 3);
+  for (std::size_t pos = 0; pos < name.size();) {
+    const char32_t c = NextUpper(name, pos);
+    folded += static_cast<char>(c >> 16);
+    folded += static_cast<char>((c >> 8) & 0xFF);
+    folded += static_cast<char>(c & 0xFF);
   }
-  return nullptr;
+  return folded;
+}
+
+const RegistryValue* RegKey::FindValue(std::string_view name) const {
+  const auto it = valueIndex_.find(FoldedName(name));
+  return it == valueIndex_.end() ? nullptr : &values_[it->second];
 }
 
 void RegKey::SetValue(std::string_view name, ValueType type, std::string data) {
-  for (auto& value : values_) {
-    if (SameRegistryName(value.name, name)) {
-      value.type = type;
-      value.data = std::move(data);
-      return;
-    }
+  // A key of many thousand values is read one value line at a time: each line finds its value by
+  // the index, not by comparing it with every value before it.
+  const auto [it, added] = valueIndex_.try_emplace(FoldedName(name), values_.size());
+  if (!added) {
+    RegistryValue& value = values_[it->second];
+    value.type = type;
+    value.data = std::move(data);
+    return;
   }
   values_.push_back(RegistryValue{std::string(name), type, std::move(data)});
 }
 
 bool RegKey::DeleteValue(std::string_view name) {
-  const auto it = std::find_if(values_.begin(), values_.end(), [name](const RegistryValue& value) {
-    return SameRegistryName(value.name, name);
-  });
-  if (it == values_.end()) return false;
-  values_.erase(it);
+  const auto it = valueIndex_.find(FoldedName(name));
+  if (it == valueIndex_.end()) return false;
+  const std::size_t position = it->second;
+  valueIndex_.erase(it);
+  values_.erase(values_.begin() + static_cast<std::ptrdiff_t>(position));
+  for (auto& entry : valueIndex_) {
+    if (entry.second > position) --entry.second;
+  }
   return true;
 }
 
-std::vector<RegKey>::const_iterator RegKey::LowerBound(std::string_view name) const {
-  return std::lower_bound(
-      subkeys_.begin(), subkeys_.end(), name,
-      [](const RegKey& key, std::string_view sought) { return CompareRegistryNames(key.name_, sought) < 0; });
-}
-
 const RegKey* RegKey::FindSubkey(std::string_view name) const {
-  const auto it = LowerBound(name);
-  if (it == subkeys_.end() || !SameRegistryName(it->name_, name)) return nullptr;
-  return &*it;
+  const auto it = subkeys_.find(FoldedName(name));
+  return it == subkeys_.end() ? nullptr : &it->second;
 }
 
 RegKey* RegKey::FindSubkey(std::string_view name) {
@@ -116,19 +124,13 @@ RegKey* RegKey::FindSubkey(std::string_view name) {
 }
 
 RegKey& RegKey::CreateSubkey(std::string_view name) {
-  const auto it = LowerBound(name);
-  const auto index = static_cast<std::size_t>(it - subkeys_.begin());
-  if (it == subkeys_.end() || !SameRegistryName(it->name_, name)) {
-    subkeys_.insert(subkeys_.begin() + static_cast<std::ptrdiff_t>(index), RegKey(std::string(name)));
-  }
-  return subkeys_[index];
+  auto it = subkeys_.find(FoldedName(name));
+  if (it == subkeys_.end()) it = subkeys_.emplace(FoldedName(name), RegKey(std::string(name))).first;
+  return it->second;
 }
 
 bool RegKey::DeleteSubkey(std::string_view name) {
-  const auto it = LowerBound(name);
-  if (it == subkeys_.end() || !SameRegistryName(it->name_, name)) return false;
-  subkeys_.erase(it);
-  return true;
+  return subkeys_.erase(FoldedName(name)) > 0;
 }
 
 const RegKey* RegTree::FindKey(RootKey root, std::string_view path) const {

@@ -2,9 +2,12 @@
 // An in-memory registry: the two hives the program uses, each a tree of keys holding values. Subkeys
 // are kept in the order Windows enumerates them, values in the order they were created.
 #include <cstddef>
+#include <map>
 #include <optional>
+#include <ranges>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "cadenv/registry.h"
@@ -35,7 +38,8 @@ class RegKey {
 
   const std::string& Name() const { return name_; }
   const std::vector<RegistryValue>& Values() const { return values_; }
-  const std::vector<RegKey>& Subkeys() const { return subkeys_; }
+  // In Windows' order, sorted by name ignoring case.
+  auto Subkeys() const { return std::views::values(subkeys_); }
 
   const RegistryValue* FindValue(std::string_view name) const;
   // An existing value of that name keeps its place and its name's spelling; a new one goes last.
@@ -52,11 +56,15 @@ class RegKey {
   bool operator==(const RegKey&) const = default;
 
  private:
-  std::vector<RegKey>::const_iterator LowerBound(std::string_view name) const;
+  // The name with every character upper-cased as CompareRegistryNames sees it: equal names fold alike.
+  static std::string FoldedName(std::string_view name);
 
   std::string name_;
   std::vector<RegistryValue> values_;
-  std::vector<RegKey> subkeys_;  // sorted by CompareRegistryNames
+  std::unordered_map<std::string, std::size_t> valueIndex_;  // folded name -> position in values_
+  // By folded name, whose byte order is CompareRegistryNames' order: a file of many thousand keys in
+  // any order parses without shifting the keys already read.
+  std::map<std::string, RegKey> subkeys_;
 };
 
 class RegTree {

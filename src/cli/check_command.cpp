@@ -6,6 +6,7 @@
 #include "base/windows_path.h"
 #include "cli/console_dialogs.h"
 #include "cli/template_path.h"
+#include "cli/template_workbook_check.h"
 #include "report/report_table.h"
 #include "template/field_panel.h"
 #include "template/template_definition.h"
@@ -66,6 +67,8 @@ int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) 
     return 1;
   const auto validation = templ::ValidateTemplateIni(definition.IniPath, definition, dialogs);
   if (!validation.Accepted() || definition.IniError) return 1;
+  WarnAboutPageLayout(definition, err);
+  if (!OpenTemplateAsGenerationWould(options.workbook, definition, dialogs)) return 1;
   WriteTemplateSummary(out, definition, fields);
   return 0;
 }

@@ -12,6 +12,7 @@
 #include "cadenv/registry.h"
 #include "cli/console_dialogs.h"
 #include "cli/json_writer.h"
+#include "cli/user_settings.h"
 
 namespace sw::cli {
 namespace {
@@ -97,7 +98,8 @@ void AddEnvironmentCommand(CLI::App& app, EnvironmentOptions& options) {
 }
 
 DiscoveredInputs DiscoverInputs(std::ostream& err) {
-  auto registry = cadenv::OpenUserRegistry();
+  auto registry = OpenUserSettings(err);
+  if (!registry) return {.dump = {}, .templateWorkbook = {}, .settingsReadable = false};
   app::RegistrySettings stored(*registry);
   ReadOnlySettings settings(stored);
   ConsoleDialogs dialogs(err, /*answerYes=*/false);
@@ -110,7 +112,7 @@ DiscoveredInputs DiscoverInputs(std::ostream& err) {
                                .progress = nullptr,
                                .layoutColumns = {}});
   window.Load();
-  DiscoveredInputs inputs{.dump = window.voltDump.text, .templateWorkbook = {}};
+  DiscoveredInputs inputs{.dump = window.voltDump.text, .templateWorkbook = {}, .settingsReadable = true};
   if (!window.rdsFile.text.empty()) {
     inputs.templateWorkbook = window.templateListFolder;
     if (!inputs.templateWorkbook.empty() && inputs.templateWorkbook.back() != '\\')
@@ -121,7 +123,8 @@ DiscoveredInputs DiscoverInputs(std::ostream& err) {
 }
 
 int RunEnvironment(const EnvironmentOptions& options, std::ostream& out, std::ostream& err) {
-  auto registry = cadenv::OpenUserRegistry();
+  auto registry = OpenUserSettings(err);
+  if (!registry) return 1;
   app::RegistrySettings settings(*registry);
   return RunEnvironmentWith(options, *registry, settings, base::ProcessEnvironment(), out, err);
 }

@@ -44,6 +44,7 @@ int RunEnvironmentWith(const EnvironmentOptions& options, cadenv::Registry& regi
 struct DiscoveredInputs {
   std::string dump;
   std::string templateWorkbook;
+  bool settingsReadable = true;  // false: the settings file could not be read, and the user was told
 };
 DiscoveredInputs DiscoverInputs(std::ostream& err);
 

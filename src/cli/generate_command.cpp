@@ -14,7 +14,9 @@
 #include "cadenv/registry.h"
 #include "cli/console_dialogs.h"
 #include "cli/environment_command.h"
+#include "cli/file_name_option.h"
 #include "cli/template_path.h"
+#include "cli/user_settings.h"
 #include "generate/generate_workbook.h"
 #include "generate/single_sheet_warning.h"
 #include "report/preview_loader.h"
@@ -66,12 +68,16 @@ std::string DefaultStartNumber() {
 void AddGenerateCommand(CLI::App& app, GenerateOptions& options) {
   CLI::App* command = app.add_subcommand(
       "generate", "Fill a report template with a report dump, as \"Generera Excel-dokument\"");
-  command->add_option("--dump", options.dump,
-                      "The report dump (text file written by VOLTARIS); "
-                      "default: the one the main window chooses");
-  command->add_option("--template", options.templateWorkbook,
-                      "Template workbook (its INI file lies beside it); "
-                      "default: the one the main window matches");
+  command
+      ->add_option("--dump", options.dump,
+                   "The report dump (text file written by VOLTARIS); "
+                   "default: the one the main window chooses")
+      ->check(NotEmptyFileName());
+  command
+      ->add_option("--template", options.templateWorkbook,
+                   "Template workbook (its INI file lies beside it); "
+                   "default: the one the main window matches")
+      ->check(NotEmptyFileName());
   command->add_option("--out", options.target, "The workbook to create (.xls, .xlsx or .xlsm)")->required();
   command->add_option("--start", options.start,
                       "First sheet number; its length pads every page number (007 gives 007, 008, ...). "
@@ -97,6 +103,7 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
   GenerateOptions options = given;
   if (options.dump.empty() || options.templateWorkbook.empty()) {
     const auto discovered = DiscoverInputs(err);
+    if (!discovered.settingsReadable) return 1;
     if (options.dump.empty()) options.dump = discovered.dump;
     if (options.templateWorkbook.empty()) options.templateWorkbook = discovered.templateWorkbook;
     if (options.dump.empty() || options.templateWorkbook.empty()) {
@@ -122,7 +129,8 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
     fieldValues.push_back(std::move(*value));
   }
 
-  auto registry = cadenv::OpenUserRegistry();
+  auto registry = OpenUserSettings(err);
+  if (!registry) return 1;
   app::RegistrySettings stored(*registry);
   app::OverlaySettings settings(stored);
 

@@ -9,8 +9,10 @@
 #include "base/environment.h"
 #include "cadenv/registry.h"
 #include "cli/console_dialogs.h"
+#include "cli/file_name_option.h"
 #include "cli/table_output.h"
 #include "cli/template_path.h"
+#include "cli/user_settings.h"
 #include "generate/page_count.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
@@ -25,9 +27,13 @@ namespace sw::cli {
 
 void AddPreviewCommand(CLI::App& app, PreviewOptions& options) {
   CLI::App* command = app.add_subcommand("preview", "Load a report dump as the preview does and print it");
-  command->add_option("DUMP", options.dump, "The report dump (text file written by VOLTARIS)")->required();
-  command->add_option("--template", options.templateWorkbook,
-                      "Template workbook; its INI file gives the headings and the page length");
+  command->add_option("DUMP", options.dump, "The report dump (text file written by VOLTARIS)")
+      ->required()
+      ->check(NotEmptyFileName());
+  command
+      ->add_option("--template", options.templateWorkbook,
+                   "Template workbook; its INI file gives the headings and the page length")
+      ->check(NotEmptyFileName());
   auto* json = command->add_flag("--json", options.json, "Print the table as one JSON object");
   auto* summary = command->add_flag("--summary", options.summary, "Print only rows, columns and placements");
   json->excludes(summary);
@@ -64,7 +70,8 @@ std::optional<int> PagesOfGeneration(const report::ReportTable& table, templ::Te
 }  // namespace
 
 int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& err) {
-  auto registry = cadenv::OpenUserRegistry();
+  auto registry = OpenUserSettings(err);
+  if (!registry) return 1;
   app::RegistrySettings stored(*registry);
   app::OverlaySettings settings(stored);
   if (options.includeEmptyRows) settings.Override("IncludeEmptyRows", *options.includeEmptyRows);
@@ -97,7 +104,15 @@ int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& e
 
   if (options.fixExport) {
     const auto current = templ::ReadCurrentReport(base::ProcessEnvironment(), {});
-    if (templ::AdjustExportFile(true, current.reportId, base::ProcessEnvironment(), dialogs, table)) {
+    // As in the window, the template check after the repair pairs the INI file again: the inserted
+    // column has pushed the headings one place right.
+    const auto pairAgain = [&] {
+      if (!options.templateWorkbook) return;
+      const TemplateLocation location = SplitTemplatePath(*options.templateWorkbook);
+      templ::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
+    };
+    if (templ::AdjustExportFile(true, current.reportId, base::ProcessEnvironment(), dialogs, table,
+                                pairAgain)) {
       layout.ShowPageBreaks(table);
     }
   }

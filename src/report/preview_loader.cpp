@@ -21,6 +21,11 @@ void ShowFileError(base::Dialogs& dialogs, std::string text) {
   dialogs.ShowMessage({std::move(text), "Filfel", base::MessageIcon::kCritical, base::MessageButtons::kOk});
 }
 
+bool IsUtf16BigEndian(std::string_view bytes) {
+  return bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFE &&
+         static_cast<unsigned char>(bytes[1]) == 0xFF;
+}
+
 // Reads and loads the dump; tells the user when the file cannot be found, read or held.
 PreviewResult LoadDumpFile(ReportTable& table, const PreviewContext& context) {
   const std::filesystem::path path = base::ResolveWindowsPath(context.dumpPath);
@@ -40,6 +45,13 @@ PreviewResult LoadDumpFile(ReportTable& table, const PreviewContext& context) {
     std::optional<std::string> bytes = base::ReadWholeFile(path);
     if (!bytes) {
       ShowFileError(context.dialogs, "Kan ej läsa filen " + context.dumpPath + ".");
+      return PreviewResult::kUnreadable;
+    }
+    // Read as ANSI, big-endian UTF-16 comes out as no report rows at all, which says nothing.
+    if (IsUtf16BigEndian(*bytes)) {
+      ShowFileError(context.dialogs, "Filen " + context.dumpPath +
+                                         " är sparad som UTF-16 big-endian och kan inte läsas. Spara den som "
+                                         "ANSI, UTF-8 eller UTF-16 little-endian.");
       return PreviewResult::kUnreadable;
     }
     LoadDumpText(table, *bytes, context.progress);

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <filesystem>
+#include <vector>
+
 #include "base/environment.h"
 #include "base/file_io.h"
 #include "temp_dir.h"
@@ -19,6 +23,12 @@ std::vector<std::filesystem::path> BrokenCopies(const std::filesystem::path& fol
       copies.push_back(entry.path());
   }
   return copies;
+}
+
+std::string Repeat(std::string_view piece, int times) {
+  std::string text;
+  for (int i = 0; i < times; ++i) text += piece;
+  return text;
 }
 
 std::string ReadValue(Registry& registry, std::string_view key, std::string_view name) {
@@ -152,6 +162,81 @@ TEST(PortableRegistry, DefaultPathFromTheEnvironment) {
       {{{"HOME", "/home/u"}}, "/home/u/.config/sheetwright/registry.reg"},
   };
   for (const auto& c : cases) EXPECT_EQ(PortableRegistry::DefaultPath(c.environment), c.expected);
+}
+
+TEST(PortableRegistry, AFileEditedInPlaceIsReadAgain) {
+  TempDir dir;
+  const auto file = dir.Write("registry.reg", "REGEDIT4\r\n[HKCU\\K]\r\n\"v\"=\"1\"\r\n");
+  PortableRegistry registry(file);
+  EXPECT_EQ(ReadValue(registry, "K", "v"), "1");
+  EXPECT_EQ(ReadValue(registry, "K", "v"), "1");
+  // Same inode, same size: an editor's save still moves the modification time.
+  const auto before = std::filesystem::last_write_time(file);
+  dir.Write("registry.reg", "REGEDIT4\r\n[HKCU\\K]\r\n\"v\"=\"2\"\r\n");
+  std::filesystem::last_write_time(file, before + std::chrono::seconds(1));
+  EXPECT_EQ(ReadValue(registry, "K", "v"), "2");
+  std::filesystem::remove(file);
+  EXPECT_EQ(ReadValue(registry, "K", "v"), "<default>");
+}
+
+TEST(PortableRegistry, KeepingABrokenFileAsideIsTold) {
+  TempDir dir;
+  const auto file = dir.Write("registry.reg", "REGEDIT4\r\nskadad\r\n");
+  PortableRegistry registry(file);
+  std::vector<std::filesystem::path> told;
+  registry.OnBrokenFileKept([&](const std::filesystem::path& backup) { told.push_back(backup); });
+  ASSERT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "v", "1"));
+  ASSERT_EQ(told.size(), 1u);
+  EXPECT_EQ(BrokenCopies(dir.path()), told);
+  EXPECT_EQ(base::ReadWholeFile(told[0]), "REGEDIT4\r\nskadad\r\n");
+  ASSERT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "v", "2"));
+  EXPECT_EQ(told.size(), 1u);
+}
+
+TEST(PortableRegistry, AStoreThatIsNoFileReadsAsDefaultsAndRefusesWrites) {
+  TempDir dir;
+  const auto folder = dir.path() / "registry.reg";
+  std::filesystem::create_directory(folder);
+  PortableRegistry registry(folder);
+  EXPECT_EQ(ReadValue(registry, "K", "v"), "<default>");
+  EXPECT_EQ(registry.ReadNow().status, RegParseStatus::kUnreadable);
+  EXPECT_FALSE(registry.SetStringValue(RootKey::kCurrentUser, "K", "v", "1"));
+  EXPECT_TRUE(std::filesystem::is_directory(folder));
+}
+
+TEST(PortableRegistry, EnumerationEndsAtAnEntryLongerThanItsBuffers) {
+  // Windows enumerates into 2048-character buffers for the name and for the data; what does not fit
+  // with its terminating NUL fails, which the enumeration reports as "Not Found".
+  struct Case {
+    std::string name;
+    std::string data;
+    bool listed;
+  };
+  const Case cases[] = {
+      {"v", std::string(2047, 'x'), true}, {"v", std::string(2048, 'x'), false},
+      {"v", Repeat("\u00e5", 2047), true},  // characters count, not the bytes of their UTF-8
+      {std::string(2047, 'n'), "x", true}, {std::string(2048, 'n'), "x", false},
+  };
+  for (const Case& c : cases) {
+    TempDir dir;
+    PortableRegistry registry(dir.path() / "registry.reg");
+    ASSERT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", c.name, c.data));
+    ASSERT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "after", "1"));
+    const auto first = EnumRegistryValue(registry, RootKey::kCurrentUser, "K", 0);
+    if (c.listed) {
+      EXPECT_EQ(first.name, c.name);
+      EXPECT_EQ(first.data, c.data);
+    } else {
+      EXPECT_EQ(first.name, "Not Found");
+      EXPECT_EQ(first.data, "Not Found");
+    }
+    // A read by name has no such buffer.
+    EXPECT_EQ(ReadValue(registry, "K", c.name), c.data);
+  }
+  TempDir dir;
+  PortableRegistry registry(dir.path() / "registry.reg");
+  ASSERT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K\\" + std::string(2048, 's'), "v", "1"));
+  EXPECT_EQ(EnumRegistryKey(registry, RootKey::kCurrentUser, "K", 0), "Not Found");
 }
 
 }  // namespace

@@ -138,5 +138,19 @@ TEST_F(PreviewCommandTest, ExportFixAsksAndOnlyYesChangesTheTable) {
   EXPECT_EQ(result.out, "rows: 28\ncolumns: 9\nplacements: 3\n");
 }
 
+TEST_F(PreviewCommandTest, ExportFixPairsTheIniAgainSoTheHeadingsFollowIt) {
+  const auto workbook = TemplateWithIni(
+      "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n[Common]\r\nProjekt=C3\r\n"
+      "[Sheet]\r\nSHEETNO=H2\r\nNEXTSHEET=H3\r\nLOCATION=B5\r\nSTARTROW=10\r\nENDROW=12\r\n"
+      "COLUMNS=A,B,C,D,E,F,G,H\r\n");
+  const auto result =
+      cli.Run({"preview", kExample, "--template", workbook.string(), "--json", "--fix-export", "--yes"});
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_NE(
+      result.out.find("\"headers\": [\"\", \"A \", \"B \", \"C \", \"D \", \"E \", \"F \", \"G \", \"H \"]"),
+      std::string::npos)
+      << result.out.substr(0, 200);
+}
+
 }  // namespace
 }  // namespace sw::testing

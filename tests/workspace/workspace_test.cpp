@@ -212,6 +212,22 @@ TEST_F(WorkspaceTest, RefreshSequenceLoadsOnceAndOffersTheRepairForFbltay) {
   EXPECT_EQ(progress_.loads, loads + 1);
 }
 
+TEST_F(WorkspaceTest, RepairPairsTheIniAgainSoTheHeadingsFollowIt) {
+  install_.Write("Projektmallar/PANEL.ini",
+                 "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n[Common]\r\nProjekt=C3\r\n"
+                 "[Sheet]\r\nSTARTROW=10\r\nENDROW=40\r\nCOLUMNS=Plats,Kabel,Typ\r\n");
+  window_.Load();
+  ASSERT_EQ(window_.table.Text(0, 1), "Plats ");
+  install_.dialogs.answers = {base::MessageAnswer::kYes};
+  ASSERT_TRUE(window_.AdjustExportFile(true));
+  // The inserted column pushed the headings one place right; the pairing puts them back.
+  EXPECT_EQ(window_.table.Text(0, 0), "");
+  EXPECT_EQ(window_.table.Text(0, 1), "Plats ");
+  EXPECT_EQ(window_.table.Text(0, 2), "Kabel ");
+  EXPECT_EQ(window_.table.Text(0, 3), "Typ ");
+  EXPECT_EQ(window_.table.Text(1, 0), "+A1 Panel");  // the repair itself stays
+}
+
 TEST_F(WorkspaceTest, TogglesStoreTheirStateAndReloadOrTidy) {
   window_.Load();
   const int loads = progress_.loads;

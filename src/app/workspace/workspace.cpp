@@ -92,10 +92,15 @@ void Workspace::PreviewVoltDump() {
 }
 
 bool Workspace::AdjustExportFile(bool force) {
-  // The template check after the repair only re-lists and re-matches: choosing the template again
+  // The template check after the repair re-lists, re-matches and pairs the INI file again, so the
+  // headings the inserted column pushed aside are the INI's once more; choosing the template again
   // would reload the dump and undo the repair just made.
   return templ::AdjustExportFile(force, currentReportId, services_.environment, services_.dialogs, table,
-                                 [this] { templ::ListTemplates(rdsDir.text, currentReportId, rdsFile); });
+                                 [this] {
+                                   if (!templ::ListTemplates(rdsDir.text, currentReportId, rdsFile)) return;
+                                   templateListFolder = rdsDir.text;
+                                   PairTemplate();
+                                 });
 }
 
 void Workspace::cboRdsDir_Change() {

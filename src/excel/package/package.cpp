@@ -52,8 +52,9 @@ std::unique_ptr<pugi::xml_document> ParseXml(std::string_view partName, std::str
   const auto result = document->load_buffer(
       bytes.data(), bytes.size(), pugi::parse_default | pugi::parse_declaration | pugi::parse_ws_pcdata);
   if (!result) {
-    throw PackageError("Delen " + std::string(partName) + " är inte giltig XML (" + result.description() +
-                       " vid position " + std::to_string(result.offset) + ").");
+    // The parser's own description is English; the position is what helps.
+    throw PackageError("Delen " + std::string(partName) + " är inte giltig XML (fel vid tecken " +
+                       std::to_string(result.offset) + ").");
   }
   if (!document->document_element()) throw PackageError("Delen " + std::string(partName) + " är tom.");
   if (Depth(*document, limits.maxXmlDepth) > limits.maxXmlDepth) {

@@ -47,6 +47,9 @@ std::string Extension(const std::string& path) {
   if (writing && error == std::errc::no_space_on_device) {
     Rejected("Det går inte att spara filen " + path + ": disken är full.");
   }
+  if (!writing && base::IsNotARegularFile(error)) {
+    Rejected("Det går inte att öppna " + path + " eftersom det inte är någon fil.");
+  }
   if (writing) Rejected("Det går inte att spara filen " + path + ".");
   Rejected("Det går inte att hitta filen " + path + ".");
 }

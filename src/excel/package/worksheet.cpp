@@ -9,6 +9,7 @@
 #include "excel/engine.h"
 #include "excel/package/cell_text.h"
 #include "excel/package/formula_text.h"
+#include "excel/package/package_error.h"
 #include "excel/package/xml_order.h"
 
 namespace sw::excel {
@@ -83,20 +84,27 @@ void Worksheet::Normalize(pugi::xml_document& document) {
   DropMainNamespacePrefix(document);
   auto root = document.document_element();
   auto sheetData = root.child("sheetData");
-  int nextRow = 1;
+  long long nextRow = 1;
   for (auto row : sheetData.children("row")) {
-    if (row.attribute("r").as_int() <= 0) {
-      if (!row.attribute("r")) row.append_attribute("r");
-      row.attribute("r") = nextRow;
+    // Bounded before anything is counted from it: a row number past Excel's last row is no row of a
+    // sheet at all, and Excel calls such a file damaged too.
+    long long r = row.attribute("r").as_llong();
+    if (r <= 0) r = nextRow;
+    if (r > kMaxRows) {
+      throw PackageError("Kalkylbladet har en rad utanför Excels blad (rad " + std::to_string(r) + ").");
     }
-    const int r = row.attribute("r").as_int();
+    if (row.attribute("r").as_llong() != r) {
+      if (!row.attribute("r")) row.append_attribute("r");
+      row.attribute("r") = r;
+    }
     nextRow = r + 1;
     int nextColumn = 1;
     for (auto cell : row.children("c")) {
       const auto address = ParseCellAddress(cell.attribute("r").value());
-      if (!address || address->row != r) {
+      if (!address || address->row != static_cast<int>(r)) {
         if (!cell.attribute("r")) cell.append_attribute("r");
-        cell.attribute("r") = FormatCellAddress(r, std::min(nextColumn, kMaxColumns)).c_str();
+        cell.attribute("r") =
+            FormatCellAddress(static_cast<int>(r), std::min(nextColumn, kMaxColumns)).c_str();
       }
       nextColumn = CellColumn(cell) + 1;
     }

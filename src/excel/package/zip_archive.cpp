@@ -4,6 +4,7 @@
 
 #include <ctime>
 #include <memory>
+#include <string>
 
 namespace sw::excel {
 
@@ -17,12 +18,53 @@ struct FileCloser {
 };
 using ArchivePtr = std::unique_ptr<zip_t, ArchiveCloser>;
 
+// libzip's own texts are English; the user reads what went wrong in the program's words.
+std::string ZipErrorText(int code) {
+  switch (code) {
+    case ZIP_ER_NOZIP:
+      return "det är inget zip-arkiv";
+    case ZIP_ER_INCONS:
+    case ZIP_ER_MULTIDISK:
+      return "arkivets innehållsförteckning stämmer inte";
+    case ZIP_ER_EOF:
+    case ZIP_ER_SEEK:
+    case ZIP_ER_READ:
+      return "arkivet är avkortat";
+    case ZIP_ER_CRC:
+      return "kontrollsumman stämmer inte";
+    case ZIP_ER_ZLIB:
+      return "packade data är skadade";
+    case ZIP_ER_COMPNOTSUPP:
+      return "okänd komprimering";
+    case ZIP_ER_ENCRNOTSUPP:
+    case ZIP_ER_NOPASSWD:
+    case ZIP_ER_WRONGPASSWD:
+      return "arkivet är krypterat";
+    case ZIP_ER_MEMORY:
+      return "minnet räcker inte";
+    default:
+      return "fel " + std::to_string(code);
+  }
+}
+
 std::string ZipErrorText(zip_error_t* error) {
-  return zip_error_strerror(error);
+  return ZipErrorText(zip_error_code_zip(error));
+}
+
+std::string ZipErrorText(zip_t* archive) {
+  return ZipErrorText(zip_get_error(archive));
+}
+
+std::string ZipErrorText(zip_file_t* file) {
+  return ZipErrorText(zip_file_get_error(file));
 }
 
 [[noreturn]] void Damaged(const std::string& why) {
   throw PackageError("Filen är inte en giltig arbetsbok (zip-arkivet är skadat: " + why + ").");
+}
+
+[[noreturn]] void NotWritten(const std::string& why) {
+  throw PackageError("Kan inte skapa arbetsboken (" + why + ").");
 }
 
 bool IsSafeName(std::string_view name) {
@@ -69,7 +111,7 @@ std::vector<ZipEntry> ReadZipArchive(std::string_view archive, const PackageLimi
   std::size_t total = 0;
   for (zip_uint64_t index = 0; index < static_cast<zip_uint64_t>(count); ++index) {
     zip_stat_t stat;
-    if (zip_stat_index(zip.get(), index, 0, &stat) != 0) Damaged(zip_strerror(zip.get()));
+    if (zip_stat_index(zip.get(), index, 0, &stat) != 0) Damaged(ZipErrorText(zip.get()));
     const std::string name = stat.name ? stat.name : "";
     if (!name.empty() && name.back() == '/') continue;  // a folder entry
     if (!IsSafeName(name)) Damaged("ogiltigt delnamn");
@@ -91,17 +133,21 @@ std::vector<ZipEntry> ReadZipArchive(std::string_view archive, const PackageLimi
     seen.push_back(lower);
 
     std::unique_ptr<zip_file_t, FileCloser> file(zip_fopen_index(zip.get(), index, 0));
-    if (!file) Damaged(zip_strerror(zip.get()));
+    if (!file) Damaged(ZipErrorText(zip.get()));
     ZipEntry entry{name, std::string(static_cast<std::size_t>(stat.size), '\0')};
     std::size_t done = 0;
     while (done < entry.bytes.size()) {
       const zip_int64_t got = zip_fread(file.get(), entry.bytes.data() + done, entry.bytes.size() - done);
-      if (got < 0) Damaged(zip_file_strerror(file.get()));
+      if (got < 0) Damaged(ZipErrorText(file.get()));
       if (got == 0) Damaged("delen " + name + " är avkortad");
       done += static_cast<std::size_t>(got);
     }
     char extra;
-    if (zip_fread(file.get(), &extra, 1) != 0) Damaged("delen " + name + " är större än angivet");
+    const zip_int64_t beyond = zip_fread(file.get(), &extra, 1);
+    if (beyond < 0) Damaged(ZipErrorText(file.get()));
+    if (beyond != 0) Damaged("delen " + name + " är större än angivet");
+    // Closing is where libzip compares the checksum of what was read.
+    if (zip_fclose(file.release()) != 0) Damaged("delen " + name + " har fel kontrollsumma");
     entries.push_back(std::move(entry));
   }
   return entries;
@@ -111,11 +157,15 @@ std::string WriteZipArchive(const std::vector<ZipSource>& entries) {
   zip_error_t error;
   zip_error_init(&error);
   zip_source_t* buffer = zip_source_buffer_create(nullptr, 0, 0, &error);
-  if (buffer == nullptr) throw PackageError("Kan inte skapa arbetsboken: " + ZipErrorText(&error));
+  if (buffer == nullptr) NotWritten(ZipErrorText(&error));
   zip_source_keep(buffer);
   std::unique_ptr<zip_source_t, decltype(&zip_source_free)> keeper(buffer, zip_source_free);
   ArchivePtr zip(zip_open_from_source(buffer, ZIP_TRUNCATE, &error));
-  if (!zip) throw PackageError("Kan inte skapa arbetsboken: " + ZipErrorText(&error));
+  if (!zip) {
+    const std::string why = ZipErrorText(&error);
+    zip_error_fini(&error);
+    NotWritten(why);
+  }
   zip_error_fini(&error);
 
   std::tm stamp{};
@@ -125,24 +175,23 @@ std::string WriteZipArchive(const std::vector<ZipSource>& entries) {
   const std::time_t fixedTime = std::mktime(&stamp);
   for (const auto& entry : entries) {
     zip_source_t* data = zip_source_buffer(zip.get(), entry.bytes.data(), entry.bytes.size(), 0);
-    if (data == nullptr)
-      throw PackageError(std::string("Kan inte skapa arbetsboken: ") + zip_strerror(zip.get()));
+    if (data == nullptr) NotWritten(ZipErrorText(zip.get()));
     const zip_int64_t index =
         zip_file_add(zip.get(), std::string(entry.name).c_str(), data, ZIP_FL_ENC_UTF_8 | ZIP_FL_OVERWRITE);
     if (index < 0) {
       zip_source_free(data);
-      throw PackageError(std::string("Kan inte skapa arbetsboken: ") + zip_strerror(zip.get()));
+      NotWritten(ZipErrorText(zip.get()));
     }
     const auto at = static_cast<zip_uint64_t>(index);
     // The fastest level: a workbook of hundreds of similar sheets compresses well at any level,
     // and saving time is what the user waits for.
-    zip_set_file_compression(zip.get(), at, ZIP_CM_DEFLATE, 1);
-    zip_file_set_mtime(zip.get(), at, fixedTime, 0);
-    zip_file_set_external_attributes(zip.get(), at, 0, ZIP_OPSYS_DOS, 0);
+    if (zip_set_file_compression(zip.get(), at, ZIP_CM_DEFLATE, 1) != 0 ||
+        zip_file_set_mtime(zip.get(), at, fixedTime, 0) != 0 ||
+        zip_file_set_external_attributes(zip.get(), at, 0, ZIP_OPSYS_DOS, 0) != 0) {
+      NotWritten(ZipErrorText(zip.get()));
+    }
   }
-  if (zip_close(zip.get()) != 0) {
-    throw PackageError(std::string("Kan inte skriva arbetsboken: ") + zip_strerror(zip.get()));
-  }
+  if (zip_close(zip.get()) != 0) NotWritten(ZipErrorText(zip.get()));
   (void)zip.release();
 
   zip_stat_t stat;
@@ -151,8 +200,8 @@ std::string WriteZipArchive(const std::vector<ZipSource>& entries) {
   }
   std::string bytes(static_cast<std::size_t>(stat.size), '\0');
   const zip_int64_t got = zip_source_read(buffer, bytes.data(), bytes.size());
-  zip_source_close(buffer);
-  if (got < 0 || static_cast<std::size_t>(got) != bytes.size())
+  const bool closed = zip_source_close(buffer) == 0;
+  if (!closed || got < 0 || static_cast<std::size_t>(got) != bytes.size())
     throw PackageError("Kan inte skriva arbetsboken.");
   return bytes;
 }

@@ -1,0 +1,70 @@
+#include "cli/template_workbook_check.h"
+
+#include <ostream>
+
+#include "excel/application_factory.h"
+#include "excel/automation.h"
+#include "generate/run_error.h"
+#include "template/upper_case.h"
+
+namespace sw::cli {
+namespace {
+
+void Tell(base::Dialogs& dialogs, std::string text, std::string title, base::MessageIcon icon) {
+  dialogs.ShowMessage({std::move(text), std::move(title), icon, base::MessageButtons::kOk});
+}
+
+// Reading something of the sheet makes the engine load it, so a damaged sheet shows here as it
+// would when generation writes to it.
+void ReadSheet(const excel::Sheet& sheet) {
+  (void)sheet.HPageBreaks().Count();
+}
+
+}  // namespace
+
+bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
+                                   const templ::TemplateDefinition& definition, base::Dialogs& dialogs) {
+  try {
+    const auto excel = excel::CreateApplication();
+    const excel::Workbook workbook = excel->Workbooks().Open(gen::EnginePath(workbookPath), true);
+    const std::string commonName = templ::UpperCase(definition.CommonSheetName);
+    const std::string templateName = templ::UpperCase(definition.TemplateSheetName);
+    bool commonFound = false, templateFound = false;
+    const excel::Sheets sheets = workbook.Sheets();
+    for (int i = 1; i <= sheets.Count(); ++i) {
+      const excel::Sheet sheet = sheets.Item(i);
+      const std::string name = templ::UpperCase(sheet.Name());
+      if (name != commonName && name != templateName) continue;
+      ReadSheet(sheet);
+      commonFound = commonFound || name == commonName;
+      templateFound = templateFound || name == templateName;
+    }
+    if (commonFound && templateFound) return true;
+    if (!commonFound) {
+      Tell(dialogs, "Fliken '" + definition.CommonSheetName + "' saknas i excelfilen", "",
+           base::MessageIcon::kInformation);
+    }
+    if (!templateFound) {
+      Tell(dialogs, "Fliken '" + definition.TemplateSheetName + "' saknas i excelfilen", "",
+           base::MessageIcon::kInformation);
+    }
+    Tell(dialogs, "Redigera mallfilen så att den uppfyller kraven.", "", base::MessageIcon::kNone);
+    return false;
+  } catch (const excel::AutomationError& error) {
+    Tell(dialogs, error.description(), "Filfel", base::MessageIcon::kCritical);
+    return false;
+  }
+}
+
+void WarnAboutPageLayout(const templ::TemplateDefinition& definition, std::ostream& err) {
+  const int firstRow = definition.StartRow;
+  const int lastRow = definition.EndRow;
+  if (!definition.Infinite && lastRow - firstRow + 1 <= 0) {
+    err << "Varning: Sidlängden är 0 eller mindre (STARTROW " << firstRow << ", ENDROW " << lastRow << ").\n";
+  }
+  if (firstRow < 1) {
+    err << "Varning: STARTROW är " << firstRow << "; rader ovanför rad 1 hoppas över.\n";
+  }
+}
+
+}  // namespace sw::cli

@@ -1,0 +1,55 @@
+#include "base/file_io.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <string>
+
+#include "temp_dir.h"
+
+namespace sw::base {
+namespace {
+
+using sw::testing::TempDir;
+
+TEST(ReadWholeFile, ReadsOnlyRegularFilesAndNeverWaitsOnAPipe) {
+  TempDir dir;
+  const auto file = dir.Write("fil.txt", std::string("a\0b", 3));
+  const auto folder = dir.path() / "mapp";
+  std::filesystem::create_directory(folder);
+  const auto pipe = dir.path() / "ror";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const auto link = dir.path() / "lank";
+  std::filesystem::create_symlink(file, link);
+
+  struct Case {
+    std::filesystem::path path;
+    std::optional<std::string> bytes;
+    std::errc error;
+  };
+  const Case cases[] = {
+      {file, std::string("a\0b", 3), std::errc()},
+      {link, std::string("a\0b", 3), std::errc()},  // a link to a file is that file
+      {folder, std::nullopt, std::errc::is_a_directory},
+      {pipe, std::nullopt, std::errc::invalid_argument},  // a writer never comes; no wait for one
+      {dir.path() / "saknas", std::nullopt, std::errc::no_such_file_or_directory},
+  };
+  for (const auto& c : cases) {
+    std::error_code error;
+    EXPECT_EQ(ReadWholeFile(c.path, &error), c.bytes) << c.path;
+    if (c.bytes) continue;
+    EXPECT_EQ(error, c.error) << c.path;
+    EXPECT_EQ(IsNotARegularFile(error), c.error != std::errc::no_such_file_or_directory) << c.path;
+  }
+}
+
+TEST(ReadWholeFile, EmptyAndLargeFilesReadWhole) {
+  TempDir dir;
+  EXPECT_EQ(ReadWholeFile(dir.Write("tom.txt", "")), std::string());
+  const std::string large(3 * 65536 + 17, 'x');
+  EXPECT_EQ(ReadWholeFile(dir.Write("stor.txt", large)), large);
+}
+
+}  // namespace
+}  // namespace sw::base

@@ -1,0 +1,221 @@
+// Bad input on the command line: folders, pipes, empty names, damaged workbooks and settings files.
+// Every case ends on a Swedish message and a non-zero exit, never a hang or a crash.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "base/file_io.h"
+#include "cli_runner.h"
+#include "excel/package/zip_archive.h"
+#include "temp_dir.h"
+
+namespace sw::testing {
+namespace {
+
+const std::string kExample = std::filesystem::absolute("../examples/yttre_forbindningstabell.txt").string();
+
+const char* const kIni =
+    "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n"
+    "[Common]\r\nProjekt=C3\r\n"
+    "[Sheet]\r\nSHEETNO=H2\r\nNEXTSHEET=H3\r\nLOCATION=B5\r\nSTARTROW=10\r\nENDROW=40\r\nCOLUMNS=A,B,C\r\n";
+
+enum class Kind { kFolder, kPipe };
+
+void MakeNonFile(const std::filesystem::path& path, Kind kind) {
+  if (kind == Kind::kFolder) {
+    std::filesystem::create_directory(path);
+  } else {
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  }
+}
+
+std::string Contains(const std::string& haystack, const std::string& needle) {
+  return haystack.find(needle) != std::string::npos ? "" : "missing \"" + needle + "\" in:\n" + haystack;
+}
+
+class BadInputTest : public ::testing::Test {
+ protected:
+  std::filesystem::path TemplateFrom(std::string_view bytes, const std::string& name = "Mall.xlsx",
+                                     const std::string& ini = kIni) {
+    const auto workbook = temp.Write(name, bytes);
+    temp.Write(std::filesystem::path(name).replace_extension(".ini").string(), ini);
+    return workbook;
+  }
+  std::string GoodTemplateBytes() { return *base::ReadWholeFile(DataFile("templates/title_block.xlsx")); }
+
+  TempDir temp;
+  CliRunner cli{temp.path()};
+};
+
+TEST_F(BadInputTest, SettingsFileThatIsNoFileEndsEveryCommandOnAMessage) {
+  for (const Kind kind : {Kind::kFolder, Kind::kPipe}) {
+    TempDir folder;
+    CliRunner runner{folder.path()};
+    MakeNonFile(runner.RegistryFile(), kind);
+    const std::string message = "Filfel: Kan ej l\u00e4sa inst\u00e4llningsfilen " +
+                                runner.RegistryFile().string() +
+                                " eftersom det inte \u00e4r n\u00e5gon vanlig fil.\n";
+    const std::vector<std::vector<std::string>> commands = {
+        {"environment"},
+        {"preview", kExample},
+        {"generate", "--dump", kExample, "--out", (folder.path() / "Lista.xlsx").string()},
+    };
+    for (const auto& command : commands) {
+      const auto result = runner.Run(command);
+      EXPECT_EQ(result.exitCode, 1) << command[0];
+      EXPECT_EQ(result.err, message) << command[0];
+    }
+  }
+}
+
+TEST_F(BadInputTest, DumpOrTemplateThatIsNoFileIsRefused) {
+  for (const Kind kind : {Kind::kFolder, Kind::kPipe}) {
+    TempDir folder;
+    CliRunner runner{folder.path()};
+    const auto dump = folder.path() / "dump.txt";
+    MakeNonFile(dump, kind);
+    auto result = runner.Run({"preview", dump.string()});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.err, "Fel: Hittar ej filen " + dump.string() + ".\n");
+
+    const auto workbook = folder.path() / "Mall.xlsx";
+    MakeNonFile(workbook, kind);
+    folder.Write("Mall.ini", kIni);
+    result = runner.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out",
+                         (folder.path() / "Lista.xlsx").string()});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(Contains(result.err, "Filfel: Det g\u00e5r inte att \u00f6ppna " + workbook.string() +
+                                       " eftersom det inte \u00e4r n\u00e5gon fil.\n"),
+              "");
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "Lista.xlsx"));
+  }
+}
+
+TEST_F(BadInputTest, EmptyFileNamesAreUsageErrors) {
+  const std::vector<std::vector<std::string>> commands = {
+      {"generate", "--dump", "", "--out", (temp.path() / "Lista.xlsx").string()},
+      {"generate", "--dump", kExample, "--template", "", "--out", (temp.path() / "Lista.xlsx").string()},
+      {"preview", ""},
+      {"preview", kExample, "--template", ""},
+  };
+  for (const auto& command : commands) {
+    const auto result = cli.Run(command);
+    EXPECT_EQ(result.exitCode, 2) << command[0];
+    EXPECT_EQ(Contains(result.err, "ett tomt filnamn anger ingen fil"), "");
+  }
+}
+
+TEST_F(BadInputTest, BigEndianUtf16DumpIsNamedAsSuch) {
+  const auto dump = temp.Write("be.txt", std::string("\xFE\xFF\0%\0A\0\r\0\n", 10));
+  const auto result = cli.Run({"preview", dump.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err,
+            "Filfel: Filen " + dump.string() +
+                " \u00e4r sparad som UTF-16 big-endian och kan inte l\u00e4sas. Spara den som ANSI, "
+                "UTF-8 eller UTF-16 little-endian.\n");
+}
+
+TEST_F(BadInputTest, BrokenSettingsFileIsKeptAsideAndTheUserToldWhere) {
+  const std::string broken = "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright]\r\nskadad rad\r\n";
+  temp.Write("registry.reg", broken);
+  const auto workbook = TemplateFrom(GoodTemplateBytes());
+  const auto result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out",
+                               (temp.path() / "Lista.xlsx").string()});
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  std::vector<std::filesystem::path> kept;
+  for (const auto& entry : std::filesystem::directory_iterator(temp.path())) {
+    if (entry.path().filename().string().starts_with("registry.reg.broken-")) kept.push_back(entry.path());
+  }
+  ASSERT_EQ(kept.size(), 1u);
+  EXPECT_EQ(base::ReadWholeFile(kept[0]), broken);
+  EXPECT_EQ(
+      Contains(result.err, "Filfel: Inst\u00e4llningsfilen " + cli.RegistryFile().string() +
+                               " gick inte att l\u00e4sa (rad 3: Raden g\u00e5r inte att tolka.). Den har "
+                               "sparats som " +
+                               kept[0].string() + " och en ny inst\u00e4llningsfil skrivs.\n"),
+      "");
+}
+
+std::string WithRowNumber(const std::string& workbook, const std::string& number) {
+  auto entries = excel::ReadZipArchive(workbook, {});
+  std::vector<excel::ZipSource> sources;
+  for (auto& entry : entries) {
+    if (entry.name == "xl/worksheets/sheet2.xml") {
+      const auto at = entry.bytes.find("<row r=\"");
+      const auto end = entry.bytes.find('"', at + 8);
+      entry.bytes.replace(at + 8, end - at - 8, number);
+    }
+    sources.push_back({entry.name, entry.bytes});
+  }
+  return excel::WriteZipArchive(sources);
+}
+
+TEST_F(BadInputTest, CheckOpensTheWorkbookAsGenerationDoes) {
+  const std::string good = GoodTemplateBytes();
+  struct Case {
+    std::string name;
+    std::string bytes;
+    std::string ini;
+    std::string message;
+  };
+  const std::string missingSheet =
+      std::string(kIni).replace(std::string(kIni).find("Template=Mall"), 13, "Template=Sidor");
+  const std::vector<Case> cases = {
+      {"Trunkerad.xlsx", good.substr(0, good.size() / 2), kIni,
+       "Filfel: Filen \u00e4r inte en giltig arbetsbok (zip-arkivet \u00e4r skadat: det \u00e4r inget "
+       "zip-arkiv).\n"},
+      {"Gammal.xls", std::string("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + std::string(600, '\0'), kIni,
+       "Filfel: Filen \u00e4r en arbetsbok i det \u00e4ldre Excel-formatet (.xls) eller \u00e4r krypterad "
+       "och "
+       "kan inte \u00f6ppnas. Spara den som .xlsx eller .xlsm.\n"},
+      {"Sidor.xlsx", good, missingSheet,
+       "Sheetwright: Fliken 'Sidor' saknas i excelfilen\nSheetwright: Redigera mallfilen s\u00e5 att den "
+       "uppfyller kraven.\n"},
+      {"Rader.xlsx", WithRowNumber(good, "2147483647"), kIni,
+       "Filfel: Kalkylbladet har en rad utanf\u00f6r Excels blad (rad 2147483647).\n"},
+  };
+  for (const auto& c : cases) {
+    const auto workbook = TemplateFrom(c.bytes, c.name, c.ini);
+    const auto result = cli.Run({"check", workbook.string()});
+    EXPECT_EQ(result.exitCode, 1) << c.name;
+    EXPECT_EQ(result.out, "") << c.name;
+    EXPECT_EQ(result.err, c.message) << c.name;
+    EXPECT_EQ(result.err.find("Not a zip"), std::string::npos);
+  }
+  // The last row Excel has is a row like any other.
+  const auto workbook = TemplateFrom(WithRowNumber(good, "1048576"), "Sista.xlsx");
+  EXPECT_EQ(cli.Run({"check", workbook.string()}).exitCode, 0);
+}
+
+TEST_F(BadInputTest, CheckWarnsAboutLayoutsGenerationRunsAsTheyAre) {
+  struct Case {
+    std::string rows;
+    int exitCode;
+    std::string warnings;
+  };
+  const std::vector<Case> cases = {
+      {"STARTROW=10\r\nENDROW=9\r\n", 0,
+       "Varning: Sidl\u00e4ngden \u00e4r 0 eller mindre (STARTROW 10, ENDROW 9).\n"},
+      {"STARTROW=-2\r\nENDROW=5\r\n", 0,
+       "Varning: STARTROW \u00e4r -2; rader ovanf\u00f6r rad 1 hoppas \u00f6ver.\n"},
+      {"STARTROW=10\r\nENDROW=40\r\n", 0, ""},
+  };
+  for (const auto& c : cases) {
+    TempDir folder;
+    CliRunner runner{folder.path()};
+    const auto workbook = folder.Write("Mall.xlsx", GoodTemplateBytes());
+    folder.Write("Mall.ini",
+                 "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n[Common]\r\nProjekt=C3\r\n"
+                 "[Sheet]\r\nSHEETNO=H2\r\nNEXTSHEET=H3\r\nLOCATION=B5\r\n" +
+                     c.rows + "COLUMNS=A,B,C\r\n");
+    const auto result = runner.Run({"check", workbook.string()});
+    EXPECT_EQ(result.exitCode, c.exitCode) << c.rows << result.err;
+    EXPECT_EQ(result.err, c.warnings) << c.rows;
+  }
+}
+
+}  // namespace
+}  // namespace sw::testing
