@@ -117,18 +117,54 @@ pugi::xml_node WorkbookDocument::WorkbookRoot() {
   return package_.Xml(workbookPart_).document_element();
 }
 
-pugi::xml_node WorkbookDocument::SheetNode(int position) const {
-  int i = 0;
+bool WorkbookDocument::IgnoreCaseLess::operator()(std::string_view a, std::string_view b) const {
+  return base::CompareIgnoreCase(a, b) < 0;
+}
+
+void WorkbookDocument::IndexSheets() const {
   auto& self = const_cast<WorkbookDocument&>(*this);
-  for (auto sheet : self.WorkbookRoot().child("sheets").children("sheet")) {
-    if (i++ == position) return sheet;
+  const pugi::xml_document& workbook = self.package_.Xml(workbookPart_);
+  // The workbook part stays parsed from Load on; a document parsed anew means the index is stale.
+  if (indexedWorkbook_ == &workbook && sheetNodes_.size() == sheets_.size()) return;
+  sheetNodes_.clear();
+  nameCounts_.clear();
+  highestSheetId_ = 0;
+  for (auto sheet : workbook.document_element().child("sheets").children("sheet")) {
+    sheetNodes_.push_back(sheet);
+    ++nameCounts_[sheet.attribute("name").value()];
+    highestSheetId_ = std::max(highestSheetId_, sheet.attribute("sheetId").as_uint());
   }
-  return {};
+  indexedWorkbook_ = &workbook;
+}
+
+bool WorkbookDocument::NameTaken(std::string_view name, int selfPosition) const {
+  IndexSheets();
+  const auto found = nameCounts_.find(std::string(name));
+  if (found == nameCounts_.end()) return false;
+  const bool self = selfPosition >= 0 && base::EqualsIgnoreCase(SheetName(selfPosition), name);
+  return found->second > (self ? 1 : 0);
+}
+
+void WorkbookDocument::CountName(std::string_view name, int change) {
+  const auto found = nameCounts_.try_emplace(std::string(name), 0).first;
+  found->second += change;
+  if (found->second <= 0) nameCounts_.erase(found);
+}
+
+pugi::xml_node WorkbookDocument::SheetNode(int position) const {
+  IndexSheets();
+  if (position < 0 || static_cast<std::size_t>(position) >= sheetNodes_.size()) return {};
+  return sheetNodes_[static_cast<std::size_t>(position)];
 }
 
 int WorkbookDocument::PositionOf(int id) const {
+  // Pages are filled one after another, so the sheet asked for is nearly always the one asked last.
+  if (positionHint_ < sheets_.size() && sheets_[positionHint_].id == id) return static_cast<int>(positionHint_);
   for (std::size_t i = 0; i < sheets_.size(); ++i) {
-    if (sheets_[i].id == id) return static_cast<int>(i);
+    if (sheets_[i].id == id) {
+      positionHint_ = i;
+      return static_cast<int>(i);
+    }
   }
   return -1;
 }
@@ -147,11 +183,14 @@ std::vector<std::string> WorkbookDocument::SheetNames() const {
 }
 
 void WorkbookDocument::RenameSheet(int position, std::string_view name) {
-  if (const auto problem = SheetNameProblem(name, SheetNames(), position))
+  if (const auto problem =
+          SheetNameProblem(name, [&](std::string_view candidate) { return NameTaken(candidate, position); }))
     throw std::invalid_argument(*problem);
   const std::string oldName = SheetName(position);
   if (oldName == name) return;
   SheetNode(position).attribute("name") = std::string(name).c_str();
+  CountName(oldName, -1);
+  CountName(name, 1);
   const bool fresh = Entry(position).createdByCopy;
   for (auto definedName : WorkbookRoot().child("definedNames").children("definedName")) {
     // Only a copy's own names can name a sheet this session made.

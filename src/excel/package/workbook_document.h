@@ -3,6 +3,7 @@
 // views, and the edits Excel makes at this level (copying and renaming sheets, the active sheet,
 // saving).
 #include <deque>
+#include <map>
 #include <memory>
 #include <pugixml.hpp>
 #include <set>
@@ -82,6 +83,11 @@ class WorkbookDocument {
   void UpdateAppProperties();
   pugi::xml_node SheetNode(int position) const;
   pugi::xml_node WorkbookRoot();
+  // The <sheet> elements by position and the sheet names, gathered once: a run of thousands of pages
+  // looks sheets up by position and name for every page.
+  void IndexSheets() const;
+  bool NameTaken(std::string_view name, int selfPosition) const;
+  void CountName(std::string_view name, int change);
 
   Package package_;
   std::string workbookPart_;
@@ -101,6 +107,15 @@ class WorkbookDocument {
   // Sheet parts that hold no cached formula results any more: the engine never writes new ones, so
   // a save need not parse these again (hundreds of copied pages would otherwise each be parsed).
   std::set<std::string> withoutResults_;
+
+  struct IgnoreCaseLess {
+    bool operator()(std::string_view a, std::string_view b) const;
+  };
+  mutable const pugi::xml_document* indexedWorkbook_ = nullptr;  // null: IndexSheets must run
+  mutable std::vector<pugi::xml_node> sheetNodes_;
+  mutable std::map<std::string, int, IgnoreCaseLess> nameCounts_;
+  mutable unsigned highestSheetId_ = 0;
+  mutable std::size_t positionHint_ = 0;  // where PositionOf found the last sheet asked for
 };
 
 }  // namespace sw::excel
