@@ -147,6 +147,7 @@ int WorkbookDocument::CopySheet(int source, int after) {
   CountName(copyName, 1);
   highestSheetId_ = highestSheetId + 1;
   CopyDefinedNames(sourceAfterInsert, position, sourceName, copyName);
+  if (highestLocalSheetId_ != -2) highestLocalSheetId_ = std::max(highestLocalSheetId_, position);
   activeSheet_ = position;
   dirtySheets_.push_back(part);
   Touch(part);
@@ -213,6 +214,7 @@ std::string WorkbookDocument::CopyChart(const std::string& original, std::string
   }
   package_.SetXml(copy, std::move(document));
   package_.Park(copy);
+  if (chartPartsGathered_ && copy.starts_with("xl/charts/chart")) chartParts_.push_back(copy);
   CopyContentType(package_, original, copy);
   std::vector<std::pair<std::string, std::string>> targets;
   for (const auto& relationship : ReadRelationships(package_, original)) {

@@ -219,7 +219,12 @@ void WorkbookDocument::RenameInOtherParts(std::string_view oldName, std::string_
       RenameInFormulas(Sheet(i, true).root(), "f", oldName, newName);
     }
   }
-  for (const auto& part : package_.PartNamesWithPrefix("xl/charts/chart")) {
+  if (!chartPartsGathered_) {
+    chartPartsGathered_ = true;
+    chartParts_ = package_.PartNamesWithPrefix("xl/charts/chart");
+  }
+  for (const auto& part : chartParts_) {
+    if (!package_.Has(part)) continue;
     if (!package_.IsParsed(part) && !ContainsIgnoringCase(package_.Bytes(part), oldName)) continue;
     RenameInFormulas(package_.Xml(part).document_element(), "c:f", oldName, newName);
     package_.Park(part);
@@ -295,10 +300,20 @@ bool WorkbookDocument::HasVbaProject() {
 }
 
 void WorkbookDocument::ShiftLocalSheetIds(int from) {
+  if (highestLocalSheetId_ == -2) {
+    highestLocalSheetId_ = -1;
+    for (const auto name : WorkbookRoot().child("definedNames").children("definedName")) {
+      if (const auto local = name.attribute("localSheetId"))
+        highestLocalSheetId_ = std::max(highestLocalSheetId_, local.as_int());
+    }
+  }
+  // A page appended behind every sheet moves no name: spare the walk over thousands of them.
+  if (from > highestLocalSheetId_) return;
   for (auto name : WorkbookRoot().child("definedNames").children("definedName")) {
     auto local = name.attribute("localSheetId");
     if (local && local.as_int() >= from) local = local.as_int() + 1;
   }
+  ++highestLocalSheetId_;
 }
 
 void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view sourceName,

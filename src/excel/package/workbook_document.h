@@ -116,6 +116,9 @@ class WorkbookDocument {
   mutable std::map<std::string, int, IgnoreCaseLess> nameCounts_;
   mutable unsigned highestSheetId_ = 0;
   mutable std::size_t positionHint_ = 0;  // where PositionOf found the last sheet asked for
+  int highestLocalSheetId_ = -2;          // of any defined name; -2: not gathered yet
+  bool chartPartsGathered_ = false;
+  std::vector<std::string> chartParts_;  // every chart part, gathered once and kept by CopyChart
 };
 
 }  // namespace sw::excel
