@@ -192,12 +192,16 @@ void WorkbookDocument::RenameSheet(int position, std::string_view name) {
   CountName(oldName, -1);
   CountName(name, 1);
   const bool fresh = Entry(position).createdByCopy;
-  for (auto definedName : WorkbookRoot().child("definedNames").children("definedName")) {
+  std::vector<pugi::xml_node> candidates;
+  if (fresh) {
     // Only a copy's own names can name a sheet this session made.
-    if (fresh && (!definedName.attribute("localSheetId") ||
-                  definedName.attribute("localSheetId").as_int() != position)) {
-      continue;
-    }
+    const auto found = Names().bySheet.find(position);
+    if (found != Names().bySheet.end()) candidates = found->second;
+  } else {
+    for (auto definedName : WorkbookRoot().child("definedNames").children("definedName"))
+      candidates.push_back(definedName);
+  }
+  for (auto definedName : candidates) {
     auto text = definedName.text();
     if (!ContainsIgnoringCase(text.get(), oldName)) continue;
     const std::string renamed = RenameSheetInFormula(text.get(), oldName, name);
@@ -309,6 +313,7 @@ void WorkbookDocument::ShiftLocalSheetIds(int from) {
   }
   // A page appended behind every sheet moves no name: spare the walk over thousands of them.
   if (from > highestLocalSheetId_) return;
+  NamesChanged();
   for (auto name : WorkbookRoot().child("definedNames").children("definedName")) {
     auto local = name.attribute("localSheetId");
     if (local && local.as_int() >= from) local = local.as_int() + 1;
@@ -319,25 +324,47 @@ void WorkbookDocument::ShiftLocalSheetIds(int from) {
 void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view sourceName,
                                         std::string_view copyName) {
   auto names = WorkbookRoot().child("definedNames");
-  std::vector<pugi::xml_node> originals;
-  for (auto name : names.children("definedName")) {
-    if (name.attribute("localSheetId") && name.attribute("localSheetId").as_int() == source)
-      originals.push_back(name);
-  }
+  NameIndex& index = Names();
+  // Another sheet's copies may sit between a name and where its last copy went.
+  if (index.lastSource != source) index.walks.clear();
+  index.lastSource = source;
+  const auto found = index.bySheet.find(source);
+  if (found == index.bySheet.end()) return;
+  const std::vector<pugi::xml_node> originals = found->second;
   for (auto original : originals) {
     // Excel keeps the names sorted by name, then by sheet: the copy goes behind the same name's
-    // entries for earlier sheets.
+    // entries for earlier sheets. The walk goes on from where the previous copy of this name went
+    // when every entry passed then belongs before this copy too.
     auto before = original;
-    for (auto next = original.next_sibling("definedName");
+    int highestWalked = -1;
+    if (const auto walk = index.walks.find(original);
+        walk != index.walks.end() && walk->second.highestWalked < copy) {
+      before = walk->second.before;
+      highestWalked = walk->second.highestWalked;
+    }
+    for (auto next = before.next_sibling("definedName");
          next && base::EqualsIgnoreCase(next.attribute("name").value(), original.attribute("name").value()) &&
          next.attribute("localSheetId") && next.attribute("localSheetId").as_int() < copy;
          next = next.next_sibling("definedName")) {
       before = next;
+      highestWalked = std::max(highestWalked, next.attribute("localSheetId").as_int());
     }
     auto duplicate = names.insert_copy_after(original, before);
     duplicate.attribute("localSheetId") = copy;
     duplicate.text().set(RenameSheetInFormula(original.text().get(), sourceName, copyName).c_str());
+    index.bySheet[copy].push_back(duplicate);
+    index.walks[original] = NameIndex::Walk{before, highestWalked};
   }
+}
+
+WorkbookDocument::NameIndex& WorkbookDocument::Names() {
+  if (!names_.built) {
+    names_.built = true;
+    for (auto name : WorkbookRoot().child("definedNames").children("definedName")) {
+      if (const auto local = name.attribute("localSheetId")) names_.bySheet[local.as_int()].push_back(name);
+    }
+  }
+  return names_;
 }
 
 std::string WorkbookDocument::Serialize(std::string_view extension) {

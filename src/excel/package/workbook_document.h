@@ -117,6 +117,22 @@ class WorkbookDocument {
   mutable unsigned highestSheetId_ = 0;
   mutable std::size_t positionHint_ = 0;  // where PositionOf found the last sheet asked for
   int highestLocalSheetId_ = -2;          // of any defined name; -2: not gathered yet
+  // The sheet-scoped defined names by sheet, and where the last copy of each name was put, so that
+  // copying a page does not walk every page's names. Whatever inserts, removes or renumbers
+  // definedName elements calls NamesChanged().
+  struct NameIndex {
+    struct Walk {
+      pugi::xml_node before;  // the copy of the name went behind this node
+      int highestWalked = -1;  // highest localSheetId passed on the way there
+    };
+    bool built = false;
+    int lastSource = -1;
+    std::map<int, std::vector<pugi::xml_node>> bySheet;
+    std::map<pugi::xml_node, Walk> walks;  // by original name
+  };
+  NameIndex& Names();
+  void NamesChanged() { names_ = NameIndex{}; }
+  NameIndex names_;
   bool chartPartsGathered_ = false;
   std::vector<std::string> chartParts_;  // every chart part, gathered once and kept by CopyChart
 };
