@@ -159,7 +159,8 @@ pugi::xml_node WorkbookDocument::SheetNode(int position) const {
 
 int WorkbookDocument::PositionOf(int id) const {
   // Pages are filled one after another, so the sheet asked for is nearly always the one asked last.
-  if (positionHint_ < sheets_.size() && sheets_[positionHint_].id == id) return static_cast<int>(positionHint_);
+  if (positionHint_ < sheets_.size() && sheets_[positionHint_].id == id)
+    return static_cast<int>(positionHint_);
   for (std::size_t i = 0; i < sheets_.size(); ++i) {
     if (sheets_[i].id == id) {
       positionHint_ = i;

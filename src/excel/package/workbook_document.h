@@ -122,7 +122,7 @@ class WorkbookDocument {
   // definedName elements calls NamesChanged().
   struct NameIndex {
     struct Walk {
-      pugi::xml_node before;  // the copy of the name went behind this node
+      pugi::xml_node before;   // the copy of the name went behind this node
       int highestWalked = -1;  // highest localSheetId passed on the way there
     };
     bool built = false;
