@@ -37,12 +37,11 @@ PreviewResult LoadDumpFile(ReportTable& table, const PreviewContext& context) {
     return PreviewResult::kNotFound;
   }
   try {
-    std::optional<std::string> bytes = base::ReadWholeFile(path);
-    if (!bytes) {
+    if (!LoadDumpFile(table, path, context.progress)) {
+      table.SetRows(1);
       ShowFileError(context.dialogs, "Kan ej läsa filen " + context.dumpPath + ".");
       return PreviewResult::kUnreadable;
     }
-    LoadDumpText(table, *bytes, context.progress);
   } catch (const std::bad_alloc&) {
     table.SetRows(1);
     ShowFileError(context.dialogs, "Filen " + context.dumpPath + " är för stor för att läsas in.");
