@@ -2,7 +2,8 @@
 """Side-by-side timings in one run, as ratios: generation scaling (time per page), the 10,000-row job
 against openpyxl and a libxlsxwriter program writing the same sheets and cells, single-sheet against
 normal mode, and loading a dump against Python's csv module. Medians of interleaved runs; peak memory
-of each child from wait4. Usage: compare.py BUILD_DIR [RUNS]"""
+of each child from wait4. SW_CLI names another command line to measure (an older build, say).
+Usage: compare.py BUILD_DIR [RUNS]"""
 import os
 import statistics
 import subprocess
@@ -18,12 +19,17 @@ SOURCE = HERE.parent
 PYTHON = "/usr/bin/python3" if Path("/usr/bin/python3").exists() else sys.executable
 
 
+# Wall time by default; SW_CPU_TIME=1 takes the child's user + system time instead, which a machine
+# shared with other work disturbs far less.
+CPU_TIME = os.environ.get("SW_CPU_TIME") == "1"
+
+
 def run(command, env=None):
-    """Wall seconds and peak resident MB of one child."""
+    """Seconds and peak resident MB of one child."""
     start = time.perf_counter()
     child = subprocess.Popen(command, stdout=subprocess.DEVNULL, env=env)
     _, status, usage = os.wait4(child.pid, 0)
-    seconds = time.perf_counter() - start
+    seconds = usage.ru_utime + usage.ru_stime if CPU_TIME else time.perf_counter() - start
     if os.waitstatus_to_exitcode(status) != 0:
         raise SystemExit(f"failed: {' '.join(map(str, command))}")
     return seconds, usage.ru_maxrss / 1024.0
@@ -52,7 +58,7 @@ def main() -> int:
         return 2
     build = Path(sys.argv[1]).resolve()
     runs = int(sys.argv[2]) if len(sys.argv) > 2 else 3
-    cli = build / "src/cli/sheetwright-cli"
+    cli = Path(os.environ.get("SW_CLI", build / "src/cli/sheetwright-cli"))
     reference = build / "bench/xlsxwriter_reference"
     work = Path(tempfile.mkdtemp(prefix="sheetwright-compare-"))
     env = dict(os.environ, SHEETWRIGHT_REGISTRY=str(work / "registry.reg"))
@@ -71,6 +77,7 @@ def main() -> int:
         return [str(cli), "generate", "--dump", str(dump(rows)), "--template", str(template), "--out",
                 str(work / out), *extra]
 
+    print("== Times are " + ("CPU (user + system)" if CPU_TIME else "wall-clock") + " seconds")
     print("== Generation scaling (one run each)")
     sizes = [int(size) for size in os.environ.get("SW_SCALING_ROWS", "3000,30000,100000").split(",")]
     first = None
