@@ -26,13 +26,16 @@ CPU_TIME = os.environ.get("SW_CPU_TIME") == "1"
 
 def run(command, env=None):
     """Seconds and peak resident MB of one child."""
-    start = time.perf_counter()
-    child = subprocess.Popen(command, stdout=subprocess.DEVNULL, env=env)
-    _, status, usage = os.wait4(child.pid, 0)
-    seconds = usage.ru_utime + usage.ru_stime if CPU_TIME else time.perf_counter() - start
-    if os.waitstatus_to_exitcode(status) != 0:
-        raise SystemExit(f"failed: {' '.join(map(str, command))}")
-    return seconds, usage.ru_maxrss / 1024.0
+    # GNU time reports the peak: a child forked from this interpreter would inherit its peak.
+    with tempfile.NamedTemporaryFile("r") as peak:
+        start = time.perf_counter()
+        child = subprocess.Popen(["/usr/bin/time", "-q", "-f", "%M", "-o", peak.name, *map(str, command)],
+                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=env)
+        _, status, usage = os.wait4(child.pid, 0)
+        seconds = usage.ru_utime + usage.ru_stime if CPU_TIME else time.perf_counter() - start
+        if os.waitstatus_to_exitcode(status) != 0:
+            raise SystemExit(f"failed: {' '.join(map(str, command))}")
+        return seconds, int(peak.read().split()[-1]) / 1024.0
 
 
 def interleaved(commands, runs, env=None):
