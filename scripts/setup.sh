@@ -9,6 +9,8 @@ debian_packages=(
   # build
   cmake ninja-build g++ pkg-config
   libzip-dev libpugixml-dev libcli11-dev
+  # the tools that libzip-dev's CMake package names, without which configuring fails
+  zipcmp zipmerge ziptool
   # GUI (ui/ only)
   qt6-base-dev
   # tests, benchmarks and fuzzing

@@ -65,6 +65,11 @@ bool LooksLikeR1C1(std::string_view name) {
 
 std::optional<std::string> SheetNameProblem(std::string_view name, const std::vector<std::string>& existing,
                                             int selfIndex) {
+  return SheetNameProblem(
+      name, [&](std::string_view candidate) { return IsTaken(candidate, existing, selfIndex); });
+}
+
+std::optional<std::string> SheetNameProblem(std::string_view name, const SheetNameTaken& taken) {
   if (name.empty()) return "Bladnamnet får inte vara tomt.";
   if (Utf16Length(name) > kMaxNameLength) return "Bladnamnet får vara högst 31 tecken långt.";
   if (name.find_first_of(":\\/?*[]") != std::string_view::npos) {
@@ -73,12 +78,16 @@ std::optional<std::string> SheetNameProblem(std::string_view name, const std::ve
   if (name.front() == '\'' || name.back() == '\'')
     return "Bladnamnet får inte börja eller sluta med apostrof.";
   if (base::EqualsIgnoreCase(name, "History")) return "Namnet History är reserverat.";
-  if (IsTaken(name, existing, selfIndex))
-    return "Det finns redan ett blad med namnet " + std::string(name) + ".";
+  if (taken(name)) return "Det finns redan ett blad med namnet " + std::string(name) + ".";
   return std::nullopt;
 }
 
 std::string DefaultCopyName(std::string_view source, const std::vector<std::string>& existing) {
+  return DefaultCopyName(source,
+                         [&](std::string_view candidate) { return IsTaken(candidate, existing, -1); });
+}
+
+std::string DefaultCopyName(std::string_view source, const SheetNameTaken& taken) {
   std::string_view base = source;
   // A copy of "Mall (2)" is "Mall (3)", not "Mall (2) (2)".
   if (base.size() > 3 && base.back() == ')') {
@@ -92,7 +101,7 @@ std::string DefaultCopyName(std::string_view source, const std::vector<std::stri
   for (int n = 2;; ++n) {
     const std::string suffix = " (" + std::to_string(n) + ")";
     const std::string candidate = CutToUnits(base, kMaxNameLength - suffix.size()) + suffix;
-    if (!IsTaken(candidate, existing, -1)) return candidate;
+    if (!taken(candidate)) return candidate;
   }
 }
 

@@ -8,6 +8,9 @@
 // cell (TABs stay inside) on a light green row. Lines before the first title line or the first line
 // with an empty first field and at least two fields are a preamble and are not shown; a blank green
 // row goes before the first such data line.
+#include <cstddef>
+#include <filesystem>
+#include <optional>
 #include <string_view>
 
 #include "report/report_table.h"
@@ -37,5 +40,12 @@ struct DumpReadResult {
 // Throws std::bad_alloc or std::length_error when the dump does not fit in memory; the table then
 // holds part of the dump.
 DumpReadResult LoadDumpText(ReportTable& table, std::string_view bytes, LoadProgress* progress = nullptr);
+
+// The same from the file at `path`, read `chunkBytes` at a time (twice: counting, then reading), so
+// that the dump is never in memory beside the table. Nothing when the file cannot be opened or read;
+// the table then holds its heading row only.
+std::optional<DumpReadResult> LoadDumpFile(ReportTable& table, const std::filesystem::path& path,
+                                           LoadProgress* progress = nullptr,
+                                           std::size_t chunkBytes = std::size_t{1} << 20);
 
 }  // namespace sw::report

@@ -1,6 +1,7 @@
 #include "report/preview_loader.h"
 
 #include <filesystem>
+#include <fstream>
 #include <new>
 #include <optional>
 #include <stdexcept>
@@ -21,9 +22,12 @@ void ShowFileError(base::Dialogs& dialogs, std::string text) {
   dialogs.ShowMessage({std::move(text), "Filfel", base::MessageIcon::kCritical, base::MessageButtons::kOk});
 }
 
-bool IsUtf16BigEndian(std::string_view bytes) {
-  return bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFE &&
-         static_cast<unsigned char>(bytes[1]) == 0xFF;
+// The file starts with the byte-order mark of big-endian UTF-16.
+bool IsUtf16BigEndian(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  char mark[2] = {};
+  if (!in.read(mark, 2)) return false;
+  return static_cast<unsigned char>(mark[0]) == 0xFE && static_cast<unsigned char>(mark[1]) == 0xFF;
 }
 
 // Reads and loads the dump; tells the user when the file cannot be found, read or held.
@@ -41,20 +45,20 @@ PreviewResult LoadDumpFile(ReportTable& table, const PreviewContext& context) {
                                  base::MessageIcon::kInformation, base::MessageButtons::kOk});
     return PreviewResult::kNotFound;
   }
+  // Read as ANSI, big-endian UTF-16 comes out as no report rows at all, which says nothing.
+  if (IsUtf16BigEndian(path)) {
+    table.SetRows(1);
+    ShowFileError(context.dialogs, "Filen " + context.dumpPath +
+                                       " är sparad som UTF-16 big-endian och kan inte läsas. Spara den som "
+                                       "ANSI, UTF-8 eller UTF-16 little-endian.");
+    return PreviewResult::kUnreadable;
+  }
   try {
-    std::optional<std::string> bytes = base::ReadWholeFile(path);
-    if (!bytes) {
+    if (!LoadDumpFile(table, path, context.progress)) {
+      table.SetRows(1);
       ShowFileError(context.dialogs, "Kan ej läsa filen " + context.dumpPath + ".");
       return PreviewResult::kUnreadable;
     }
-    // Read as ANSI, big-endian UTF-16 comes out as no report rows at all, which says nothing.
-    if (IsUtf16BigEndian(*bytes)) {
-      ShowFileError(context.dialogs, "Filen " + context.dumpPath +
-                                         " är sparad som UTF-16 big-endian och kan inte läsas. Spara den som "
-                                         "ANSI, UTF-8 eller UTF-16 little-endian.");
-      return PreviewResult::kUnreadable;
-    }
-    LoadDumpText(table, *bytes, context.progress);
   } catch (const std::bad_alloc&) {
     table.SetRows(1);
     ShowFileError(context.dialogs, "Filen " + context.dumpPath + " är för stor för att läsas in.");

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/text_codec.h"
+#include "support/temp_dir.h"
 #include "table_rows.h"
 
 namespace sw::report {
@@ -28,6 +29,25 @@ TEST_P(RowRules, ReadsRowsAndColumns) {
   LoadDumpText(table, c.bytes);
   EXPECT_EQ(ReportRows(table), c.rows);
   EXPECT_EQ(table.Cols(), c.cols);
+}
+
+// A file is read in pieces; lines, CR LF pairs and characters cut at a piece's end must not show.
+TEST_P(RowRules, ReadsTheSameRowsFromAFileInPieces) {
+  const RowRuleCase& c = GetParam();
+  const testing::TempDir folder;
+  const auto path = folder.Write("volt_report.txt", c.bytes);
+  ReportTable whole;
+  const int lines = LoadDumpText(whole, c.bytes).lineCount;
+  for (const std::size_t piece : {4, 5, 7, 64, 1 << 20}) {
+    ReportTable table;
+    const auto result = LoadDumpFile(table, path, nullptr, piece);
+    ASSERT_TRUE(result.has_value());
+    EXPECT_EQ(result->lineCount, lines) << piece;
+    EXPECT_EQ(ReportRows(table), c.rows) << piece;
+    EXPECT_EQ(table.Cols(), c.cols) << piece;
+    for (int row = 1; row < table.Rows(); ++row)
+      EXPECT_EQ(PaintedColumns(table, row, kTitleGreen), PaintedColumns(whole, row, kTitleGreen)) << piece;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(

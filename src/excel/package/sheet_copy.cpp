@@ -71,7 +71,8 @@ int WorkbookDocument::CopySheet(int source, int after) {
   const SheetEntry sourceEntry = Entry(source);
   if (!sourceEntry.worksheet) throw std::invalid_argument("Bara kalkylblad kan kopieras.");
   const std::string sourceName = SheetName(source);
-  const std::string copyName = DefaultCopyName(sourceName, SheetNames());
+  const std::string copyName =
+      DefaultCopyName(sourceName, [&](std::string_view candidate) { return NameTaken(candidate, -1); });
   const std::string part = package_.FreeName("xl/worksheets/sheet", ".xml", SheetCount() + 1);
 
   std::string serialized;
@@ -132,9 +133,8 @@ int WorkbookDocument::CopySheet(int source, int after) {
   const std::string relationshipId = AddRelationship(package_, workbookPart_, reltype::kWorksheet, part);
   auto sheets = WorkbookRoot().child("sheets");
   const auto sourceNode = SheetNode(source);
-  unsigned highestSheetId = 0;
-  for (const auto sheet : sheets.children("sheet"))
-    highestSheetId = std::max(highestSheetId, sheet.attribute("sheetId").as_uint());
+  IndexSheets();
+  const unsigned highestSheetId = highestSheetId_;
   auto node = sheets.insert_child_after("sheet", SheetNode(after));
   for (const auto attribute : sourceNode.attributes()) {  // some writers declare r: on each sheet
     if (std::string_view(attribute.name()).substr(0, 6) == "xmlns:") node.append_copy(attribute);
@@ -150,7 +150,11 @@ int WorkbookDocument::CopySheet(int source, int after) {
   node.append_attribute(idAttribute.c_str()) = relationshipId.c_str();
 
   sheets_.insert(sheets_.begin() + position, SheetEntry{nextId_++, part, true, true, namesItself});
+  sheetNodes_.insert(sheetNodes_.begin() + position, node);
+  CountName(copyName, 1);
+  highestSheetId_ = highestSheetId + 1;
   CopyDefinedNames(sourceAfterInsert, position, sourceName, copyName);
+  if (highestLocalSheetId_ != -2) highestLocalSheetId_ = std::max(highestLocalSheetId_, position);
   activeSheet_ = position;
   dirtySheets_.push_back(part);
   Touch(part);
@@ -217,6 +221,7 @@ std::string WorkbookDocument::CopyChart(const std::string& original, std::string
   }
   package_.SetXml(copy, std::move(document));
   package_.Park(copy);
+  if (chartPartsGathered_ && copy.starts_with("xl/charts/chart")) chartParts_.push_back(copy);
   CopyContentType(package_, original, copy);
   std::vector<std::pair<std::string, std::string>> targets;
   for (const auto& relationship : ReadRelationships(package_, original)) {

@@ -110,18 +110,55 @@ pugi::xml_node WorkbookDocument::WorkbookRoot() {
   return package_.Xml(workbookPart_).document_element();
 }
 
-pugi::xml_node WorkbookDocument::SheetNode(int position) const {
-  int i = 0;
+bool WorkbookDocument::IgnoreCaseLess::operator()(std::string_view a, std::string_view b) const {
+  return base::CompareIgnoreCase(a, b) < 0;
+}
+
+void WorkbookDocument::IndexSheets() const {
   auto& self = const_cast<WorkbookDocument&>(*this);
-  for (auto sheet : self.WorkbookRoot().child("sheets").children("sheet")) {
-    if (i++ == position) return sheet;
+  const pugi::xml_document& workbook = self.package_.Xml(workbookPart_);
+  // The workbook part stays parsed from Load on; a document parsed anew means the index is stale.
+  if (indexedWorkbook_ == &workbook && sheetNodes_.size() == sheets_.size()) return;
+  sheetNodes_.clear();
+  nameCounts_.clear();
+  highestSheetId_ = 0;
+  for (auto sheet : workbook.document_element().child("sheets").children("sheet")) {
+    sheetNodes_.push_back(sheet);
+    ++nameCounts_[sheet.attribute("name").value()];
+    highestSheetId_ = std::max(highestSheetId_, sheet.attribute("sheetId").as_uint());
   }
-  return {};
+  indexedWorkbook_ = &workbook;
+}
+
+bool WorkbookDocument::NameTaken(std::string_view name, int selfPosition) const {
+  IndexSheets();
+  const auto found = nameCounts_.find(std::string(name));
+  if (found == nameCounts_.end()) return false;
+  const bool self = selfPosition >= 0 && base::EqualsIgnoreCase(SheetName(selfPosition), name);
+  return found->second > (self ? 1 : 0);
+}
+
+void WorkbookDocument::CountName(std::string_view name, int change) {
+  const auto found = nameCounts_.try_emplace(std::string(name), 0).first;
+  found->second += change;
+  if (found->second <= 0) nameCounts_.erase(found);
+}
+
+pugi::xml_node WorkbookDocument::SheetNode(int position) const {
+  IndexSheets();
+  if (position < 0 || static_cast<std::size_t>(position) >= sheetNodes_.size()) return {};
+  return sheetNodes_[static_cast<std::size_t>(position)];
 }
 
 int WorkbookDocument::PositionOf(int id) const {
+  // Pages are filled one after another, so the sheet asked for is nearly always the one asked last.
+  if (positionHint_ < sheets_.size() && sheets_[positionHint_].id == id)
+    return static_cast<int>(positionHint_);
   for (std::size_t i = 0; i < sheets_.size(); ++i) {
-    if (sheets_[i].id == id) return static_cast<int>(i);
+    if (sheets_[i].id == id) {
+      positionHint_ = i;
+      return static_cast<int>(i);
+    }
   }
   return -1;
 }
@@ -140,18 +177,25 @@ std::vector<std::string> WorkbookDocument::SheetNames() const {
 }
 
 void WorkbookDocument::RenameSheet(int position, std::string_view name) {
-  if (const auto problem = SheetNameProblem(name, SheetNames(), position))
+  if (const auto problem =
+          SheetNameProblem(name, [&](std::string_view candidate) { return NameTaken(candidate, position); }))
     throw std::invalid_argument(*problem);
   const std::string oldName = SheetName(position);
   if (oldName == name) return;
   SheetNode(position).attribute("name") = std::string(name).c_str();
+  CountName(oldName, -1);
+  CountName(name, 1);
   const bool fresh = Entry(position).createdByCopy;
-  for (auto definedName : WorkbookRoot().child("definedNames").children("definedName")) {
+  std::vector<pugi::xml_node> candidates;
+  if (fresh) {
     // Only a copy's own names can name a sheet this session made.
-    if (fresh && (!definedName.attribute("localSheetId") ||
-                  definedName.attribute("localSheetId").as_int() != position)) {
-      continue;
-    }
+    const auto found = Names().bySheet.find(position);
+    if (found != Names().bySheet.end()) candidates = found->second;
+  } else {
+    for (auto definedName : WorkbookRoot().child("definedNames").children("definedName"))
+      candidates.push_back(definedName);
+  }
+  for (auto definedName : candidates) {
     auto text = definedName.text();
     if (!SheetNameMayOccur(text.get(), oldName)) continue;
     const std::string renamed = RenameSheetInFormula(text.get(), oldName, name);
@@ -174,7 +218,12 @@ void WorkbookDocument::RenameInOtherParts(std::string_view oldName, std::string_
   } else if (Entry(position).namesItself) {
     RenameInFormulas(Sheet(position, true).root(), kWorksheetFormulas, oldName, newName);
   }
-  for (const auto& part : package_.PartNamesWithPrefix("xl/charts/chart")) {
+  if (!chartPartsGathered_) {
+    chartPartsGathered_ = true;
+    chartParts_ = package_.PartNamesWithPrefix("xl/charts/chart");
+  }
+  for (const auto& part : chartParts_) {
+    if (!package_.Has(part)) continue;
     if (!package_.IsParsed(part) && !SheetNameMayOccur(package_.Bytes(part), oldName)) continue;
     RenameInFormulas(package_.Xml(part).document_element(), "//c:f", oldName, newName);
     package_.Park(part);
@@ -250,48 +299,67 @@ bool WorkbookDocument::HasVbaProject() {
 }
 
 void WorkbookDocument::ShiftLocalSheetIds(int from) {
+  if (highestLocalSheetId_ == -2) {
+    highestLocalSheetId_ = -1;
+    for (const auto name : WorkbookRoot().child("definedNames").children("definedName")) {
+      if (const auto local = name.attribute("localSheetId"))
+        highestLocalSheetId_ = std::max(highestLocalSheetId_, local.as_int());
+    }
+  }
+  // A page appended behind every sheet moves no name: spare the walk over thousands of them.
+  if (from > highestLocalSheetId_) return;
+  NamesChanged();
   for (auto name : WorkbookRoot().child("definedNames").children("definedName")) {
     auto local = name.attribute("localSheetId");
     if (local && local.as_int() >= from) local = local.as_int() + 1;
   }
+  ++highestLocalSheetId_;
 }
 
 void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view sourceName,
                                         std::string_view copyName) {
   auto names = WorkbookRoot().child("definedNames");
-  const auto localTo = [](pugi::xml_node name, int sheet) {
-    return name.attribute("localSheetId") && name.attribute("localSheetId").as_int() == sheet;
-  };
+  NameIndex& index = Names();
+  // Another sheet's copies may sit between a name and where its last copy went.
+  if (index.lastSource != source) index.walks.clear();
+  index.lastSource = source;
   // The copy takes the source's own names, and a name of its own for each workbook name that
   // refers to the source, so that on the copy such a name means the copy.
   std::vector<std::pair<pugi::xml_node, std::string>> originals;
-  for (auto name : names.children("definedName")) {
-    if (localTo(name, source)) {
+  if (const auto found = index.bySheet.find(source); found != index.bySheet.end()) {
+    for (auto name : found->second)
       originals.emplace_back(name, RenameSheetInFormula(name.text().get(), sourceName, copyName));
-    } else if (!name.attribute("localSheetId") && SheetNameMayOccur(name.text().get(), sourceName)) {
-      std::string refersTo = RenameSheetInFormula(name.text().get(), sourceName, copyName);
-      if (refersTo != name.text().get()) originals.emplace_back(name, std::move(refersTo));
-    }
   }
-  // The source's own names first: a workbook name of the same name is then already covered.
-  std::stable_partition(originals.begin(), originals.end(),
-                        [](const auto& original) { return bool(original.first.attribute("localSheetId")); });
-  const auto hasOwn = [&](std::string_view wanted) {
-    for (const auto name : names.children("definedName")) {
-      if (localTo(name, copy) && base::EqualsIgnoreCase(name.attribute("name").value(), wanted)) return true;
-    }
-    return false;
-  };
+  const std::size_t ownNames = originals.size();
+  for (auto name : index.workbookScoped) {
+    if (!SheetNameMayOccur(name.text().get(), sourceName)) continue;
+    // A name of the source's own of the same name already covers it.
+    const bool covered = std::any_of(originals.begin(), originals.begin() + static_cast<std::ptrdiff_t>(ownNames),
+                                     [&](const auto& own) {
+                                       return base::EqualsIgnoreCase(own.first.attribute("name").value(),
+                                                                     name.attribute("name").value());
+                                     });
+    if (covered) continue;
+    std::string refersTo = RenameSheetInFormula(name.text().get(), sourceName, copyName);
+    if (refersTo != name.text().get()) originals.emplace_back(name, std::move(refersTo));
+  }
   for (const auto& [original, refersTo] : originals) {
-    if (!original.attribute("localSheetId") && hasOwn(original.attribute("name").value())) continue;
     // Excel keeps the names sorted by name, then by sheet: the copy goes behind the same name's
-    // entries for earlier sheets.
+    // entries for earlier sheets. The walk goes on from where the previous copy of this name went
+    // when every entry passed then belongs before this copy too.
     auto before = original;
-    for (auto next = original.next_sibling("definedName");
+    int highestWalked = -1;
+    if (const auto walk = index.walks.find(original);
+        walk != index.walks.end() && walk->second.highestWalked < copy) {
+      before = walk->second.before;
+      highestWalked = walk->second.highestWalked;
+    }
+    for (auto next = before.next_sibling("definedName");
          next && base::EqualsIgnoreCase(next.attribute("name").value(), original.attribute("name").value()) &&
          next.attribute("localSheetId") && next.attribute("localSheetId").as_int() < copy;
          next = next.next_sibling("definedName")) {
       before = next;
+      highestWalked = std::max(highestWalked, next.attribute("localSheetId").as_int());
     }
     auto duplicate = names.insert_copy_after(original, before);
     if (auto local = duplicate.attribute("localSheetId")) {
@@ -300,7 +368,23 @@ void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view s
       duplicate.insert_attribute_after("localSheetId", duplicate.attribute("name")) = copy;
     }
     duplicate.text().set(refersTo.c_str());
+    index.bySheet[copy].push_back(duplicate);
+    index.walks[original] = NameIndex::Walk{before, highestWalked};
   }
+}
+
+WorkbookDocument::NameIndex& WorkbookDocument::Names() {
+  if (!names_.built) {
+    names_.built = true;
+    for (auto name : WorkbookRoot().child("definedNames").children("definedName")) {
+      if (const auto local = name.attribute("localSheetId")) {
+        names_.bySheet[local.as_int()].push_back(name);
+      } else {
+        names_.workbookScoped.push_back(name);
+      }
+    }
+  }
+  return names_;
 }
 
 std::string WorkbookDocument::Serialize(std::string_view extension) {

@@ -3,6 +3,7 @@
 // views, and the edits Excel makes at this level (copying and renaming sheets, the active sheet,
 // saving).
 #include <deque>
+#include <map>
 #include <memory>
 #include <pugixml.hpp>
 #include <set>
@@ -83,6 +84,11 @@ class WorkbookDocument {
   void UpdateAppProperties();
   pugi::xml_node SheetNode(int position) const;
   pugi::xml_node WorkbookRoot();
+  // The <sheet> elements by position and the sheet names, gathered once: a run of thousands of pages
+  // looks sheets up by position and name for every page.
+  void IndexSheets() const;
+  bool NameTaken(std::string_view name, int selfPosition) const;
+  void CountName(std::string_view name, int change);
 
   Package package_;
   std::string workbookPart_;
@@ -102,6 +108,35 @@ class WorkbookDocument {
   // Sheet parts that hold no cached formula results any more: the engine never writes new ones, so
   // a save need not parse these again (hundreds of copied pages would otherwise each be parsed).
   std::set<std::string> withoutResults_;
+
+  struct IgnoreCaseLess {
+    bool operator()(std::string_view a, std::string_view b) const;
+  };
+  mutable const pugi::xml_document* indexedWorkbook_ = nullptr;  // null: IndexSheets must run
+  mutable std::vector<pugi::xml_node> sheetNodes_;
+  mutable std::map<std::string, int, IgnoreCaseLess> nameCounts_;
+  mutable unsigned highestSheetId_ = 0;
+  mutable std::size_t positionHint_ = 0;  // where PositionOf found the last sheet asked for
+  int highestLocalSheetId_ = -2;          // of any defined name; -2: not gathered yet
+  // The sheet-scoped defined names by sheet, and where the last copy of each name was put, so that
+  // copying a page does not walk every page's names. Whatever inserts, removes or renumbers
+  // definedName elements calls NamesChanged().
+  struct NameIndex {
+    struct Walk {
+      pugi::xml_node before;   // the copy of the name went behind this node
+      int highestWalked = -1;  // highest localSheetId passed on the way there
+    };
+    bool built = false;
+    int lastSource = -1;
+    std::map<int, std::vector<pugi::xml_node>> bySheet;
+    std::vector<pugi::xml_node> workbookScoped;  // names without a sheet of their own
+    std::map<pugi::xml_node, Walk> walks;  // by original name
+  };
+  NameIndex& Names();
+  void NamesChanged() { names_ = NameIndex{}; }
+  NameIndex names_;
+  bool chartPartsGathered_ = false;
+  std::vector<std::string> chartParts_;  // every chart part, gathered once and kept by CopyChart
 };
 
 }  // namespace sw::excel
