@@ -118,7 +118,7 @@ const std::vector<QuirkFile>& QuirkFiles() {
   return files;
 }
 
-TEST(WindowsProfileApiComparison, KnownQuirksReadAsWindowsReadsThem) {
+TEST(WindowsOnlyProfileApiComparison, KnownQuirksReadAsWindowsReadsThem) {
   testing::TempDir folder;
   const auto queries = StandardQueries({"Sheet", "SHEET", "section1", "Next", "\xC5TG\xC4RD", "Missing"},
                                        {"A", "b", "C", "D", "E", "F", "name3", "\xF6L", "Missing"});
@@ -173,7 +173,7 @@ std::string GeneratedFile(std::mt19937& random) {
   return file;
 }
 
-TEST(WindowsProfileApiComparison, GeneratedFilesReadAsWindowsReadsThem) {
+TEST(WindowsOnlyProfileApiComparison, GeneratedFilesReadAsWindowsReadsThem) {
   testing::TempDir folder;
   const auto queries = StandardQueries({"S1", "s2", "S3", "\xE5r", "Missing"},
                                        {"k1", "K2", "k3", "k4", "k5", "\xD6K", "noequals", "Missing"});
