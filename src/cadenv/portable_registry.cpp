@@ -6,6 +6,7 @@
 #include "base/environment.h"
 #include "base/file_io.h"
 #include "base/program_folder.h"
+#include "base/text_codec.h"
 #include "cadenv/file_lock.h"
 
 namespace sw::cadenv {
@@ -25,6 +26,21 @@ std::string Timestamp() {
   char text[32] = "";
   if (const std::tm* local = std::localtime(&now)) std::strftime(text, sizeof text, "%Y%m%d-%H%M%S", local);
   return text;
+}
+
+// Windows enumerates into name and data buffers of 2048 characters (see win32_registry.cpp); a value
+// that does not fit reads as the end there, so it does here too.
+bool FitsEnumerationBuffers(const RegistryValue& value) {
+  constexpr std::size_t kBufferChars = 2048;
+  const auto utf16Chars = [](std::string_view text) { return base::EncodeUtf16Le(text).size() / 2; };
+  if (utf16Chars(value.name) >= kBufferChars) return false;
+  std::size_t dataBytes = value.data.size();
+  if (value.type == ValueType::kString || value.type == ValueType::kExpandString) {
+    dataBytes = (utf16Chars(value.data) + 1) * 2;
+  } else if (value.type == ValueType::kMultiString) {
+    dataBytes = (utf16Chars(value.data) + 2) * 2;
+  }
+  return dataBytes <= kBufferChars * 2;
 }
 
 }  // namespace
@@ -121,7 +137,8 @@ std::optional<RegistryValue> PortableRegistry::ValueAt(RootKey root, std::string
                                                        std::size_t index) {
   const Snapshot snapshot = Load();
   const RegKey* key = snapshot.tree.FindKey(root, keyPath);
-  if (!key || index >= key->Values().size()) return std::nullopt;
+  if (!key || index >= key->Values().size() || !FitsEnumerationBuffers(key->Values()[index]))
+    return std::nullopt;
   return key->Values()[index];
 }
 

@@ -68,8 +68,9 @@ HANDLE InheritableFile(const std::filesystem::path& file, DWORD access, DWORD di
                      FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
+// Read as text: a Windows console program ends its lines with CR LF.
 std::string Slurp(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
+  std::ifstream in(file);
   std::ostringstream text;
   text << in.rdbuf();
   return text.str();
