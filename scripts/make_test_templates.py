@@ -12,6 +12,9 @@ import shutil
 import tempfile
 
 from openpyxl import Workbook
+from openpyxl.formatting.rule import FormulaRule
+from openpyxl.styles import PatternFill
+from openpyxl.workbook.defined_name import DefinedName
 from openpyxl.comments import Comment
 from openpyxl.drawing.image import Image
 from openpyxl.styles import Alignment, Border, Font, Side
@@ -106,6 +109,52 @@ def build_title_block(path):
     book.save(path)
 
 
+def build_self_references(path):
+    """A page template whose formulas name its own sheet (quoted, inside functions, absolute), a
+    workbook name that points into it, a conditional format and a tall data row, and a selection
+    that names its pane as LibreOffice writes it."""
+    book = Workbook()
+    common = book.active
+    common.title = "Common"
+    common["A1"] = "Projekt"
+    common["B1"] = "Ställverk 9"
+    common["A2"] = "Mallens G2"
+    common["B2"] = "='Mall 1'!G2"
+
+    page = book.create_sheet("Mall 1")
+    page["E1"] = "Blad"
+    page["F1"] = "0"
+    page["F2"] = "0"
+    page["G2"] = "mallens egen"
+    page["G3"] = "x"
+    page["A1"] = "='Mall 1'!G2"
+    page["A2"] = '=CONCATENATE(\'Mall 1\'!G2,"-",Common!B1)'
+    page["A3"] = "=COUNTA('Mall 1'!$G$2:$G$3)"
+    page["A4"] = "=Sidnr"
+    page["A5"] = '="\'Mall 1\'!G2"'
+    page["A6"] = "=Sida!F1"
+    page["A9"] = "Kabel"
+    for row in range(10, 41):
+        page.cell(row=row, column=1).border = BOX
+    page.row_dimensions[11].height = 24
+    page.conditional_formatting.add(
+        "A11:F11", FormulaRule(formula=['$B11="X"'], fill=PatternFill("solid", start_color="FFC7CE")))
+    page.sheet_view.selection[0].pane = "topLeft"
+    own_list = DataValidation(type="list", formula1="'Mall 1'!$G$2:$G$3", allow_blank=True)
+    page.add_data_validation(own_list)
+    own_list.add("B10:B40")
+    template_list = DataValidation(type="list", formula1="'Mall 1'!$G$2:$G$3", allow_blank=True)
+    common.add_data_validation(template_list)
+    template_list.add("B3")
+
+    other = book.create_sheet("Sida")
+    other["F1"] = "sidan"
+
+    book.defined_names.append(DefinedName("Sidnr", attr_text="'Mall 1'!$F$1"))
+    book.active = 1
+    book.save(path)
+
+
 def main():
     os.makedirs(OUT, exist_ok=True)
     with tempfile.TemporaryDirectory() as work:
@@ -115,6 +164,9 @@ def main():
         resave_with_libreoffice(raw, os.path.join(OUT, "title_block.xlsm"), XLSM)
         # openpyxl's own output, not re-saved: the shape a script-made template has.
         shutil.copy(raw, os.path.join(OUT, "title_block_openpyxl.xlsx"))
+        raw = os.path.join(work, "self_references_raw.xlsx")
+        build_self_references(raw)
+        resave_with_libreoffice(raw, os.path.join(OUT, "self_references.xlsx"))
     print("written to", os.path.normpath(OUT))
 
 

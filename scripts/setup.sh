@@ -16,7 +16,7 @@ debian_packages=(
   # the Windows build, its libraries built from Debian's sources (dpkg-dev unpacks them), its tests under Wine
   g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev wine wine64
   # independent readers of the workbooks we write, and the writer-speed reference
-  python3 python3-openpyxl libreoffice-calc-nogui libxlsxwriter-dev
+  python3 python3-openpyxl python3-pil libreoffice-calc-nogui libxlsxwriter-dev
 )
 # Node.js for the Open XML validator: Debian's nodejs and npm, unless a Node.js with its own npm is there.
 if ! command -v npm >/dev/null 2>&1; then debian_packages+=(nodejs npm); fi
@@ -36,10 +36,13 @@ if [ ${#missing[@]} -gt 0 ]; then
   DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 fi
 
-# The Open XML SDK validator, kept inside the checkout (tools/node_modules, ignored by git).
-if [ ! -x "$here/tools/node_modules/.bin/ooxml-validate" ]; then
+# The Open XML SDK validator, installed inside the checkout (tools/node_modules, ignored by git) from the
+# committed lock file: its newest dependencies need a newer Node.js than Debian 12's 18, so the versions are pinned.
+lock="$here/tools/package-lock.json"
+stamp="$here/tools/node_modules/.installed-lock"
+if [ ! -x "$here/tools/node_modules/.bin/ooxml-validate" ] || ! cmp -s "$lock" "$stamp"; then
   echo "setup: installing @ooxml-tools/validate"
-  mkdir -p "$here/tools"
-  (cd "$here/tools" && npm install --silent --no-audit --no-fund --prefix . @ooxml-tools/validate >/dev/null)
+  (cd "$here/tools" && npm ci --silent --no-audit --no-fund --engine-strict=false >/dev/null)
+  cp "$lock" "$stamp"
 fi
 echo "setup: ready"

@@ -81,6 +81,17 @@ bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, co
   return true;
 }
 
+// A workbook saved as .xlsx loses its macros without a word; a macro template's result must keep
+// them, so such a target is refused before anything is touched.
+bool KeepsMacros(const GenerationRun& run, const GenerationInputs& inputs, const std::string& extension) {
+  if (inputs.singleSheet || extension != "xlsm" || TemplateExtension(inputs.targetPath) != "xlsx")
+    return true;
+  run.Tell("Mallen " + inputs.templateFile + " innehåller makron, som inte kan sparas i en .xlsx-fil.\r" +
+               "Ange ett filnamn som slutar på .xlsm.",
+           "Fel", MessageIcon::kExclamation);
+  return false;
+}
+
 // The template's INI file as generation needs it; a failing one is opened for editing.
 bool ValidateIni(GenerationRun& run, templ::TemplateDefinition& definition) {
   const auto result = templ::ValidateTemplateIni(definition.IniPath, definition, run.services.dialogs);
@@ -159,6 +170,7 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templ::TemplateDefinition
   const std::string extension = TemplateExtension(inputs.templateFile);
   run.pageFileExtension = "." + extension;
   if (!CheckInputsAndAskForTarget(run, inputs, extension)) return;
+  if (!KeepsMacros(run, inputs, extension)) return;
   if (!ValidateIni(run, definition)) return;
 
   run.SetMousePointer(MousePointer::kHourglass);

@@ -104,9 +104,11 @@ bool ReadCommonFields(std::string_view iniPath, TemplateDefinition& definition, 
     CellReference cell;
     std::string_view defaultText;
     if (equals != std::string::npos) {
-      const auto parts = base::Split(std::string_view(line).substr(equals + 1), '|');
-      cell = ParseCellReference(parts[0]);
-      if (parts.size() > 1) defaultText = parts[1];
+      // The default text is all that follows the first "|", further bars included.
+      const std::string_view value = std::string_view(line).substr(equals + 1);
+      const auto bar = value.find('|');
+      cell = ParseCellReference(value.substr(0, bar));
+      if (bar != std::string_view::npos) defaultText = value.substr(bar + 1);
     }
     if (cell.row < 1 || cell.col < 1) {
       Tell(

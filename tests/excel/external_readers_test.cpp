@@ -96,7 +96,7 @@ class ExternalReadersTest : public ::testing::Test {
 testing::TempDir* ExternalReadersTest::folder_ = nullptr;
 
 TEST_F(ExternalReadersTest, PackageLinterFindsNothing) {
-  if (!HavePython()) GTEST_SKIP() << "python3 is not installed";
+  ASSERT_TRUE(HavePython()) << "python3 is missing (scripts/setup.sh installs it)";
   for (const auto& file : {Pages(), Macro(), Scripted()}) {
     const auto result = RunPython(kSource / "tests/excel/package_lint.py", {file.string()});
     EXPECT_EQ(result.status, 0) << file << ":\n" << result.output;
@@ -104,7 +104,7 @@ TEST_F(ExternalReadersTest, PackageLinterFindsNothing) {
 }
 
 TEST_F(ExternalReadersTest, OpenpyxlReadsBackWhatWasWritten) {
-  if (!HaveOpenpyxl()) GTEST_SKIP() << "python3-openpyxl is not installed";
+  ASSERT_TRUE(HaveOpenpyxl()) << "python3-openpyxl or python3-pil is missing (scripts/setup.sh installs it)";
   const fs::path readBack = kSource / "tests/excel/read_back.py";
   const auto result =
       RunPython(readBack, {Pages().string(), "sheets=Common,Mall,1,2,3", "cell:Common!B1=Ställverk 8 & <ny>",
@@ -143,7 +143,7 @@ class LibreOfficeTest : public ExternalReadersTest {
 };
 
 TEST_F(LibreOfficeTest, ConvertsToPdf) {
-  if (!HaveLibreOffice()) GTEST_SKIP() << "libreoffice-calc-nogui is not installed";
+  ASSERT_TRUE(HaveLibreOffice()) << "libreoffice-calc-nogui is missing (scripts/setup.sh installs it)";
   const fs::path out = folder_->path() / "pdf";
   const auto result = Convert("pdf", out, {Pages(), Macro()});
   ASSERT_EQ(result.status, 0) << result.output;
@@ -158,7 +158,7 @@ TEST_F(LibreOfficeTest, ConvertsToPdf) {
 // formulas is what the file gives it, so a page copied from the template must not show the
 // template's results.
 TEST_F(LibreOfficeTest, ShowsFormulasOfCopiedPagesWithTheWrittenValues) {
-  if (!HaveLibreOffice()) GTEST_SKIP() << "libreoffice-calc-nogui is not installed";
+  ASSERT_TRUE(HaveLibreOffice()) << "libreoffice-calc-nogui is missing (scripts/setup.sh installs it)";
   const fs::path out = folder_->path() / "csv";
   // Comma separated, double quotes, UTF-8, every sheet into a file of its own.
   const auto result = Convert("csv:Text - txt - csv (StarCalc):44,34,76,1,,0,false,true,false,false,false,-1",
@@ -174,7 +174,7 @@ TEST_F(LibreOfficeTest, ShowsFormulasOfCopiedPagesWithTheWrittenValues) {
 
 TEST_F(ExternalReadersTest, ValidatorFindsNoErrorTheTemplateLacks) {
   const fs::path validator = kSource / "tools/node_modules/.bin/ooxml-validate";
-  if (!fs::exists(validator)) GTEST_SKIP() << "ooxml-validate is not installed (scripts/setup.sh)";
+  ASSERT_TRUE(fs::exists(validator)) << "ooxml-validate is missing (scripts/setup.sh installs it)";
   EXPECT_LE(ValidatorErrors(validator, Pages()),
             ValidatorErrors(validator, kSource / "tests/data/templates/title_block.xlsx"));
   EXPECT_LE(ValidatorErrors(validator, Macro()),

@@ -19,6 +19,15 @@ TEST(FormulaText, RenamesSheetQualifiedReferences) {
   EXPECT_EQ(RenameSheetInFormula("[1]Mall!A1", "Mall", "X"), "[1]Mall!A1");
 }
 
+TEST(FormulaText, LooksForSheetNamesInPartTextCheaplyButNeverMissesOne) {
+  EXPECT_TRUE(SheetNameMayOccur("<f>COUNTA(MALL!G2)</f>", "Mall"));
+  EXPECT_TRUE(SheetNameMayOccur("<f>&apos;Mall 1&apos;!G2</f>", "Mall 1"));
+  EXPECT_FALSE(SheetNameMayOccur("<f>Common!B1</f>", "Mall"));
+  // Escaped in XML or doubled in formulas: the plain name may not be in the text at all.
+  EXPECT_TRUE(SheetNameMayOccur("<f>'R&amp;D'!A1</f>", "R&D"));
+  EXPECT_TRUE(SheetNameMayOccur("<f>'O''Brien'!A1</f>", "O'Brien"));
+}
+
 TEST(FormulaText, RenamesTablesInStructuredReferences) {
   EXPECT_EQ(RenameTableInFormula("SUM(Kabeltyper[Antal])+Kabeltyper2[x]", "Kabeltyper", "Kabeltyper1"),
             "SUM(Kabeltyper1[Antal])+Kabeltyper2[x]");

@@ -105,7 +105,7 @@ TEST_F(EndToEndTest, CommandPrintsEveryWorkbookWritten) {
 }
 
 TEST_F(EndToEndTest, PagesHoldTheirNumbersPlacementsRowsAndPictures) {
-  if (!HaveOpenpyxl()) GTEST_SKIP() << "python3-openpyxl is not installed";
+  ASSERT_TRUE(HaveOpenpyxl()) << "python3-openpyxl or python3-pil is missing (scripts/setup.sh installs it)";
   std::vector<std::string> expected = {"sheets=Common,Mall,1,2,3", "cell:Common!B1=Provskåp",
                                        "cell:Common!B2=Kraftbolaget AB", "cell:Common!B3=AB",
                                        "cell:Mall!A10="};
@@ -135,7 +135,7 @@ TEST_F(EndToEndTest, PagesHoldTheirNumbersPlacementsRowsAndPictures) {
 }
 
 TEST_F(EndToEndTest, SingleSheetFilesArePaddedAndEmptiedPerPage) {
-  if (!HaveOpenpyxl()) GTEST_SKIP() << "python3-openpyxl is not installed";
+  ASSERT_TRUE(HaveOpenpyxl()) << "python3-openpyxl or python3-pil is missing (scripts/setup.sh installs it)";
   const auto first =
       ReadBack(Target("Blad-007.xlsx"), {"sheets=Common,007", "cell:007!F1=007", "cell:007!F2=008",
                                          "cell:007!B12=3", "images:007=1", "print_area:007=$A$1:$F$40"});
@@ -148,7 +148,7 @@ TEST_F(EndToEndTest, SingleSheetFilesArePaddedAndEmptiedPerPage) {
 
 TEST_F(EndToEndTest, ValidatorFindsNoErrorTheTemplateLacks) {
   const fs::path validator = kSource / "tools/node_modules/.bin/ooxml-validate";
-  if (!fs::exists(validator)) GTEST_SKIP() << "ooxml-validate is not installed (scripts/setup.sh)";
+  ASSERT_TRUE(fs::exists(validator)) << "ooxml-validate is missing (scripts/setup.sh installs it)";
   const int templateErrors = ValidatorErrors(validator, Template());
   EXPECT_LE(ValidatorErrors(validator, Target("Lista.xlsx")), templateErrors);
   EXPECT_LE(ValidatorErrors(validator, Target("Blad-009.xlsx")), templateErrors);
@@ -203,6 +203,29 @@ TEST_F(EndToEndTest, SingleSheetWithoutYesStopsAtTheWarning) {
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.out, "");
   EXPECT_FALSE(fs::exists(Target("Nej-1.xlsx")));
+}
+
+// An .xlsx file cannot hold the macros of an .xlsm template: such a target is refused before
+// anything is touched, and an earlier file of that name stays as it was.
+TEST_F(EndToEndTest, MacroTemplateRefusesAnXlsxTarget) {
+  const fs::path folder = folder_->path() / "Makromallar";
+  fs::create_directories(folder);
+  fs::copy_file(kSource / "tests/data/templates/title_block.xlsm", folder / "title_block.xlsm");
+  fs::copy_file(kSource / "tests/data/generation/three_rows.ini", folder / "title_block.ini");
+  folder_->Write("Ut/Makro.xlsx", "tidigare resultat");
+
+  auto run = Generate({"--template", (folder / "title_block.xlsm").string(), "--out", Target("Makro.xlsx")});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(
+      run.err.find("Fel: Mallen title_block.xlsm innehåller makron, som inte kan sparas i en .xlsx-fil."),
+      std::string::npos)
+      << run.err;
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(*base::ReadWholeFile(Target("Makro.xlsx")), "tidigare resultat");
+
+  run = Generate({"--template", (folder / "title_block.xlsm").string(), "--out", Target("Makro.xlsm")});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.out, Target("Makro.xlsm") + "\n");
 }
 
 }  // namespace

@@ -462,6 +462,29 @@ TEST(StartNumberValueTest, ReadsNumbersAsVbDoesInArithmetic) {
   }
 }
 
+// Saved as .xlsx, a macro template's result would lose its macros; the run stops before Excel is
+// started or any file is touched. Page files of a single-sheet run take the template's own type.
+TEST_F(GenerateWorkbookTest, MacroTemplateRefusesAnXlsxTarget) {
+  AddPlacement("+A1", 1, 1);
+  inputs.templateFile = "Lista.XLSM";
+  recording.AddWorkbookFile(EnginePath(std::string(kFolder) + "\\Lista.XLSM"), {"Common", "Mall"});
+  dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsx")};
+  const auto outcome = Generate();
+  EXPECT_FALSE(outcome.completed);
+  EXPECT_THAT(recording.lines(), IsEmpty());
+  EXPECT_THAT(outcome.savedFiles, IsEmpty());
+  ASSERT_EQ(dialogs.messages.size(), 1u);
+  EXPECT_EQ(dialogs.messages[0].title, "Fel");
+  EXPECT_EQ(dialogs.messages[0].text,
+            "Mallen Lista.XLSM innehåller makron, som inte kan sparas i en .xlsx-fil.\r"
+            "Ange ett filnamn som slutar på .xlsm.");
+
+  dialogs.messages.clear();
+  dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsm")};
+  EXPECT_TRUE(Generate().completed);
+  EXPECT_THAT(dialogs.messages, IsEmpty());
+}
+
 TEST_F(GenerateWorkbookTest, PageNumberPastTheIntegerRangeIsToldPerPage) {
   AddPlacement("+A1", 1, 1);
   inputs.sheetNumberText = "32767";

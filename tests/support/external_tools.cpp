@@ -37,8 +37,9 @@ bool HavePython() {
   return RunCommand("/usr/bin/python3 -c pass").status == 0;
 }
 
+// openpyxl reads no pictures without Pillow, so a check of a page's images needs both.
 bool HaveOpenpyxl() {
-  return RunCommand("/usr/bin/python3 -c 'import openpyxl'").status == 0;
+  return RunCommand("/usr/bin/python3 -c 'import openpyxl, PIL'").status == 0;
 }
 
 bool HaveLibreOffice() {

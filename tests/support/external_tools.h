@@ -1,6 +1,6 @@
 #pragma once
 // Running programs that share no code with ours (python3 with openpyxl, LibreOffice, the Open XML
-// SDK validator) on files the tests wrote. Tests skip themselves where a tool is missing.
+// SDK validator) on files the tests wrote. A test whose tool is missing fails: a check that cannot run is no pass.
 #include <filesystem>
 #include <string>
 #include <vector>

@@ -64,6 +64,20 @@ TEST_F(TemplateIniTest, CommonFieldsFillRecordsPanelAndPreviewHeadings) {
   EXPECT_EQ(definition_.PreviewColumnNames, (std::vector<std::string>{"A", "B", "!", "D"}));
 }
 
+TEST_F(TemplateIniTest, DefaultTextIsAllThatFollowsTheFirstBar) {
+  const auto ini = WriteIni("[Common]\nPipe=C7|a|b\nTom=D2|\nDatum=B2|.|x\n");
+  ASSERT_TRUE(ReadCommonFields(ini, definition_, fields_, preview_, dialogs_, today_));
+  EXPECT_TRUE(dialogs_.messages.empty());
+  ASSERT_EQ(definition_.CommonFields.size(), 3u);
+  EXPECT_EQ(definition_.CommonFields[0].DefaultText, "a|b");
+  EXPECT_EQ(definition_.CommonFields[0].Row, 7);
+  EXPECT_EQ(definition_.CommonFields[0].Col, 3);
+  EXPECT_EQ(fields_.entries[0].text, "a|b");
+  EXPECT_EQ(fields_.entries[1].text, "");
+  // Only a lone "." is today's date.
+  EXPECT_EQ(fields_.entries[2].text, ".|x");
+}
+
 TEST_F(TemplateIniTest, BadCommonLinesAreToldAndSkippedButKeepTheirIndex) {
   std::string common = "[Common]\nProjekt=3C\n \nDatum=B2|.\nUtan likhetstecken\n";
   for (int i = 0; i < 30; ++i) common += "F" + std::to_string(i) + "=A1\n";

@@ -1,5 +1,7 @@
 #include "excel/package/formula_text.h"
 
+#include <algorithm>
+
 #include "base/strings.h"
 #include "excel/cell_address.h"
 #include "excel/engine.h"
@@ -162,6 +164,13 @@ std::string RenameSheetInFormula(std::string_view formula, std::string_view oldN
     ++i;
   }
   return renamed;
+}
+
+bool SheetNameMayOccur(std::string_view xmlText, std::string_view name) {
+  if (name.find_first_of("&<>\"'") != std::string_view::npos) return true;
+  const auto lower = [](char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::search(xmlText.begin(), xmlText.end(), name.begin(), name.end(),
+                     [&](char a, char b) { return lower(a) == lower(b); }) != xmlText.end();
 }
 
 std::string RenameTableInFormula(std::string_view formula, std::string_view oldName,

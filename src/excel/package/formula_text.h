@@ -14,6 +14,10 @@ std::string ShiftFormula(std::string_view formula, int rows, int columns);
 std::string RenameSheetInFormula(std::string_view formula, std::string_view oldName,
                                  std::string_view newName);
 
+// Whether a part's XML text can hold a formula that names sheet `name`: a cheap look before the
+// formulas are parsed. Names that XML may escape, or formulas double, are always looked for.
+bool SheetNameMayOccur(std::string_view xmlText, std::string_view name);
+
 // Replaces the table name `oldName` where it starts a structured reference ("Table1[Col]").
 std::string RenameTableInFormula(std::string_view formula, std::string_view oldName,
                                  std::string_view newName);

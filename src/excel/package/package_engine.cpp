@@ -11,6 +11,7 @@
 #include "excel/automation.h"
 #include "excel/cell_address.h"
 #include "excel/error_texts.h"
+#include "excel/package/conditional_formats.h"
 #include "excel/package/styles.h"
 #include "excel/package/text_import.h"
 #include "excel/package/workbook_document.h"
@@ -390,6 +391,8 @@ void PackageEngine::PasteSpecial(const RangeRef& range, XlPasteType paste) {
   struct RowFormat {
     int style = 0;
     bool custom = false;
+    std::string height;  // empty: the default height
+    bool customHeight = false;
     std::vector<std::pair<int, int>> cells;  // (column, style)
   };
   const int height = source.lastRow - source.firstRow + 1;
@@ -402,6 +405,8 @@ void PackageEngine::PasteSpecial(const RangeRef& range, XlPasteType paste) {
       if (const auto node = sheet.Row(row)) {
         format.style = node.attribute("s").as_int();
         format.custom = node.attribute("customFormat").as_bool();
+        format.height = node.attribute("ht").value();
+        format.customHeight = node.attribute("customHeight").as_bool();
       }
       sheet.ForEachCell(row, source.firstColumn, row, source.lastColumn, [&](pugi::xml_node cell) {
         format.cells.emplace_back(CellColumn(cell), cell.attribute("s").as_int());
@@ -421,7 +426,10 @@ void PackageEngine::PasteSpecial(const RangeRef& range, XlPasteType paste) {
     Worksheet sheet = document.Sheet(targetPosition, true);
     for (int row = target.firstRow; row <= target.lastRow; ++row) {
       const RowFormat& format = formats[static_cast<std::size_t>((row - target.firstRow) % height)];
-      if (wholeRows) sheet.SetRowStyle(row, format.style, format.custom);
+      if (wholeRows) {
+        sheet.SetRowStyle(row, format.style, format.custom);
+        sheet.SetRowHeight(row, format.height, format.customHeight);  // whole rows bring their height
+      }
       const int columnShift = target.firstColumn - source.firstColumn;
       // Cells the source row leaves without a format of their own take the source row's format.
       std::vector<int> targetColumns;
@@ -438,6 +446,10 @@ void PackageEngine::PasteSpecial(const RangeRef& range, XlPasteType paste) {
         if (to >= target.firstColumn && to <= target.lastColumn) sheet.SetStyle(row, to, style);
       }
     }
+    PasteConditionalFormats(document.Sheet(sourcePosition, false),
+                            {source.firstRow, source.firstColumn, source.lastRow, source.lastColumn}, sheet,
+                            {target.firstRow, target.firstColumn, target.lastRow, target.lastColumn},
+                            sourcePosition == targetPosition);
     return 0;
   });
 }
@@ -445,7 +457,8 @@ void PackageEngine::PasteSpecial(const RangeRef& range, XlPasteType paste) {
 void PackageEngine::SetBorderWeight(const RangeRef& range, XlBordersIndex edge, XlBorderWeight weight) {
   const int position = Position(range.sheet);
   Book& book = FindBook(range.sheet.workbook);
-  if (range.shape != RangeShape::kCells) Rejected("Kantlinjer kan bara sättas på celler.");
+  if (range.shape != RangeShape::kCells && range.shape != RangeShape::kEntireRows)
+    Rejected("Kantlinjer kan bara sättas på celler och hela rader.");
   int firstRow = range.firstRow, lastRow = range.lastRow, firstColumn = range.firstColumn,
       lastColumn = range.lastColumn;
   switch (edge) {
@@ -462,24 +475,47 @@ void PackageEngine::SetBorderWeight(const RangeRef& range, XlBordersIndex edge, 
       firstColumn = lastColumn;
       break;
   }
-  if (static_cast<long long>(lastRow - firstRow + 1) * (lastColumn - firstColumn + 1) > 100'000) {
-    Rejected("Området är för stort.");
-  }
+  // A line along whole rows is a format of the rows, as Excel stores it, not of 16384 cells each.
+  const bool alongRows = range.shape == RangeShape::kEntireRows && firstColumn < lastColumn;
+  const long long cells =
+      static_cast<long long>(lastRow - firstRow + 1) * (alongRows ? 1 : lastColumn - firstColumn + 1);
+  if (cells > 100'000) Rejected("Området är för stort.");
   AsExcel([&] {
     auto& styles = book.document->Styles();
     Worksheet sheet = book.document->Sheet(position, true);
     const int formatCount = CellFormatCount(styles);
-    for (int row = firstRow; row <= lastRow; ++row) {
-      for (int column = firstColumn; column <= lastColumn; ++column) {
-        int xf = sheet.EffectiveStyle(row, column);
-        if (xf < 0 || xf >= formatCount) xf = 0;
-        const auto key = std::make_tuple(xf, static_cast<int>(edge), static_cast<int>(weight));
-        auto found = book.borderedFormats.find(key);
-        if (found == book.borderedFormats.end()) {
-          found = book.borderedFormats.emplace(key, AddBorderedFormat(styles, xf, edge, weight)).first;
-        }
-        sheet.SetStyle(row, column, found->second);
+    const auto bordered = [&](int xf) {
+      if (xf < 0 || xf >= formatCount) xf = 0;
+      const auto key = std::make_tuple(xf, static_cast<int>(edge), static_cast<int>(weight));
+      auto found = book.borderedFormats.find(key);
+      if (found == book.borderedFormats.end()) {
+        found = book.borderedFormats.emplace(key, AddBorderedFormat(styles, xf, edge, weight)).first;
       }
+      return found->second;
+    };
+    for (int row = firstRow; row <= lastRow; ++row) {
+      if (!alongRows) {
+        for (int column = firstColumn; column <= lastColumn; ++column)
+          sheet.SetStyle(row, column, bordered(sheet.EffectiveStyle(row, column)));
+        continue;
+      }
+      // The row's cells, and the columns whose own format they would otherwise lose to the row's,
+      // keep their formats with the line added.
+      std::map<int, int> cellFormats;
+      sheet.ForEachCell(row, 1, row, kMaxColumns,
+                        [&](pugi::xml_node cell) { cellFormats[CellColumn(cell)] = 0; });
+      for (const auto col : sheet.root().child("cols").children("col")) {
+        if (col.attribute("style").as_int() == 0) continue;
+        const int last = std::min(col.attribute("max").as_int(), kMaxColumns);
+        for (int column = std::max(col.attribute("min").as_int(), 1); column <= last; ++column)
+          cellFormats[column] = 0;
+      }
+      for (auto& [column, xf] : cellFormats) xf = sheet.EffectiveStyle(row, column);
+      const auto rowNode = sheet.Row(row);
+      const int rowXf =
+          rowNode && rowNode.attribute("customFormat").as_bool() ? rowNode.attribute("s").as_int() : 0;
+      sheet.SetRowStyle(row, bordered(rowXf), true);
+      for (const auto& [column, xf] : cellFormats) sheet.SetStyle(row, column, bordered(xf));
     }
     return 0;
   });

@@ -74,9 +74,12 @@ int WorkbookDocument::CopySheet(int source, int after) {
   const std::string copyName = DefaultCopyName(sourceName, SheetNames());
   const std::string part = package_.FreeName("xl/worksheets/sheet", ".xml", SheetCount() + 1);
 
-  auto document = package_.IsParsed(sourceEntry.part)
-                      ? ParseXml(part, SerializeXml(package_.Xml(sourceEntry.part)), package_.limits())
-                      : ParseXml(part, package_.Bytes(sourceEntry.part), package_.limits());
+  std::string serialized;
+  if (package_.IsParsed(sourceEntry.part)) serialized = SerializeXml(package_.Xml(sourceEntry.part));
+  const std::string_view sourceText =
+      package_.IsParsed(sourceEntry.part) ? std::string_view(serialized) : package_.Bytes(sourceEntry.part);
+  auto document = ParseXml(part, sourceText, package_.limits());
+  const bool mayNameItself = SheetNameMayOccur(sourceText, sourceName);
   Worksheet::Normalize(*document);
   // Once cells have been written, the copy's results are as stale as its source's would be.
   if (valuesChanged_ || withoutResults_.contains(sourceEntry.part)) {
@@ -106,12 +109,16 @@ int WorkbookDocument::CopySheet(int source, int after) {
     }
     targets.emplace_back(relationship.id, copy);
   }
-  if (!renamedTables.empty()) {
-    for (auto node : root.select_nodes("//f")) {
+  // Excel points the copy's references to its source sheet at the copy itself.
+  bool namesItself = false;
+  if (mayNameItself || !renamedTables.empty()) {
+    for (auto node : root.select_nodes(kWorksheetFormulas)) {
       auto text = node.node().text();
       std::string formula = text.get();
+      if (mayNameItself) formula = RenameSheetInFormula(formula, sourceName, copyName);
+      namesItself = namesItself || formula != text.get();
       for (const auto& [from, to] : renamedTables) formula = RenameTableInFormula(formula, from, to);
-      text.set(formula.c_str());
+      if (formula != text.get()) text.set(formula.c_str());
     }
   }
   package_.SetXml(part, std::move(document));
@@ -142,7 +149,7 @@ int WorkbookDocument::CopySheet(int source, int after) {
   }
   node.append_attribute(idAttribute.c_str()) = relationshipId.c_str();
 
-  sheets_.insert(sheets_.begin() + position, SheetEntry{nextId_++, part, true, true});
+  sheets_.insert(sheets_.begin() + position, SheetEntry{nextId_++, part, true, true, namesItself});
   CopyDefinedNames(sourceAfterInsert, position, sourceName, copyName);
   activeSheet_ = position;
   dirtySheets_.push_back(part);

@@ -37,16 +37,9 @@ std::string RelationshipIdOf(pugi::xml_node sheet) {
   return {};
 }
 
-bool ContainsIgnoringCase(std::string_view text, std::string_view needle) {
-  if (needle.empty()) return false;
-  const auto lower = [](char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; };
-  return std::search(text.begin(), text.end(), needle.begin(), needle.end(),
-                     [&](char a, char b) { return lower(a) == lower(b); }) != text.end();
-}
-
-void RenameInFormulas(pugi::xml_node root, const char* element, std::string_view oldName,
+void RenameInFormulas(pugi::xml_node root, const char* xpath, std::string_view oldName,
                       std::string_view newName) {
-  for (auto node : root.select_nodes((std::string("//") + element).c_str())) {
+  for (auto node : root.select_nodes(xpath)) {
     auto text = node.node().text();
     const std::string renamed = RenameSheetInFormula(text.get(), oldName, newName);
     if (renamed != text.get()) text.set(renamed.c_str());
@@ -160,7 +153,7 @@ void WorkbookDocument::RenameSheet(int position, std::string_view name) {
       continue;
     }
     auto text = definedName.text();
-    if (!ContainsIgnoringCase(text.get(), oldName)) continue;
+    if (!SheetNameMayOccur(text.get(), oldName)) continue;
     const std::string renamed = RenameSheetInFormula(text.get(), oldName, name);
     if (renamed != text.get()) text.set(renamed.c_str());
   }
@@ -168,21 +161,22 @@ void WorkbookDocument::RenameSheet(int position, std::string_view name) {
 }
 
 // Formulas elsewhere that name the sheet follow the new name. A sheet this session created by
-// copying cannot be named by any formula yet, so only charts need a look then.
+// copying can be named by no other sheet's formula yet, only by its own and by charts.
 void WorkbookDocument::RenameInOtherParts(std::string_view oldName, std::string_view newName, int position) {
   const bool scanSheets = !Entry(position).createdByCopy;
   if (scanSheets) {
     for (int i = 0; i < SheetCount(); ++i) {
       const auto& entry = Entry(i);
       if (!entry.worksheet) continue;
-      if (!package_.IsParsed(entry.part) && !ContainsIgnoringCase(package_.Bytes(entry.part), oldName))
-        continue;
-      RenameInFormulas(Sheet(i, true).root(), "f", oldName, newName);
+      if (!package_.IsParsed(entry.part) && !SheetNameMayOccur(package_.Bytes(entry.part), oldName)) continue;
+      RenameInFormulas(Sheet(i, true).root(), kWorksheetFormulas, oldName, newName);
     }
+  } else if (Entry(position).namesItself) {
+    RenameInFormulas(Sheet(position, true).root(), kWorksheetFormulas, oldName, newName);
   }
   for (const auto& part : package_.PartNamesWithPrefix("xl/charts/chart")) {
-    if (!package_.IsParsed(part) && !ContainsIgnoringCase(package_.Bytes(part), oldName)) continue;
-    RenameInFormulas(package_.Xml(part).document_element(), "c:f", oldName, newName);
+    if (!package_.IsParsed(part) && !SheetNameMayOccur(package_.Bytes(part), oldName)) continue;
+    RenameInFormulas(package_.Xml(part).document_element(), "//c:f", oldName, newName);
     package_.Park(part);
   }
 }
@@ -265,12 +259,31 @@ void WorkbookDocument::ShiftLocalSheetIds(int from) {
 void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view sourceName,
                                         std::string_view copyName) {
   auto names = WorkbookRoot().child("definedNames");
-  std::vector<pugi::xml_node> originals;
+  const auto localTo = [](pugi::xml_node name, int sheet) {
+    return name.attribute("localSheetId") && name.attribute("localSheetId").as_int() == sheet;
+  };
+  // The copy takes the source's own names, and a name of its own for each workbook name that
+  // refers to the source, so that on the copy such a name means the copy.
+  std::vector<std::pair<pugi::xml_node, std::string>> originals;
   for (auto name : names.children("definedName")) {
-    if (name.attribute("localSheetId") && name.attribute("localSheetId").as_int() == source)
-      originals.push_back(name);
+    if (localTo(name, source)) {
+      originals.emplace_back(name, RenameSheetInFormula(name.text().get(), sourceName, copyName));
+    } else if (!name.attribute("localSheetId") && SheetNameMayOccur(name.text().get(), sourceName)) {
+      std::string refersTo = RenameSheetInFormula(name.text().get(), sourceName, copyName);
+      if (refersTo != name.text().get()) originals.emplace_back(name, std::move(refersTo));
+    }
   }
-  for (auto original : originals) {
+  // The source's own names first: a workbook name of the same name is then already covered.
+  std::stable_partition(originals.begin(), originals.end(),
+                        [](const auto& original) { return bool(original.first.attribute("localSheetId")); });
+  const auto hasOwn = [&](std::string_view wanted) {
+    for (const auto name : names.children("definedName")) {
+      if (localTo(name, copy) && base::EqualsIgnoreCase(name.attribute("name").value(), wanted)) return true;
+    }
+    return false;
+  };
+  for (const auto& [original, refersTo] : originals) {
+    if (!original.attribute("localSheetId") && hasOwn(original.attribute("name").value())) continue;
     // Excel keeps the names sorted by name, then by sheet: the copy goes behind the same name's
     // entries for earlier sheets.
     auto before = original;
@@ -281,8 +294,12 @@ void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view s
       before = next;
     }
     auto duplicate = names.insert_copy_after(original, before);
-    duplicate.attribute("localSheetId") = copy;
-    duplicate.text().set(RenameSheetInFormula(original.text().get(), sourceName, copyName).c_str());
+    if (auto local = duplicate.attribute("localSheetId")) {
+      local = copy;
+    } else {
+      duplicate.insert_attribute_after("localSheetId", duplicate.attribute("name")) = copy;
+    }
+    duplicate.text().set(refersTo.c_str());
   }
 }
 

@@ -30,7 +30,8 @@ class WorkbookDocument {
     int id = 0;                  // stable handle id, unique in this workbook
     std::string part;            // part name of the sheet
     bool worksheet = true;       // false for chart sheets and the like
-    bool createdByCopy = false;  // no formula anywhere can name it yet
+    bool createdByCopy = false;  // no formula anywhere can name it yet, but its own
+    bool namesItself = false;    // a copy whose own formulas name it
   };
 
   int SheetCount() const { return static_cast<int>(sheets_.size()); }

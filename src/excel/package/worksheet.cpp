@@ -300,6 +300,16 @@ void Worksheet::SetRowStyle(int row, int style, bool custom) {
   }
 }
 
+void Worksheet::SetRowHeight(int row, std::string_view height, bool custom) {
+  auto rowNode = height.empty() ? Row(row) : RowForWrite(row);
+  if (!rowNode) return;
+  rowNode.remove_attribute("ht");
+  rowNode.remove_attribute("customHeight");
+  if (height.empty()) return;
+  rowNode.append_attribute("ht") = std::string(height).c_str();
+  if (custom) rowNode.append_attribute("customHeight") = 1;
+}
+
 void Worksheet::UpdateDimension() {
   int firstRow = 0, lastRow = 0, firstColumn = 0, lastColumn = 0;
   for (const auto row : sheetData_.children("row")) {
@@ -377,9 +387,16 @@ void Worksheet::SetSelection(int activeRow, int activeColumn, std::string_view s
   if (!view) view = views.append_child("sheetView");
   if (!view.attribute("workbookViewId")) view.append_attribute("workbookViewId") = 0;
   const std::string pane = view.child("pane").attribute("activePane").value();
+  // An absent pane is the top left one, whether the view or the selection leaves it out.
+  const auto samePane = [&](std::string_view candidate) {
+    return (pane.empty() ? "topLeft" : std::string_view(pane)) == (candidate.empty() ? "topLeft" : candidate);
+  };
   pugi::xml_node selection;
   for (auto candidate : view.children("selection")) {
-    if (pane == candidate.attribute("pane").value()) selection = candidate;
+    if (samePane(candidate.attribute("pane").value())) {
+      selection = candidate;
+      break;
+    }
   }
   if (!selection) {
     auto after = view.child("pane");

@@ -38,6 +38,8 @@ class Worksheet {
   int EffectiveStyle(int row, int column) const;
   void SetStyle(int row, int column, int style);
   void SetRowStyle(int row, int style, bool custom);
+  // `height` in points as the file writes it; empty gives the row back its default height.
+  void SetRowHeight(int row, std::string_view height, bool custom);
   // Calls `visit(row, column)` for every stored cell in the block.
   void ForEachCell(int firstRow, int firstColumn, int lastRow, int lastColumn,
                    const std::function<void(pugi::xml_node)>& visit) const;
@@ -62,6 +64,11 @@ class Worksheet {
 // Documents that write SpreadsheetML with a prefix ("x:worksheet") get the default namespace
 // instead, so edits can look for plain element names.
 void DropMainNamespacePrefix(pugi::xml_document& document);
+
+// XPath of every element of a worksheet that holds a formula: cells, conditional formats, data
+// validations, and their forms in the extension list (xm:f).
+inline constexpr const char* kWorksheetFormulas =
+    "//*[local-name()='f' or local-name()='formula' or local-name()='formula1' or local-name()='formula2']";
 
 int CellRow(pugi::xml_node cell);
 int CellColumn(pugi::xml_node cell);

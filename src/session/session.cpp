@@ -1,0 +1,389 @@
+#include "session/session.h"
+
+#include <algorithm>
+
+#include "app/workspace/integer_setting.h"
+#include "base/windows_path.h"
+#include "cadenv/discovery/refresh_files.h"
+#include "generate/page_count.h"
+#include "report/cleanup.h"
+#include "report/preview_loader.h"
+#include "template/current_report.h"
+#include "template/export_fixup.h"
+#include "template/preview_controls.h"
+#include "template/report_dump_dialog.h"
+#include "template/template_ini.h"
+
+namespace sw::session {
+namespace {
+
+// Reads through to the window's dialogs and tells nothing: the page count asks generation's INI
+// check, whose findings the preview has already shown.
+class SilentDialogs final : public base::Dialogs {
+ public:
+  base::MessageAnswer ShowMessage(const base::Message&) override { return base::MessageAnswer::kOk; }
+  std::optional<std::string> ShowFileDialog(const base::FileDialogRequest&) override { return std::nullopt; }
+};
+
+bool IsError(const base::Message& message) {
+  return message.icon == base::MessageIcon::kCritical;
+}
+
+}  // namespace
+
+// Shows every message through the front end's dialogs and keeps a copy, so a generation can hand back
+// what the user was told.
+class Session::RecordingDialogs final : public base::Dialogs {
+ public:
+  explicit RecordingDialogs(base::Dialogs& shown) : shown_(shown) {}
+  base::MessageAnswer ShowMessage(const base::Message& message) override {
+    messages.push_back(message);
+    return shown_.ShowMessage(message);
+  }
+  std::optional<std::string> ShowFileDialog(const base::FileDialogRequest& request) override {
+    return shown_.ShowFileDialog(request);
+  }
+  std::vector<base::Message> messages;
+
+ private:
+  base::Dialogs& shown_;
+};
+
+bool GenerationResult::Succeeded() const {
+  return completed && std::none_of(messages.begin(), messages.end(), IsError);
+}
+
+Session::Session(SessionServices services)
+    : services_(std::move(services)), layout_(definition_, services_.dialogs, services_.settings) {}
+
+void Session::AddObserver(SessionObserver& observer) {
+  observers_.push_back(&observer);
+}
+
+void Session::RemoveObserver(SessionObserver& observer) {
+  observers_.erase(std::remove(observers_.begin(), observers_.end(), &observer), observers_.end());
+}
+
+void Session::Notify(Changes what) {
+  if (what.Empty()) return;
+  for (auto* observer : observers_) observer->SessionChanged(what);
+}
+
+void Session::Log(std::string_view message) const {
+  if (services_.startLog && services_.startLog->Enabled()) services_.startLog->WriteStartLog(message);
+}
+
+std::string Session::TemplatePath() const {
+  if (rdsFile_.text.empty()) return {};
+  return templateListFolder_ + "\\" + rdsFile_.text;
+}
+
+std::optional<int> Session::PagesOfGeneration() const {
+  if (definition_.IniPath.empty()) return std::nullopt;
+  templ::TemplateDefinition copy = definition_;
+  SilentDialogs quiet;
+  if (!templ::ValidateTemplateIni(copy.IniPath, copy, quiet).Accepted()) return std::nullopt;
+  return gen::CountPages(table_, copy.EndRow - copy.StartRow + 1, copy.Infinite);
+}
+
+void Session::Start(const std::function<void()>& windowSteps) {
+  Log("Fetching data from VOLTARIS.INI");
+  ReadCurrentReport();
+  Log("Restore Mainform");
+  if (windowSteps) windowSteps();
+  includeEmptyRows_ = workspace::IntegerSetting(services_.settings, "IncludeEmptyRows", "0") > 0;
+  useSlashTwo_ = workspace::IntegerSetting(services_.settings, "UseSlashTwo", "1") > 0;
+  Notify(Change::kCommands);
+  Log("Refreshing files");
+  RefreshFiles();
+  sheetNo_.SetText(workspace::PadSheetNumber(
+      sheetNo_.text, workspace::IntegerSetting(services_.settings, "PageNoLen", "1")));
+  Notify(Change::kSheetNumber);
+  Log("Mainform successfully loaded");
+}
+
+void Session::Close() {
+  services_.settings.SaveAppSetting("LastVoltDmp", voltDump_.text);
+  services_.settings.SaveAppSetting("LastRdsDir", rdsDir_.text);
+}
+
+void Session::Refresh() {
+  refreshing_ = true;
+  RefreshFiles();
+  ReadCurrentReport();
+  RefillTemplates();
+  refreshing_ = false;
+  PreviewVoltDump();
+  FixExport(false);
+}
+
+void Session::RefreshFiles() {
+  const discovery::DiscoverySources sources{.registry = services_.registry,
+                                            .settings = services_.settings,
+                                            .environment = services_.environment,
+                                            .dialogs = services_.dialogs,
+                                            .startLog = [this](std::string_view line) { Log(line); }};
+  const discovery::RefreshHooks hooks{.refreshTemplates = [this] { RefillTemplates(); },
+                                      .dumpChosen = [this] { DumpChanged(); }};
+  discovery::RefreshFiles(sources, rdsDir_, voltDump_, hooks);
+  Notify(Change::kPickers);
+}
+
+void Session::ReadCurrentReport() {
+  const auto report =
+      templ::ReadCurrentReport(services_.environment, [this](std::string_view line) { Log(line); });
+  currentReportId_ = report.reportId;
+  sheetNo_.Clear();
+  for (const auto& item : report.sheetNumberItems) sheetNo_.Add(item);
+  sheetNo_.SelectIndex(0);
+  Notify(Change::kSheetNumber);
+}
+
+void Session::RefillTemplates() {
+  if (!templ::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) return;
+  templateListFolder_ = rdsDir_.text;
+  // Paired even without a match: the empty name finds no INI file, so the field panel and IniPath are
+  // cleared and the previous template cannot stay in use.
+  PairTemplate();
+  Notify(Change::kPickers);
+  if (rdsFile_.selected >= 0) TemplateChanged();
+}
+
+void Session::PairTemplate() {
+  templ::FindIniForTemplate(templateListFolder_, rdsFile_.text, definition_, fields_, table_,
+                            services_.dialogs);
+  Notify(Change::kFields | Change::kTable);
+}
+
+report::PreviewResult Session::PreviewVoltDump() {
+  layout_.SetTemplate(rdsDir_.text, rdsFile_.text);
+  const report::PreviewContext context{.dumpPath = voltDump_.text,
+                                       .refreshing = refreshing_,
+                                       .settings = services_.settings,
+                                       .dialogs = services_.dialogs,
+                                       .progress = services_.progress,
+                                       .layoutColumns = services_.layoutColumns,
+                                       .reloadTemplateLayout = [this] { layout_.ReloadLayout(); },
+                                       .showPageBreaks = [this] { layout_.ShowPageBreaks(table_); }};
+  const auto result = report::PreviewVoltDump(table_, context);
+  if (result != report::PreviewResult::kSkipped) Notify(Change::kTable | Change::kMarks);
+  return result;
+}
+
+report::PreviewResult Session::ReloadPreview() {
+  return PreviewVoltDump();
+}
+
+void Session::DumpChanged() {
+  if (!refreshing_) PreviewVoltDump();
+  services_.settings.SaveAppSetting("LastVoltDmp", voltDump_.text);
+}
+
+void Session::TemplateChanged() {
+  definition_.Infinite = false;
+  if (!refreshing_) PreviewVoltDump();
+  singleSheetEnabled_ = !definition_.Infinite;
+  Notify(Change::kCommands);
+}
+
+void Session::TemplateDirectoryChanged() {
+  RefillTemplates();
+  Notify(Change::kPickers);
+}
+
+void Session::TypeTemplateDirectory(std::string text) {
+  rdsDir_.SetText(std::move(text));
+  TemplateDirectoryChanged();
+}
+
+void Session::ChooseTemplateDirectory(int index) {
+  rdsDir_.SelectIndex(index);
+  TemplateDirectoryChanged();
+}
+
+void Session::ChooseTemplate(int index) {
+  if (index < 0 || index >= static_cast<int>(rdsFile_.items.size())) return;
+  rdsFile_.selected = index;
+  rdsFile_.text = rdsFile_.items[static_cast<std::size_t>(index)];
+  Notify(Change::kPickers);
+  // Paired before the reload, so the reload uses its layout and the headings are in place.
+  PairTemplate();
+  TemplateChanged();
+}
+
+void Session::UseTemplateWorkbook(std::string_view path) {
+  const auto cut = path.find_last_of("\\/");
+  const std::string folder = cut == std::string_view::npos ? "." : std::string(path.substr(0, cut));
+  const std::string file(cut == std::string_view::npos ? path : path.substr(cut + 1));
+  rdsDir_.SetText(folder);
+  templateListFolder_ = folder;
+  rdsFile_.items = {file};
+  rdsFile_.selected = 0;
+  rdsFile_.text = file;
+  rdsFile_.errorLabelVisible = false;
+  Notify(Change::kPickers);
+  PairTemplate();
+  TemplateChanged();
+}
+
+void Session::TypeReportDump(std::string text) {
+  voltDump_.SetText(std::move(text));
+  Notify(Change::kPickers);
+  DumpChanged();
+}
+
+void Session::ChooseReportDump(int index) {
+  voltDump_.SelectIndex(index);
+  Notify(Change::kPickers);
+  DumpChanged();
+}
+
+void Session::ChooseDumpFile() {
+  const auto chosen = templ::ChooseReportDump(services_.dialogs, services_.settings, services_.programFolder);
+  if (!chosen) return;
+  TypeReportDump(*chosen);
+}
+
+std::array<templ::PopupCommand, 3> Session::PopupCommands(int row, int pointerY, int headingHeight) const {
+  return templ::PreviewPopupCommands(table_, row, pointerY, headingHeight);
+}
+
+templ::PreviewAction Session::DoubleClickAction(int row) const {
+  return templ::DoubleClickAction(table_, row);
+}
+
+void Session::DeletePlacement(int row) {
+  RunPreviewAction(row, templ::PreviewAction::kDeletePlacement);
+}
+
+void Session::InsertManualBreak(int row) {
+  RunPreviewAction(row, templ::PreviewAction::kInsertManualBreak);
+}
+
+void Session::RemoveManualBreak(int row) {
+  RunPreviewAction(row, templ::PreviewAction::kRemoveManualBreak);
+}
+
+void Session::RunPreviewAction(int row, templ::PreviewAction action) {
+  if (action == templ::PreviewAction::kNone) return;
+  bool marksDrawn = false;
+  templ::RunPreviewAction(table_, row, action, [this, &marksDrawn] {
+    layout_.ShowPageBreaks(table_);
+    marksDrawn = true;
+  });
+  Notify(marksDrawn ? Change::kTable | Change::kMarks : Changes(Change::kTable));
+}
+
+bool Session::FixExport(bool force) {
+  // The template check after the repair lists, matches and pairs again, so the headings and the field
+  // panel follow the INI file; choosing the template again would reload the dump and undo the repair.
+  const bool fixed = templ::AdjustExportFile(force, currentReportId_, services_.environment,
+                                             services_.dialogs, table_, [this] {
+                                               templ::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_);
+                                               PairTemplate();
+                                             });
+  if (fixed) Notify(Change::kTable | Change::kPickers);
+  return fixed;
+}
+
+void Session::ShowPageBreaks() {
+  layout_.SetTemplate(rdsDir_.text, rdsFile_.text);
+  if (layout_.ShowPageBreaks(table_)) Notify(Change::kMarks);
+}
+
+void Session::SetFieldText(int index, std::string text) {
+  if (index < 0 || index >= templ::kFieldCount) return;
+  fields_.entries[static_cast<std::size_t>(index)].text = std::move(text);
+  Notify(Change::kFields);
+}
+
+void Session::CommitFieldText(int index) {
+  if (index < 0 || index >= templ::kFieldCount) return;
+  auto& entry = fields_.entries[static_cast<std::size_t>(index)];
+  const std::string committed = templ::FieldTextOnCommit(entry.text, services_.today);
+  if (committed == entry.text) return;
+  entry.text = committed;
+  Notify(Change::kFields);
+}
+
+int Session::PressEnterInField(int index) {
+  if (index < 0 || index >= templ::kFieldCount) return 0;
+  const int next = templ::PressEnterInField(fields_, index, services_.today);
+  Notify(Change::kFields);
+  return next;
+}
+
+void Session::SetSheetNumber(std::string text) {
+  sheetNo_.SetText(std::move(text));
+  Notify(Change::kSheetNumber);
+}
+
+void Session::ToggleIncludeEmptyRows() {
+  includeEmptyRows_ = !includeEmptyRows_;
+  services_.settings.SaveAppSetting("IncludeEmptyRows", includeEmptyRows_ ? "1" : "0");
+  Notify(Change::kCommands);
+  if (includeEmptyRows_) {
+    PreviewVoltDump();
+  } else {
+    report::CleanupEmptyRows(table_);
+    Notify(Change::kTable);
+  }
+}
+
+void Session::ToggleUseSlashTwo() {
+  useSlashTwo_ = !useSlashTwo_;
+  services_.settings.SaveAppSetting("UseSlashTwo", useSlashTwo_ ? "1" : "0");
+  Notify(Change::kCommands);
+  if (useSlashTwo_) {
+    PreviewVoltDump();
+  } else {
+    report::CleanupSlashTwo(table_);
+    Notify(Change::kTable);
+  }
+}
+
+void Session::ToggleSingleSheet() {
+  singleSheet_ = !singleSheet_;
+  services_.settings.SaveAppSetting("SingleSheet", singleSheet_ ? "1" : "0");
+  Notify(Change::kCommands);
+}
+
+GenerationResult Session::Generate() {
+  std::vector<std::string> fieldTexts;
+  fieldTexts.reserve(fields_.entries.size());
+  for (const auto& entry : fields_.entries) fieldTexts.push_back(entry.text);
+  gen::GenerationInputs inputs{.table = table_,
+                               .sheetNumberText = sheetNo_.text,
+                               .templateFolder = templateListFolder_,
+                               .templateFile = rdsFile_.text,
+                               .dumpPickerText = voltDump_.text,
+                               .templateDirPickerText = rdsDir_.text,
+                               .fieldTexts = std::move(fieldTexts),
+                               .singleSheet = singleSheet_,
+                               .targetPath = txtExcelFilename_};
+
+  RecordingDialogs dialogs(services_.dialogs);
+  gen::MessageSingleSheetWarning plainWarning(dialogs);
+  gen::GenerationServices generation{.settings = services_.settings,
+                                     .dialogs = dialogs,
+                                     .warning = services_.warning ? *services_.warning : plainWarning,
+                                     .launcher = services_.launcher,
+                                     .createExcel = services_.createExcel,
+                                     .programFolder = services_.programFolder,
+                                     .setMousePointer = services_.setMousePointer,
+                                     .findTopLevelWindow = {}};
+  gen::GenerationState state;
+  const auto outcome = gen::GenerateWorkbook(inputs, definition_, state, generation);
+
+  sheetNo_.SetText(inputs.sheetNumberText);
+  txtExcelFilename_ = inputs.targetPath;
+  Notify(Change::kSheetNumber | Change::kWorkbook);
+
+  GenerationResult result;
+  result.completed = outcome.completed;
+  result.messages = std::move(dialogs.messages);
+  for (const auto& written : outcome.savedFiles) result.workbooks.push_back(written);
+  return result;
+}
+
+}  // namespace sw::session

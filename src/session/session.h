@@ -1,0 +1,191 @@
+#pragma once
+// The program without widgets: everything the main window holds for its lifetime and every user
+// intent as an operation. The window and the command line are views over one Session; they read its
+// state through the const accessors, call one operation per user action, and hear what changed
+// through SessionObserver, so neither polls nor holds logic of its own.
+//
+// The single-sheet command (707): its checked state is the single-sheet toggle; its enabled state
+// follows the current template's dynamic page length. Choosing a template clears that flag, the
+// preview load re-reads the template's layout (which sets it again for an INFINITE template) and 707
+// is then enabled only for a template of fixed page length: single-sheet files are made page by page,
+// and a dynamic-length template has no pages.
+#include <array>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/settings.h"
+#include "app/start_log.h"
+#include "base/dialogs.h"
+#include "base/environment.h"
+#include "base/process_launcher.h"
+#include "cadenv/discovery/combo_picker.h"
+#include "cadenv/registry.h"
+#include "generate/generate_workbook.h"
+#include "generate/single_sheet_warning.h"
+#include "report/dump_reader.h"
+#include "report/preview_loader.h"
+#include "report/report_table.h"
+#include "session/session_observer.h"
+#include "template/field_panel.h"
+#include "template/preview_edits.h"
+#include "template/preview_page_breaks.h"
+#include "template/short_date.h"
+#include "template/template_definition.h"
+#include "template/template_list.h"
+
+namespace sw::session {
+
+struct SessionServices {
+  cadenv::Registry& registry;
+  app::Settings& settings;
+  const base::Environment& environment;
+  base::Dialogs& dialogs;
+  base::ProcessLauncher& launcher;             // opens a faulty INI file for editing
+  const app::StartLog* startLog = nullptr;     // lines are written only while it is enabled
+  report::LoadProgress* progress = nullptr;    // busy state and progress bar of a load
+  gen::SingleSheetWarning* warning = nullptr;  // none: the warning as a plain OK/Avbryt message
+  gen::ApplicationFactory createExcel;         // none: the built-in workbook engine
+  std::string programFolder;                   // the target dialog's folder until "ResultPath" exists
+  templ::ShortDateSource today = templ::TodayShortDate;
+  std::function<void(gen::MousePointer)> setMousePointer;  // hourglass during generation
+  std::function<void()> layoutColumns;                     // column widths after a load (window only)
+};
+
+// What one generation did, for the front end to show: the run's own outcome and every message the
+// user was shown during it.
+struct GenerationResult {
+  bool completed = false;               // the run got to its end
+  std::vector<std::string> workbooks;   // every workbook written, as the program names them
+  std::vector<base::Message> messages;  // in the order shown
+  // The workbook Excel is left showing: the target, or in single-sheet mode the last page file.
+  std::string ShownWorkbook() const { return workbooks.empty() ? std::string() : workbooks.back(); }
+  // Completed without an error message: nothing the user asked for was lost.
+  bool Succeeded() const;
+};
+
+class Session {
+ public:
+  explicit Session(SessionServices services);
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  void AddObserver(SessionObserver& observer);
+  void RemoveObserver(SessionObserver& observer);
+
+  // --- State, as the window shows it.
+  const discovery::ComboPicker& TemplateDirectories() const { return rdsDir_; }  // cboRdsDir
+  const templ::TemplatePicker& Templates() const { return rdsFile_; }            // cboRdsFile, lblError
+  const std::string& TemplateListFolder() const { return templateListFolder_; }
+  const discovery::ComboPicker& ReportDumps() const { return voltDump_; }  // cboVoltDump
+  const discovery::ComboPicker& SheetNumbers() const { return sheetNo_; }  // cboSheetNo
+  const templ::FieldPanel& Fields() const { return fields_; }              // lblField / txtField
+  const report::ReportTable& Table() const { return table_; }              // fgPreView
+  const templ::TemplateDefinition& Definition() const { return definition_; }
+  const std::string& CurrentReportId() const { return currentReportId_; }
+  const std::string& LastWorkbook() const { return txtExcelFilename_; }
+  bool IncludeEmptyRows() const { return includeEmptyRows_; }  // command 305 checked
+  bool UseSlashTwo() const { return useSlashTwo_; }            // command 306 checked
+  bool SingleSheet() const { return singleSheet_; }            // command 707 checked
+  bool SingleSheetEnabled() const { return singleSheetEnabled_; }
+  bool Refreshing() const { return refreshing_; }
+  // The template's path as the program joins it ("<folder>\<file>"), "" without a template.
+  std::string TemplatePath() const;
+  // The pages generation would make now, with the page length generation reads; nothing without a
+  // template or when generation's INI check would stop it.
+  std::optional<int> PagesOfGeneration() const;
+
+  // --- Start and close.
+  // The load step: the CAD INI file, then `windowSteps` (placement, theme, command bars; run after
+  // "Restore Mainform" is logged), the toggles 305 and 306 from the settings, RefreshFiles, and the
+  // sheet number padded to "PageNoLen" characters.
+  void Start(const std::function<void()>& windowSteps = {});
+  // The close-time saves of the last choices: "LastVoltDmp", then "LastRdsDir".
+  void Close();
+
+  // --- Pickers.
+  void TypeTemplateDirectory(std::string text);
+  void ChooseTemplateDirectory(int index);
+  void ChooseTemplate(int index);
+  // A template named by path, as the command line gives it: its folder stands in the directory
+  // picker (without listing it) and the workbook is paired as if chosen.
+  void UseTemplateWorkbook(std::string_view path);
+  void TypeReportDump(std::string text);
+  void ChooseReportDump(int index);
+  // Command 706 "Välj textfil...": the open dialog; the chosen file stands in the dump picker.
+  void ChooseDumpFile();
+  // Command 704: RefreshFiles, the current report and the template list with the refreshing flag up,
+  // then the preview and the export-file check.
+  void Refresh();
+  // Loads the dump on screen again (nothing while refreshing); the command line's exit status needs
+  // whether it could be read.
+  report::PreviewResult ReloadPreview();
+
+  // --- The preview grid.
+  std::array<templ::PopupCommand, 3> PopupCommands(int row, int pointerY, int headingHeight) const;
+  templ::PreviewAction DoubleClickAction(int row) const;
+  void DeletePlacement(int row);
+  void InsertManualBreak(int row);
+  void RemoveManualBreak(int row);
+  void RunPreviewAction(int row, templ::PreviewAction action);
+  // The export-file repair of the outer connection table; offered without `force` only for that report.
+  bool FixExport(bool force);
+  // The page-break marks drawn again (command 308 after the repair, the options dialog's OK).
+  void ShowPageBreaks();
+
+  // --- Field panel and sheet number.
+  void SetFieldText(int index, std::string text);
+  // Focus leaves box `index` or Enter is pressed in it: "." becomes today's date.
+  void CommitFieldText(int index);
+  // Enter in box `index`: commits it; the box that gets the focus.
+  int PressEnterInField(int index);
+  void SetSheetNumber(std::string text);
+
+  // --- Toggles 305 ("IncludeEmptyRows"), 306 ("UseSlashTwo") and 707 ("SingleSheet"): invert, store
+  // "1"/"0", and for 305/306 reload the dump when switched on or tidy the table when switched off.
+  void ToggleIncludeEmptyRows();
+  void ToggleUseSlashTwo();
+  void ToggleSingleSheet();
+
+  // --- Command 403 "Generera Excel-dokument": the target comes from the dialogs interface's save
+  // dialog (the command line answers it with --out). The sheet number and the last workbook's path
+  // take what the run wrote back.
+  GenerationResult Generate();
+
+ private:
+  class RecordingDialogs;
+
+  void Log(std::string_view message) const;
+  void Notify(Changes what);
+  void ReadCurrentReport();
+  void RefreshFiles();
+  void RefillTemplates();
+  void PairTemplate();
+  void DumpChanged();
+  void TemplateChanged();
+  void TemplateDirectoryChanged();
+  report::PreviewResult PreviewVoltDump();
+
+  SessionServices services_;
+  std::vector<SessionObserver*> observers_;
+
+  discovery::ComboPicker rdsDir_;
+  templ::TemplatePicker rdsFile_;
+  std::string templateListFolder_;  // the folder the template list shows (FileXls.Path)
+  discovery::ComboPicker voltDump_;
+  discovery::ComboPicker sheetNo_;
+  templ::FieldPanel fields_;
+  std::string txtExcelFilename_;
+  bool includeEmptyRows_ = false;
+  bool useSlashTwo_ = false;
+  bool singleSheet_ = false;  // stored, by design not restored at start
+  bool singleSheetEnabled_ = true;
+  bool refreshing_ = false;
+  std::string currentReportId_;
+  templ::TemplateDefinition definition_;
+  report::ReportTable table_;
+  templ::PreviewPageLayout layout_;
+};
+
+}  // namespace sw::session

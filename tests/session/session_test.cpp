@@ -1,0 +1,264 @@
+#include "session/session.h"
+
+#include <gtest/gtest.h>
+
+#include "base/file_io.h"
+#include "fake_installation.h"
+#include "recording_launcher.h"
+#include "template/template_list.h"
+
+namespace sw::session {
+namespace {
+
+using List = std::vector<std::string>;
+
+const std::string kTempDump = "C:\\Temp\\VOLTARIS\\VOLTARIS ic\\volt_report.txt";
+const std::string kRegistryDump = "C:\\VOLTARIS\\Rapport\\volt_report.txt";
+
+// Counts the dump loads that got as far as reading.
+class CountingProgress final : public report::LoadProgress {
+ public:
+  int loads = 0;
+  void Begin(int) override { ++loads; }
+  void Step(int) override {}
+  void End() override {}
+};
+
+class SessionTest : public ::testing::Test {
+ protected:
+  explicit SessionTest(bool withCadFiles = true)
+      : install_(withCadFiles),
+        log_(logEnvironment_, install_.temp.path()),
+        session_({.registry = install_.registry,
+                  .settings = install_.settings,
+                  .environment = install_.environment,
+                  .dialogs = install_.dialogs,
+                  .launcher = launcher_,
+                  .startLog = &log_,
+                  .progress = &progress_,
+                  .layoutColumns = {}}) {}
+
+  // The message column of the start log.
+  List LogMessages() const {
+    List messages;
+    const auto text = base::ReadWholeFile(log_.FilePath()).value_or("");
+    for (std::size_t start = 0; start < text.size();) {
+      const auto end = text.find("\r\n", start);
+      const auto line = text.substr(start, end - start);
+      messages.push_back(line.substr(line.find('\t') + 1));
+      start = end + 2;
+    }
+    return messages;
+  }
+
+  testing::FakeInstallation install_;
+  testing::RecordingLauncher launcher_;
+  base::FakeEnvironment logEnvironment_{{std::string(app::kStartLogVariable), "1"}};
+  app::StartLog log_;
+  CountingProgress progress_;
+  Session session_;
+};
+
+TEST_F(SessionTest, StartUpOverTheInstallation) {
+  List steps;
+  session_.Start([&] { steps.push_back("window"); });
+
+  EXPECT_EQ(session_.CurrentReportId(), "PANEL");
+  EXPECT_EQ(session_.SheetNumbers().items, (List{"7", "07", "007", "0007", "00007", "000007"}));
+  EXPECT_EQ(session_.SheetNumbers().text, "7");
+  EXPECT_FALSE(session_.IncludeEmptyRows());
+  EXPECT_TRUE(session_.UseSlashTwo());
+  EXPECT_FALSE(session_.SingleSheet());
+
+  EXPECT_EQ(session_.TemplateDirectories().text, "C:\\Projektmallar\\");
+  EXPECT_EQ(session_.Templates().items, (List{"Oversikt.xls", "PANEL.xlsx"}));
+  EXPECT_EQ(session_.Templates().text, "PANEL.xlsx");
+  EXPECT_EQ(session_.Templates().backColour, templ::kPickerLightYellow);
+  EXPECT_FALSE(session_.Templates().errorLabelVisible);
+  EXPECT_EQ(session_.Definition().IniPath, "C:\\Projektmallar\\\\PANEL.ini");
+  EXPECT_EQ(session_.Fields().entries[1].caption, "Ritad av");
+  EXPECT_EQ(session_.Fields().entries[1].text, "AB");
+
+  // The last dump listed is chosen, remembered and loaded.
+  EXPECT_EQ(session_.ReportDumps().text, kTempDump);
+  EXPECT_EQ(install_.settings.GetAppSetting("LastVoltDmp", ""), kTempDump);
+  EXPECT_EQ(progress_.loads, 1);
+  ASSERT_EQ(session_.Table().Rows(), 7);
+  EXPECT_EQ(session_.Table().Text(1, 0), "+A1 Panel");
+  EXPECT_EQ(session_.Table().Text(3, 3), "Fl\xc3\xa4kt");
+  EXPECT_TRUE(session_.SingleSheetEnabled());
+  EXPECT_TRUE(install_.dialogs.messages.empty());
+
+  EXPECT_EQ(steps, List{"window"});
+  EXPECT_EQ(
+      LogMessages(),
+      (List{"Fetching data from VOLTARIS.INI", "VOLTARIS.INI successfully processed.", "Restore Mainform",
+            "Refreshing files", "RefreshFiles:Fetching RDS-dirs from registry",
+            "Fetching USER-dirs from registry", "Fetching RDS-dir from C:\\VOLTARIS\\User\\voltaris.cfg",
+            "Fetching RDS-dir from C:\\VOLTARIS\\Saknas\\voltaris.cfg", "Fetching last used RDS-dir",
+            "Refreshing RDS", "Fetching VOLTID-dirs from registry", "Fetching last used VOLTID-dir",
+            "Mainform successfully loaded"}));
+}
+
+TEST_F(SessionTest, SheetNumberIsPaddedToPageNoLenAndTogglesComeFromTheSettings) {
+  install_.Write("Windows/VOLTARIS.INI", "[CURREPORT]\r\nREPORT_ID=PANEL\r\nREPORT_FIRST=1\r\n");
+  install_.settings.SaveAppSetting("PageNoLen", "3");
+  install_.settings.SaveAppSetting("IncludeEmptyRows", "2");
+  install_.settings.SaveAppSetting("UseSlashTwo", "nej");  // no number: as if missing
+  session_.Start();
+  EXPECT_EQ(session_.SheetNumbers().text, "001");
+  EXPECT_TRUE(session_.IncludeEmptyRows());
+  EXPECT_TRUE(session_.UseSlashTwo());
+}
+
+TEST_F(SessionTest, CloseSavesTheLastChoices) {
+  session_.Start();
+  session_.TypeTemplateDirectory("C:\\VOLTARIS\\Mallar\\");
+  install_.settings.values.clear();
+  session_.Close();
+  EXPECT_EQ(install_.settings.GetAppSetting("LastVoltDmp", ""), kTempDump);
+  EXPECT_EQ(install_.settings.GetAppSetting("LastRdsDir", ""), "C:\\VOLTARIS\\Mallar\\");
+
+  // Started again, the remembered choices come back.
+  Session again({.registry = install_.registry,
+                 .settings = install_.settings,
+                 .environment = install_.environment,
+                 .dialogs = install_.dialogs,
+                 .launcher = launcher_});
+  again.Start();
+  EXPECT_EQ(again.TemplateDirectories().text, "C:\\VOLTARIS\\Mallar\\");
+  EXPECT_EQ(again.Templates().items, List{"Apparater.xlsx"});
+  EXPECT_EQ(again.Templates().errorLabel, "Ingen mall matchar senaste rapport. (PANEL)");
+  EXPECT_TRUE(again.Templates().errorLabelVisible);
+  EXPECT_EQ(again.ReportDumps().text, kTempDump);
+}
+
+TEST_F(SessionTest, UnmatchedListingDropsThePreviousTemplate) {
+  session_.Start();
+  ASSERT_FALSE(session_.Definition().IniPath.empty());
+  install_.Remove("Projektmallar/PANEL.xlsx");
+  session_.TypeTemplateDirectory(session_.TemplateDirectories().text);
+
+  EXPECT_EQ(session_.Templates().items, List{"Oversikt.xls"});
+  EXPECT_EQ(session_.Templates().text, "");
+  EXPECT_TRUE(session_.Templates().errorLabelVisible);
+  EXPECT_EQ(session_.Definition().IniPath, "");
+  EXPECT_EQ(session_.Fields().entries[1].caption, "");
+  EXPECT_FALSE(session_.Fields().entries[1].enabled);
+  ASSERT_EQ(install_.dialogs.messages.size(), 1u);
+  EXPECT_EQ(install_.dialogs.messages[0].text, "Excel-rapportmallen saknar nödvändig tillhörande INI-fil");
+}
+
+TEST_F(SessionTest, ChoosingADumpLoadsItAndStoresTheChoice) {
+  session_.Start();
+  const int loads = progress_.loads;
+
+  session_.ChooseReportDump(0);
+  EXPECT_EQ(progress_.loads, loads + 1);
+  EXPECT_EQ(session_.Table().Text(1, 0), "+B1 Rapport");
+  EXPECT_EQ(install_.settings.GetAppSetting("LastVoltDmp", ""), kRegistryDump);
+
+  session_.TypeReportDump("C:\\Saknas.txt");
+  EXPECT_EQ(install_.dialogs.messages.back().text, "Hittar ej filen C:\\Saknas.txt.");
+  EXPECT_EQ(install_.settings.GetAppSetting("LastVoltDmp", ""), "C:\\Saknas.txt");
+}
+
+TEST_F(SessionTest, ChoosingADumpFileRemembersItsFolder) {
+  session_.Start();
+  install_.dialogs.fileAnswers = {std::nullopt, std::string(kRegistryDump)};
+  session_.ChooseDumpFile();  // cancelled: nothing changes
+  EXPECT_EQ(session_.ReportDumps().text, kTempDump);
+  session_.ChooseDumpFile();
+  ASSERT_EQ(install_.dialogs.fileRequests.size(), 2u);
+  EXPECT_EQ(install_.dialogs.fileRequests[0].title, "Välj textfil");
+  EXPECT_EQ(install_.dialogs.fileRequests[0].filter, "(Textfil *.txt)|*.txt");
+  EXPECT_EQ(session_.ReportDumps().text, kRegistryDump);
+  EXPECT_EQ(session_.Table().Text(1, 0), "+B1 Rapport");
+  EXPECT_EQ(install_.settings.GetAppSetting("DumpPath", ""), "C:\\VOLTARIS\\Rapport\\");
+}
+
+TEST_F(SessionTest, TemplateChangeSetsCommand707FromTheDynamicLengthMarker) {
+  install_.Write("Projektmallar/Oversikt.ini",
+                 "[Common]\r\nProjekt=C3\r\n[Sheet]\r\nSTARTROW=10\r\nENDROW=20\r\nINFINITE=1\r\n");
+  session_.Start();
+  ASSERT_TRUE(session_.SingleSheetEnabled());
+
+  session_.ChooseTemplate(0);  // Oversikt.xls: one growing page
+  EXPECT_EQ(session_.Templates().text, "Oversikt.xls");
+  EXPECT_TRUE(session_.Definition().Infinite);
+  EXPECT_FALSE(session_.SingleSheetEnabled());
+
+  session_.ChooseTemplate(0);
+  EXPECT_FALSE(session_.SingleSheetEnabled());
+  session_.ChooseTemplate(1);
+  EXPECT_TRUE(session_.SingleSheetEnabled());
+}
+
+TEST_F(SessionTest, RefreshSequenceLoadsOnceAndOffersTheRepairForFbltay) {
+  session_.Start();
+  install_.Write("Windows/VOLTARIS.INI",
+                 "[CURREPORT]\r\nREPORT_ID=fbltay\r\nREPORT_FIRST=3\r\n[CNCHSCR]\r\nA=1\r\n");
+  install_.dialogs.answers = {base::MessageAnswer::kOk, base::MessageAnswer::kNo};  // pairing, repair
+  const int loads = progress_.loads;
+
+  session_.Refresh();
+  EXPECT_FALSE(session_.Refreshing());
+  EXPECT_EQ(progress_.loads, loads + 1);
+  EXPECT_EQ(session_.CurrentReportId(), "fbltay");
+  EXPECT_EQ(session_.SheetNumbers().text, "3");
+  EXPECT_EQ(session_.Templates().errorLabel, "Ingen mall matchar senaste rapport. (fbltay)");
+  ASSERT_EQ(install_.dialogs.messages.size(), 2u);
+  EXPECT_EQ(install_.dialogs.messages[0].text, "Excel-rapportmallen saknar nödvändig tillhörande INI-fil");
+  EXPECT_EQ(install_.dialogs.messages[1].text, "Infoga kolumn i yttre förbindningstabell?");
+  EXPECT_EQ(session_.Table().Text(1, 0), "+A1 Panel");  // answered No: unchanged
+
+  // Yes: the repair stays, the template check does not reload the dump.
+  session_.FixExport(true);
+  EXPECT_EQ(session_.Table().Text(1, 0), "+A1 Panel");
+  EXPECT_EQ(session_.Table().Text(2, 2), "X1");
+  EXPECT_EQ(progress_.loads, loads + 1);
+}
+
+TEST_F(SessionTest, TogglesStoreTheirStateAndReloadOrTidy) {
+  session_.Start();
+  const int loads = progress_.loads;
+  session_.ToggleIncludeEmptyRows();  // on: reload
+  EXPECT_EQ(install_.settings.GetAppSetting("IncludeEmptyRows", ""), "1");
+  EXPECT_EQ(progress_.loads, loads + 1);
+  session_.ToggleIncludeEmptyRows();  // off: the empty row goes without a reload
+  EXPECT_EQ(install_.settings.GetAppSetting("IncludeEmptyRows", ""), "0");
+  EXPECT_EQ(progress_.loads, loads + 1);
+  EXPECT_EQ(session_.Table().Rows(), 6);
+
+  session_.ToggleUseSlashTwo();  // off: "/2" removed in place
+  EXPECT_EQ(install_.settings.GetAppSetting("UseSlashTwo", ""), "0");
+  EXPECT_EQ(session_.Table().Text(2, 3), "Pump");
+  session_.ToggleUseSlashTwo();
+  EXPECT_EQ(session_.Table().Text(2, 3), "Pump/2");
+  EXPECT_EQ(progress_.loads, loads + 2);
+
+  session_.ToggleSingleSheet();
+  EXPECT_TRUE(session_.SingleSheet());
+  EXPECT_EQ(install_.settings.GetAppSetting("SingleSheet", ""), "1");
+  EXPECT_EQ(progress_.loads, loads + 2);
+}
+
+class FirstStartTest : public SessionTest {
+ protected:
+  FirstStartTest() : SessionTest(false) {}
+};
+
+TEST_F(FirstStartTest, NothingInstalledNothingChosen) {
+  session_.Start();
+  EXPECT_EQ(session_.CurrentReportId(), "");
+  EXPECT_EQ(session_.SheetNumbers().text, "0");  // the empty first item padded to one character
+  EXPECT_TRUE(session_.TemplateDirectories().items.empty());
+  EXPECT_TRUE(session_.ReportDumps().items.empty());
+  EXPECT_EQ(session_.ReportDumps().text, "");
+  EXPECT_EQ(progress_.loads, 0);
+  EXPECT_TRUE(install_.dialogs.messages.empty());
+  EXPECT_EQ(LogMessages()[1], "VOLTARIS.INI not found");
+}
+
+}  // namespace
+}  // namespace sw::session

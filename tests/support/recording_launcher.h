@@ -1,0 +1,25 @@
+#pragma once
+// A ProcessLauncher double: records what would have been started, starts nothing.
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/process_launcher.h"
+
+namespace sw::testing {
+
+class RecordingLauncher final : public base::ProcessLauncher {
+ public:
+  std::vector<std::string> edited;
+  std::vector<std::string> opened;
+  bool EditTextFile(std::string_view path) override {
+    edited.emplace_back(path);
+    return true;
+  }
+  bool OpenWithDefaultApplication(std::string_view path) override {
+    opened.emplace_back(path);
+    return true;
+  }
+};
+
+}  // namespace sw::testing
