@@ -4,10 +4,17 @@ set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+# libzip, pugixml, CLI11 and GoogleTest built for mingw by scripts/build-mingw-deps.sh.
+if(NOT SW_MINGW_DEPS)
+  set(SW_MINGW_DEPS ${CMAKE_CURRENT_LIST_DIR}/../build/mingw-deps)
+endif()
+get_filename_component(SW_MINGW_DEPS ${SW_MINGW_DEPS} ABSOLUTE)
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${SW_MINGW_DEPS})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 # Run the static runtime so the programs start under Wine and on bare Windows alike.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
+# zlib from libz-mingw-w64-dev comes as DLL and static library; the programs take the static one.
+set(ZLIB_USE_STATIC_LIBS ON)

@@ -15,8 +15,8 @@ debian_packages=(
   qt6-base-dev
   # tests, benchmarks and fuzzing
   libgtest-dev libgmock-dev libbenchmark-dev clang libclang-rt-14-dev
-  # the Windows cross build of the lower layers
-  g++-mingw-w64-x86-64-posix
+  # the Windows build, its libraries built from Debian's sources (dpkg-dev unpacks them), its tests under Wine
+  g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev wine wine64
   # independent readers of the workbooks we write, and the writer-speed reference
   python3 python3-openpyxl python3-pil libreoffice-calc-nogui libxlsxwriter-dev
 )

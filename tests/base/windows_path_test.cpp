@@ -18,7 +18,10 @@ class WindowsPathTest : public ::testing::Test {
   testing::TempDir dir_;
 };
 
-TEST_F(WindowsPathTest, BackslashesSeparateAndCaseIsIgnoredWhereTheSpellingIsMissing) {
+// Resolving case and mapped drives is the host side's work; on Windows the text is used as it stands.
+using PosixOnlyWindowsPathTest = WindowsPathTest;
+
+TEST_F(PosixOnlyWindowsPathTest, BackslashesSeparateAndCaseIsIgnoredWhereTheSpellingIsMissing) {
   WindowsPathResolver resolver;
   EXPECT_EQ(resolver.Resolve(Root() + "\\mallar\\SUB\\data.TXT"),
             dir_.path() / "Mallar" / "Sub" / "Data.txt");
@@ -31,7 +34,7 @@ TEST_F(WindowsPathTest, BackslashesSeparateAndCaseIsIgnoredWhereTheSpellingIsMis
   EXPECT_TRUE(WindowsFolderExists(Root() + "\\MALLAR"));
 }
 
-TEST_F(WindowsPathTest, MappedDriveStandsForAHostFolder) {
+TEST_F(PosixOnlyWindowsPathTest, MappedDriveStandsForAHostFolder) {
   WindowsPathResolver resolver;
   EXPECT_EQ(resolver.Resolve("C:\\Mallar\\Plan.xlsx"), std::filesystem::path("C:") / "Mallar" / "Plan.xlsx");
   resolver.MapDrive('c', dir_.path());

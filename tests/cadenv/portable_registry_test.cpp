@@ -152,7 +152,8 @@ struct PathCase {
   std::filesystem::path expected;
 };
 
-TEST(PortableRegistry, DefaultPathFromTheEnvironment) {
+// The XDG and home folder layout is the Linux one; Windows keeps the settings in the registry.
+TEST(PosixOnlyPortableRegistry, DefaultPathFromTheEnvironment) {
   const std::vector<PathCase> cases = {
       {{{"SHEETWRIGHT_REGISTRY", "/srv/reg.reg"}, {"XDG_CONFIG_HOME", "/xdg"}, {"HOME", "/home/u"}},
        "/srv/reg.reg"},

@@ -12,6 +12,7 @@
 #include "base/file_io.h"
 #include "cli/generate_command.h"
 #include "external_tools.h"
+#include "process_variable.h"
 #include "temp_dir.h"
 
 namespace sw::gen {
@@ -39,7 +40,7 @@ class EndToEndTest : public ::testing::Test {
     fs::create_directories(folder_->path() / "Ut");
     fs::copy_file(kSource / "tests/data/templates/title_block.xlsx", templates / "title_block.xlsx");
     fs::copy_file(kSource / "tests/data/generation/three_rows.ini", templates / "title_block.ini");
-    setenv("SHEETWRIGHT_REGISTRY", (folder_->path() / "registry.reg").c_str(), 1);
+    testing::SetProcessVariable("SHEETWRIGHT_REGISTRY", (folder_->path() / "registry.reg").string());
 
     normal_ = new GenerateRun(Generate({"--out", Target("Lista.xlsx"), "--field", "0=Provskåp"}));
     single_ = new GenerateRun(
@@ -49,7 +50,7 @@ class EndToEndTest : public ::testing::Test {
     delete normal_;
     delete single_;
     delete folder_;
-    unsetenv("SHEETWRIGHT_REGISTRY");
+    testing::UnsetProcessVariable("SHEETWRIGHT_REGISTRY");
   }
 
   static std::string Target(const std::string& name) { return (folder_->path() / "Ut" / name).string(); }

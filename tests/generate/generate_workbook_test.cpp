@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/own_temp_files.h"
+#include "base/windows_path.h"
 #include "generate/page_count.h"
 #include "generate/page_text.h"
 #include "generation_fixture.h"
@@ -15,6 +16,11 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class GenerateWorkbookTest : public ::testing::Test, public GenerationFixture {};
+
+// The template as the engine is handed it: the Windows path in the host's own spelling.
+std::string TemplateHostPath() {
+  return base::ResolveWindowsPath("data/generation\\Lista.xlsx").string();
+}
 
 // The lines a normal page makes: sheet copied to the end, named, numbered.
 std::vector<std::string> PageLines(int sheet, const std::string& page, const std::string& next,
@@ -57,13 +63,13 @@ TEST_F(GenerateWorkbookTest, NormalRunMakesThreePagesInOneWorkbook) {
 
   std::vector<std::string> expected = {"CreateObject(\"Excel.Application\")",
                                        "Visible = True",
-                                       "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=True",
+                                       "Workbooks.Open \"" + TemplateHostPath() + "\", ReadOnly:=True",
                                        "Sheets.Count",
                                        "Sheets(1).Name",
                                        "Sheets(2).Name",
                                        "Close SaveChanges:=False",
                                        "Visible = True",
-                                       "Workbooks.Open \"data/generation/Lista.xlsx\", True",
+                                       "Workbooks.Open \"" + TemplateHostPath() + "\", True",
                                        SaveWorking("/R/Lista.xlsx"),
                                        "Sheets(1).Cells(1, 2).Value = \"Pumpstation Norra\"",
                                        "Sheets(1).Cells(2, 2).Value = \"Kraftbolaget AB\"",
@@ -178,9 +184,9 @@ TEST_F(GenerateWorkbookTest, SingleSheetRunWritesOneFilePerPageAndNeverTheTarget
   EXPECT_EQ(warning.shown, 1);
   const std::vector<std::string> expected = {
       "CreateObject(\"Excel.Application\")", "Visible = True",
-      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=True", "Sheets.Count", "Sheets(1).Name",
+      "Workbooks.Open \"" + TemplateHostPath() + "\", ReadOnly:=True", "Sheets.Count", "Sheets(1).Name",
       "Sheets(2).Name", "Close SaveChanges:=False", "Visible = True",
-      "Workbooks.Open \"data/generation/Lista.xlsx\", True", "Sheets(1).Cells(1, 2).Value = \"\"",
+      "Workbooks.Open \"" + TemplateHostPath() + "\", True", "Sheets(1).Cells(1, 2).Value = \"\"",
       "Sheets(1).Cells(2, 2).Value = \"Kraftbolaget AB\"", "Sheets(1).Cells(3, 2).Value = \"AB\"",
       // page 1
       "Sheets(2).Select", SaveWorking("/R/Lista.xlsx"), "Sheets(2).Name = \"1\"",
@@ -241,9 +247,9 @@ TEST_F(GenerateWorkbookTest, DynamicRunFillsTheCommonSheetWithBreaksBeforeEachLa
 
   const std::vector<std::string> expected = {
       "CreateObject(\"Excel.Application\")", "Visible = True",
-      "Workbooks.Open \"data/generation/Lista.xlsx\", ReadOnly:=True", "Sheets.Count", "Sheets(1).Name",
+      "Workbooks.Open \"" + TemplateHostPath() + "\", ReadOnly:=True", "Sheets.Count", "Sheets(1).Name",
       "Sheets(2).Name", "Close SaveChanges:=False", "Visible = True",
-      "Workbooks.Open \"data/generation/Lista.xlsx\", True", SaveWorking("/R/Lista.xlsx"),
+      "Workbooks.Open \"" + TemplateHostPath() + "\", True", SaveWorking("/R/Lista.xlsx"),
       "Sheets(1).Cells(1, 2).Value = \"\"", "Sheets(1).Cells(10, 1).Value = \"W1\"",
       "Sheets(1).Cells(10, 2).Value = \"X1\"", "Sheets(1).Cells(10, 4).Value = \"M1\"",
       "Sheets(1).Cells(11, 1).Value = \"W2\"", "Sheets(1).Cells(11, 2).Value = \"X2\"",
