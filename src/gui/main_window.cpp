@@ -102,7 +102,11 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
   });
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() {
+  // The grid reads the Workspace's table to the end, so it goes before the Workspace does.
+  delete grid_;
+  delete model_;
+}
 
 void MainWindow::BuildWidgets() {
   auto* central = new QWidget(this);
