@@ -23,9 +23,14 @@ REGEDIT4
 [HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright]
 "LastRdsDir"="$examples/"
 "LastVoltDmp"="$examples/yttre_forbindningstabell.txt"
+
+; 1000 x 640 pixels at 96 dots per inch.
+[HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright\\frmMain]
+"Width"="15000"
+"Height"="9600"
 REG
 
 mkdir -p docs
 QT_QPA_PLATFORM=offscreen SHEETWRIGHT_REGISTRY="$work/registry.reg" windir="$work/windows" TEMP="$work" \
-  "build/$preset/src/gui/sheetwright-screenshot" docs/main_window.png 1000 640
+  "build/$preset/src/gui/sheetwright-screenshot" docs/main_window.png
 echo "docs/main_window.png"

@@ -95,6 +95,10 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
   Apply([this] {
     workspace_->Load([this] {
       RestorePlacement();
+      // The grid gets its restored size now, so the column layout at the end of the load shares out
+      // the width the user will see.
+      layout()->activate();
+      centralWidget()->layout()->activate();
       const QByteArray layout =
           QByteArray::fromBase64(QByteArray::fromStdString(services_.settings.GetAppSetting("Layout", "")));
       if (!layout.isEmpty()) restoreState(layout);
@@ -358,7 +362,8 @@ void MainWindow::LayOutColumns() {
   std::vector<int> widths;
   for (int c = 0; c < columns; ++c)
     widths.push_back(static_cast<int>(std::lround(grid_->columnWidth(c) * twips)));
-  const int gridWidth = static_cast<int>(std::lround(grid_->viewport()->width() * twips));
+  // The control's own width, as the layout rule counts it (it leaves room for the borders itself).
+  const int gridWidth = static_cast<int>(std::lround(grid_->width() * twips));
   widths = templ::LayOutColumnWidths(std::move(widths), gridWidth);
   // Then each column grows to its contents (headings, the rows on screen and a sample of the rest).
   for (int c = 0; c < columns; ++c) {

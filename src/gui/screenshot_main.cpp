@@ -1,5 +1,5 @@
 // sheetwright-screenshot OUT.png: starts the main window as `sheetwright` does (same settings, same
-// environment), waits until it is painted and saves a picture of it. Run offscreen by
+// environment, its placement included), waits until it is painted and saves a picture of it. Run offscreen by
 // scripts/screenshot.sh for the README.
 #include <QApplication>
 #include <QTimer>
@@ -16,8 +16,8 @@
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  if (argc != 4) {
-    std::fprintf(stderr, "usage: sheetwright-screenshot OUT.png WIDTH HEIGHT\n");
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: sheetwright-screenshot OUT.png\n");
     return 2;
   }
   const sw::app::StartLog startLog(sw::base::ProcessEnvironment());
@@ -34,7 +34,6 @@ int main(int argc, char** argv) {
                               .programFolder = {},
                               .createExcel = {},
                               .openWorkbook = {}});
-  window.resize(QString::fromUtf8(argv[2]).toInt(), QString::fromUtf8(argv[3]).toInt());
   window.show();
   int status = 1;
   QTimer::singleShot(500, &window, [&] {
