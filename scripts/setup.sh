@@ -9,8 +9,8 @@ debian_packages=(
   # build
   cmake ninja-build g++ pkg-config
   libzip-dev libpugixml-dev libcli11-dev
-  # GUI (ui/ only)
-  qt6-base-dev
+  # the window (Qt 6 Widgets and Qt Test); fonts for its offscreen tests and screenshot
+  qt6-base-dev fontconfig fonts-dejavu-core
   # tests, benchmarks and fuzzing
   libgtest-dev libgmock-dev libbenchmark-dev clang libclang-rt-14-dev
   # the Windows cross build of the lower layers
