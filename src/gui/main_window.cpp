@@ -391,7 +391,6 @@ void MainWindow::ShowWorkspace() {
     if (txtField_[i]->text() != Q(entry.text)) txtField_[i]->setText(Q(entry.text));
     txtField_[i]->setEnabled(entry.enabled);
   }
-  UpdateGenerateEnabled();
 
   const auto summary = workspace::SummarizePreview(ws);
   QString text = QString::fromUtf8("Rader: %1   Placeringar: %2").arg(summary.rows).arg(summary.placements);
@@ -437,7 +436,8 @@ void MainWindow::SwitchView(bool toFields) {
 }
 
 void MainWindow::UpdateGenerateEnabled() {
-  // A template whose INI file has to be edited first cannot be generated from.
+  // Set when the view switches, as the command bars always did: a template whose INI file has to be
+  // edited first cannot be generated from.
   const bool iniToEdit = generationState_.iniEditRequested || workspace_->definition.IniError;
   Command(kCommandGenerate)->setEnabled(!iniToEdit);
 }
