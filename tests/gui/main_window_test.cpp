@@ -104,6 +104,7 @@ class MainWindowTest : public QObject {
   void doubleClickEditsThePreview();
   void sheetNumberAndFieldBoxesFilterAndCommit();
   void generateWritesTheWorkbookAndShowsIt();
+  void viewSwitchDisablesGenerateForAnIniToEdit();
   void modelKeepsItsInvariants();
 };
 
@@ -350,6 +351,17 @@ void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
   QCOMPARE(started.opened, (List{target.string()}));
   QVERIFY(started.window->statusBar()->currentMessage().contains(QString::fromStdString(target.string())));
   QCOMPARE(started.install.settings.GetAppSetting("ResultPath", ""), std::string("C:\\Ut\\"));
+}
+
+void MainWindowTest::viewSwitchDisablesGenerateForAnIniToEdit() {
+  StartedWindow started([](sw::testing::FakeInstallation& install) {
+    install.Write("Projektmallar/PANEL.ini", "[Tabs]\r\nTemplate=Sida\r\nCommon=Blad1\r\n");  // no [Common]
+  });
+  auto* window = started.window.get();
+  window->Command(sw::gui::kCommandNext)->trigger();
+  QVERIFY(!window->Command(sw::gui::kCommandGenerate)->isEnabled());
+  window->Command(sw::gui::kCommandPrevious)->trigger();
+  QVERIFY(!window->Command(sw::gui::kCommandGenerate)->isEnabled());
 }
 
 void MainWindowTest::modelKeepsItsInvariants() {
