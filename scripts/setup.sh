@@ -9,10 +9,8 @@ debian_packages=(
   # build
   cmake ninja-build g++ pkg-config
   libzip-dev libpugixml-dev libcli11-dev
-  # the tools that libzip-dev's CMake package names, without which configuring fails
-  zipcmp zipmerge ziptool
-  # GUI (ui/ only)
-  qt6-base-dev
+  # the window (Qt 6 Widgets and Qt Test); fonts for its offscreen tests and screenshot
+  qt6-base-dev fontconfig fonts-dejavu-core
   # tests, benchmarks and fuzzing
   libgtest-dev libgmock-dev libbenchmark-dev clang libclang-rt-14-dev
   # the Windows build, its libraries built from Debian's sources (dpkg-dev unpacks them), its tests under Wine

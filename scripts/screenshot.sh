@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Renders the main window with the bundled example loaded (the outer connection table and its
+# template, page-break marks drawn) offscreen and saves it as docs/main_window.png for the README.
+# The window starts as `sheetwright` does, but against a settings file and a CAD INI file of its own
+# in a temporary folder, so the user's settings are neither read nor changed.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+preset=${SW_PRESET:-release}
+
+bash scripts/setup.sh
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset" -j2 --target sheetwright-screenshot
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir -p "$work/windows"
+# The CAD system's last report is the example's, so its template is the one matched.
+printf '[CURREPORT]\r\nREPORT_ID=yttre_forbindningstabell\r\nREPORT_FIRST=1\r\n' >"$work/windows/VOLTARIS.INI"
+examples="$PWD/examples"
+cat >"$work/registry.reg" <<REG
+REGEDIT4
+
+[HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright]
+"LastRdsDir"="$examples/"
+"LastVoltDmp"="$examples/yttre_forbindningstabell.txt"
+
+; 1000 x 640 pixels at 96 dots per inch.
+[HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright\\frmMain]
+"Width"="15000"
+"Height"="9600"
+REG
+
+mkdir -p docs
+QT_QPA_PLATFORM=offscreen SHEETWRIGHT_REGISTRY="$work/registry.reg" windir="$work/windows" TEMP="$work" \
+  "build/$preset/src/gui/sheetwright-screenshot" docs/main_window.png
+echo "docs/main_window.png"

@@ -1,0 +1,37 @@
+// sheetwright: the main window. No command-line arguments are interpreted (Qt's own aside).
+#include <QApplication>
+
+#include "app/settings.h"
+#include "app/start_log.h"
+#include "base/environment.h"
+#include "base/process_launcher.h"
+#include "base/program_folder.h"
+#include "cadenv/registry.h"
+#include "gui/main_window.h"
+#include "gui/qt_dialogs.h"
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QString::fromUtf8(sw::base::kApplicationTitle));
+
+  // The start-log switch is read once, before the window exists.
+  const sw::app::StartLog startLog(sw::base::ProcessEnvironment());
+  auto registry = sw::cadenv::OpenUserRegistry();
+  sw::app::RegistrySettings settings(*registry);
+  sw::gui::QtDialogs dialogs;
+  const auto launcher = sw::base::CreateSystemProcessLauncher();
+  const auto folder = sw::base::ProgramFolder().u8string();
+
+  sw::gui::MainWindow window({.registry = *registry,
+                              .settings = settings,
+                              .environment = sw::base::ProcessEnvironment(),
+                              .dialogs = dialogs,
+                              .launcher = *launcher,
+                              .startLog = &startLog,
+                              .programFolder = std::string(folder.begin(), folder.end()),
+                              .createExcel = {},
+                              .openWorkbook = {}});
+  dialogs.SetOwner(&window);
+  window.show();
+  return QApplication::exec();
+}

@@ -1,0 +1,496 @@
+#include "gui/main_window.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDesktopServices>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QScreen>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <cmath>
+
+#include "app/window_placement.h"
+#include "app/workspace/generation_inputs.h"
+#include "app/workspace/workspace_actions.h"
+#include "base/windows_path.h"
+#include "gui/busy_state.h"
+#include "gui/field_box.h"
+#include "gui/preview_grid.h"
+#include "gui/report_table_model.h"
+#include "template/preview_controls.h"
+#include "template/preview_edits.h"
+
+namespace sw::gui {
+namespace {
+
+QString Q(const std::string& text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+std::string S(const QString& text) {
+  const QByteArray bytes = text.toUtf8();
+  return std::string(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+}
+
+void FillCombo(QComboBox* combo, const std::vector<std::string>& items, int selected,
+               const std::string& text) {
+  const QSignalBlocker block(combo);
+  combo->clear();
+  for (const auto& item : items) combo->addItem(Q(item));
+  combo->setCurrentIndex(selected);
+  if (combo->isEditable()) combo->setEditText(Q(text));
+}
+
+// A picker's background as the program colours it; the system window colour is the style's own.
+void PaintPicker(QComboBox* combo, std::uint32_t windowsColour) {
+  const QColor colour = GridColour(windowsColour);
+  QPalette palette = combo->style()->standardPalette();
+  if (colour.isValid()) {
+    palette.setColor(QPalette::Base, colour);
+    palette.setColor(QPalette::Button, colour);
+  }
+  combo->setPalette(palette);
+}
+
+QString StartLabel(const char* text) {
+  return QString::fromUtf8(text);
+}
+
+}  // namespace
+
+MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
+    : QMainWindow(parent), services_(std::move(services)), warning_(services_.dialogs) {
+  setObjectName(QStringLiteral("frmMain"));
+  setWindowTitle(QString::fromUtf8(base::kApplicationTitle));
+  BuildWidgets();
+  BuildCommands();
+  progress_ = std::make_unique<ProgressBarLoadProgress>(progressBar_, [this](bool busy) { SetBusy(busy); });
+  workspace_ = std::make_unique<workspace::Workspace>(
+      workspace::WorkspaceServices{.registry = services_.registry,
+                                   .settings = services_.settings,
+                                   .environment = services_.environment,
+                                   .dialogs = services_.dialogs,
+                                   .startLog = services_.startLog,
+                                   .progress = progress_.get(),
+                                   .layoutColumns = [this] { columnsNeedLayout_ = true; }});
+  model_ = new ReportTableModel(workspace_->table, this);
+  grid_->setModel(model_);
+  ConnectWidgets();
+
+  // The load step: the Workspace runs it in order and calls back for the window's own steps.
+  Apply([this] {
+    workspace_->Load([this] {
+      RestorePlacement();
+      // The grid gets its restored size now, so the column layout at the end of the load shares out
+      // the width the user will see.
+      layout()->activate();
+      centralWidget()->layout()->activate();
+      const QByteArray layout =
+          QByteArray::fromBase64(QByteArray::fromStdString(services_.settings.GetAppSetting("Layout", "")));
+      if (!layout.isEmpty()) restoreState(layout);
+    });
+  });
+}
+
+MainWindow::~MainWindow() {
+  // The grid reads the Workspace's table to the end, so it goes before the Workspace does.
+  delete grid_;
+  delete model_;
+}
+
+void MainWindow::BuildWidgets() {
+  auto* central = new QWidget(this);
+  auto* outer = new QVBoxLayout(central);
+
+  auto* sheetRow = new QHBoxLayout;
+  cboSheetNo_ = new QComboBox(central);
+  cboSheetNo_->setObjectName(QStringLiteral("cboSheetNo"));
+  cboSheetNo_->setEditable(true);
+  cboSheetNo_->setInsertPolicy(QComboBox::NoInsert);
+  cboSheetNo_->lineEdit()->installEventFilter(new SheetNumberKeyFilter(cboSheetNo_));
+  auto* sheetLabel = new QLabel(StartLabel("Första bladnummer"), central);
+  sheetLabel->setBuddy(cboSheetNo_);
+  sheetRow->addWidget(sheetLabel);
+  sheetRow->addWidget(cboSheetNo_);
+  sheetRow->addStretch(1);
+  outer->addLayout(sheetRow);
+
+  // The two frames share one place and are shown alternately (commands 401 and 402).
+  fraFiles_ = new QGroupBox(StartLabel("Filer"), central);
+  fraFiles_->setObjectName(QStringLiteral("fraFiles"));
+  auto* files = new QGridLayout(fraFiles_);
+  cboRdsDir_ = new QComboBox(fraFiles_);
+  cboRdsDir_->setObjectName(QStringLiteral("cboRdsDir"));
+  cboRdsDir_->setEditable(true);
+  cboRdsDir_->setInsertPolicy(QComboBox::NoInsert);
+  cboRdsFile_ = new QComboBox(fraFiles_);
+  cboRdsFile_->setObjectName(QStringLiteral("cboRdsFile"));
+  lblError_ = new QLabel(fraFiles_);
+  lblError_->setObjectName(QStringLiteral("lblError"));
+  lblError_->setStyleSheet(QStringLiteral("color: #c00000"));
+  lblError_->setVisible(false);
+  cboVoltDump_ = new QComboBox(fraFiles_);
+  cboVoltDump_->setObjectName(QStringLiteral("cboVoltDump"));
+  cboVoltDump_->setEditable(true);
+  cboVoltDump_->setInsertPolicy(QComboBox::NoInsert);
+  for (QComboBox* combo : {cboRdsDir_, cboRdsFile_, cboVoltDump_}) {
+    combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    combo->setMinimumContentsLength(20);
+  }
+  files->addWidget(new QLabel(StartLabel("Katalog rapportmallar(RDS)"), fraFiles_), 0, 0);
+  files->addWidget(cboRdsDir_, 0, 1);
+  files->addWidget(new QLabel(StartLabel("Rapportmall"), fraFiles_), 1, 0);
+  files->addWidget(cboRdsFile_, 1, 1);
+  files->addWidget(lblError_, 2, 1);
+  files->addWidget(new QLabel(StartLabel("VOLTARIS-rapport"), fraFiles_), 3, 0);
+  files->addWidget(cboVoltDump_, 3, 1);
+  files->setColumnStretch(1, 1);
+  outer->addWidget(fraFiles_);
+
+  fraFields_ = new QGroupBox(StartLabel("Textfält för ritningshuvud"), central);
+  fraFields_->setObjectName(QStringLiteral("fraFields"));
+  auto* fields = new QGridLayout(fraFields_);
+  constexpr int kPerColumn = 15;
+  for (int i = 0; i < 30; ++i) {
+    auto* label = new QLabel(fraFields_);
+    label->setObjectName(QStringLiteral("lblField%1").arg(i));
+    auto* box = new FieldBox(i, fraFields_);
+    box->setEnabled(false);
+    label->setBuddy(box);
+    const int column = (i / kPerColumn) * 2;
+    fields->addWidget(label, i % kPerColumn, column);
+    fields->addWidget(box, i % kPerColumn, column + 1);
+    lblField_[static_cast<std::size_t>(i)] = label;
+    txtField_[static_cast<std::size_t>(i)] = box;
+  }
+  fields->setColumnStretch(1, 1);
+  fields->setColumnStretch(3, 1);
+  fraFields_->setVisible(false);
+  outer->addWidget(fraFields_);
+
+  grid_ = new PreviewGrid(central);
+  outer->addWidget(grid_, 1);
+  setCentralWidget(central);
+
+  progressBar_ = new QProgressBar(this);
+  progressBar_->setObjectName(QStringLiteral("prgLoad"));
+  progressBar_->setMaximumWidth(200);
+  progressBar_->setVisible(false);
+  summary_ = new QLabel(this);
+  summary_->setObjectName(QStringLiteral("lblSummary"));
+  statusBar()->addPermanentWidget(progressBar_);
+  statusBar()->addPermanentWidget(summary_);
+}
+
+void MainWindow::BuildCommands() {
+  auto command = [this](int id, const char* caption, const char* toolTip) {
+    auto* action = new QAction(QString::fromUtf8(caption), this);
+    action->setObjectName(QStringLiteral("cmd%1").arg(id));
+    if (toolTip) action->setToolTip(QString::fromUtf8(toolTip));
+    return action;
+  };
+  QAction* exit = command(kCommandExit, "&Avsluta", nullptr);
+  QAction* next = command(kCommandNext, "&Nästa", "Gå till vy med textfält för ritningshuvud");
+  QAction* previous = command(kCommandPrevious, "&Föregående", "Gå till vy med rapportinnehåll");
+  QAction* generate = command(kCommandGenerate, "Generera Excel-dokument",
+                              "Starta generering av Excel-dokument av rapporten");
+  // The toolbar button has its own caption and a description.
+  generate->setIconText(QString::fromUtf8("&Generera Excel-dokument"));
+  generate->setStatusTip(QString::fromUtf8("Genererar Excel-dokument"));
+  QAction* refresh = command(kCommandRefresh, "Uppdatera VOLTARIS-rapport", "Uppdatera VOLTARIS-rapport");
+  QAction* choose = command(kCommandChooseTextFile, "Välj textfil...", nullptr);
+  previous->setEnabled(false);
+
+  QMenu* file = menuBar()->addMenu(QString::fromUtf8("&Arkiv"));
+  file->setObjectName(QStringLiteral("mnuArkiv"));
+  file->addAction(generate);
+  file->addAction(exit);
+
+  runBar_ = addToolBar(QString::fromUtf8("Utför"));
+  runBar_->setObjectName(QStringLiteral("barUtfor"));
+  runBar_->addAction(previous);
+  runBar_->addAction(next);
+  runBar_->addAction(generate);
+  reportBar_ = addToolBar(QString::fromUtf8("VOLTARIS-rapport"));
+  reportBar_->setObjectName(QStringLiteral("barVoltarisRapport"));
+  reportBar_->addAction(refresh);
+  reportBar_->addAction(choose);
+
+  connect(exit, &QAction::triggered, this, &QWidget::close);
+  connect(next, &QAction::triggered, this, [this] { SwitchView(true); });
+  connect(previous, &QAction::triggered, this, [this] { SwitchView(false); });
+  connect(generate, &QAction::triggered, this, &MainWindow::Generate);
+  connect(refresh, &QAction::triggered, this, [this] { Apply([this] { workspace_->RefreshSequence(); }); });
+  connect(choose, &QAction::triggered, this, [this] {
+    Apply([this] {
+      workspace::ChooseReportDumpFile(*workspace_, services_.dialogs, services_.settings,
+                                      services_.programFolder);
+    });
+  });
+}
+
+QAction* MainWindow::Command(int id) const {
+  return findChild<QAction*>(QStringLiteral("cmd%1").arg(id));
+}
+
+void MainWindow::ConnectWidgets() {
+  connect(cboRdsDir_, &QComboBox::activated, this,
+          [this](int index) { Apply([this, index] { workspace_->ChooseTemplateDirectory(index); }); });
+  connect(cboRdsDir_->lineEdit(), &QLineEdit::editingFinished, this, [this] {
+    const std::string text = S(cboRdsDir_->currentText());
+    if (text != workspace_->rdsDir.text) Apply([this, text] { workspace_->TypeTemplateDirectory(text); });
+  });
+  connect(cboRdsFile_, &QComboBox::activated, this,
+          [this](int index) { Apply([this, index] { workspace_->ChooseTemplate(index); }); });
+  connect(cboVoltDump_, &QComboBox::activated, this,
+          [this](int index) { Apply([this, index] { workspace_->ChooseReportDump(index); }); });
+  connect(cboVoltDump_->lineEdit(), &QLineEdit::editingFinished, this, [this] {
+    const std::string text = S(cboVoltDump_->currentText());
+    if (text != workspace_->voltDump.text) Apply([this, text] { workspace_->TypeReportDump(text); });
+  });
+  connect(cboSheetNo_->lineEdit(), &QLineEdit::textEdited, this,
+          [this](const QString& text) { workspace_->sheetNo.SetText(S(text)); });
+  connect(cboSheetNo_, &QComboBox::activated, this,
+          [this](int index) { workspace_->sheetNo.SelectIndex(index); });
+
+  for (FieldBox* box : txtField_) {
+    connect(box, &QLineEdit::textEdited, this, [this, box](const QString& text) {
+      workspace_->fields.entries[static_cast<std::size_t>(box->Index())].text = S(text);
+    });
+    connect(box, &FieldBox::focusLost, this, [this, box](int index) {
+      const QString shown = Q(workspace::CommitFieldText(*workspace_, index));
+      if (box->text() != shown) box->setText(shown);
+    });
+    connect(box, &FieldBox::enterPressed, this, [this, box](int index) {
+      const int next = templ::PressEnterInField(workspace_->fields, index);
+      box->setText(Q(workspace_->fields.entries[static_cast<std::size_t>(index)].text));
+      txtField_[static_cast<std::size_t>(next)]->setFocus(Qt::TabFocusReason);
+    });
+  }
+
+  connect(grid_, &PreviewGrid::popupRequested, this, &MainWindow::ShowPopup);
+  connect(grid_, &PreviewGrid::rowDoubleClicked, this, &MainWindow::DoubleClickRow);
+}
+
+double MainWindow::TwipsPerPixel() const {
+  const double dpi = logicalDpiX() > 0 ? logicalDpiX() : 96.0;
+  return 1440.0 / dpi;
+}
+
+void MainWindow::RestorePlacement() {
+  const QScreen* display = screen() ? screen() : QGuiApplication::primaryScreen();
+  const QRect area = display ? display->geometry() : QRect(0, 0, 1024, 768);
+  const double twips = TwipsPerPixel();
+  const auto placement = app::RestoreWindowPlacement(
+      services_.settings, app::kMainWindowName, app::kMainWindowDefaultSize, app::kMainWindowDefaultSize,
+      {static_cast<float>(area.width() * twips), static_cast<float>(area.height() * twips)});
+  auto pixels = [twips](float value) { return static_cast<int>(std::lround(value / twips)); };
+  move(pixels(placement.left), pixels(placement.top));
+  resize(pixels(placement.width), pixels(placement.height));
+  if (placement.state == app::WindowState::kMaximised) setWindowState(Qt::WindowMaximized);
+  if (placement.state == app::WindowState::kMinimised) setWindowState(Qt::WindowMinimized);
+}
+
+void MainWindow::SavePlacement() {
+  // A minimised window is closed from normal state, so its normal placement is what is kept.
+  if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
+  const QRect normal = isMaximized() ? normalGeometry() : QRect(pos(), size());
+  const double twips = TwipsPerPixel();
+  app::WindowPlacement placement{
+      .top = static_cast<float>(normal.top() * twips),
+      .left = static_cast<float>(normal.left() * twips),
+      .height = static_cast<float>(normal.height() * twips),
+      .width = static_cast<float>(normal.width() * twips),
+      .state = isMaximized() ? app::WindowState::kMaximised : app::WindowState::kNormal};
+  app::SaveMainWindowAtClose(services_.settings, app::PlacementAtClose(placement));
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  SavePlacement();
+  workspace_->SaveOnClose();
+  services_.settings.SaveAppSetting("Layout", saveState().toBase64().toStdString());
+  event->accept();
+}
+
+void MainWindow::Apply(const std::function<void()>& operation) {
+  if (busy_) return;  // a repaint during a load must not start another operation
+  busy_ = true;
+  const int currentRow = grid_->CurrentTableRow();
+  const int currentColumn = std::max(grid_->currentIndex().column(), 0);
+  const int scroll = grid_->verticalScrollBar()->value();
+  std::vector<int> widths;
+  for (int c = 0; c < model_->columnCount(); ++c) widths.push_back(grid_->columnWidth(c));
+  columnsNeedLayout_ = false;
+
+  model_->Freeze();
+  operation();
+  model_->Thaw();
+  busy_ = false;
+
+  if (columnsNeedLayout_) {
+    LayOutColumns();
+  } else if (static_cast<int>(widths.size()) == model_->columnCount()) {
+    for (int c = 0; c < model_->columnCount(); ++c)
+      grid_->setColumnWidth(c, widths[static_cast<std::size_t>(c)]);
+  }
+  if (currentRow >= 1 && model_->rowCount() > 0) {
+    const int row = std::min(currentRow, model_->rowCount()) - 1;
+    grid_->setCurrentIndex(model_->index(row, std::min(currentColumn, model_->columnCount() - 1)));
+    grid_->verticalScrollBar()->setValue(scroll);
+  }
+  ShowWorkspace();
+}
+
+void MainWindow::LayOutColumns() {
+  const int columns = model_->columnCount();
+  if (columns == 0) return;
+  const double twips = TwipsPerPixel();
+  std::vector<int> widths;
+  for (int c = 0; c < columns; ++c)
+    widths.push_back(static_cast<int>(std::lround(grid_->columnWidth(c) * twips)));
+  // The control's own width, as the layout rule counts it (it leaves room for the borders itself).
+  const int gridWidth = static_cast<int>(std::lround(grid_->width() * twips));
+  widths = templ::LayOutColumnWidths(std::move(widths), gridWidth);
+  // Then each column grows to its contents (headings, the rows on screen and a sample of the rest).
+  for (int c = 0; c < columns; ++c) {
+    const int laidOut = static_cast<int>(std::lround(widths[static_cast<std::size_t>(c)] / twips));
+    grid_->resizeColumnToContents(c);
+    const int contents = grid_->columnWidth(c);
+    grid_->setColumnWidth(c, std::max(laidOut, contents));
+  }
+}
+
+void MainWindow::ShowWorkspace() {
+  const workspace::Workspace& ws = *workspace_;
+  FillCombo(cboRdsDir_, ws.rdsDir.items, ws.rdsDir.selected, ws.rdsDir.text);
+  FillCombo(cboRdsFile_, ws.rdsFile.items, ws.rdsFile.selected, ws.rdsFile.text);
+  PaintPicker(cboRdsFile_, ws.rdsFile.backColour);
+  lblError_->setText(Q(ws.rdsFile.errorLabel));
+  lblError_->setVisible(ws.rdsFile.errorLabelVisible);
+  FillCombo(cboVoltDump_, ws.voltDump.items, ws.voltDump.selected, ws.voltDump.text);
+  FillCombo(cboSheetNo_, ws.sheetNo.items, ws.sheetNo.selected, ws.sheetNo.text);
+
+  for (std::size_t i = 0; i < txtField_.size(); ++i) {
+    const auto& entry = ws.fields.entries[i];
+    lblField_[i]->setText(Q(entry.caption));
+    const QSignalBlocker block(txtField_[i]);
+    if (txtField_[i]->text() != Q(entry.text)) txtField_[i]->setText(Q(entry.text));
+    txtField_[i]->setEnabled(entry.enabled);
+  }
+
+  const auto summary = workspace::SummarizePreview(ws);
+  QString text = QString::fromUtf8("Rader: %1   Placeringar: %2").arg(summary.rows).arg(summary.placements);
+  if (summary.pages) text += QString::fromUtf8("   Sidor: %1").arg(*summary.pages);
+  summary_->setText(text);
+}
+
+void MainWindow::ShowPopup(int tableRow, int pointerY, const QPoint& globalPos) {
+  if (!templ::ShowsPreviewPopup(2, tableRow)) return;
+  const auto commands =
+      templ::PreviewPopupCommands(workspace_->table, tableRow, pointerY, grid_->HeadingHeight());
+  QMenu popup(this);
+  popup.setObjectName(QStringLiteral("Popup"));
+  for (const auto& command : commands) {
+    QAction* action = popup.addAction(Q(command.caption));
+    action->setObjectName(QStringLiteral("cmd%1").arg(command.id));
+    action->setEnabled(command.enabled);
+    action->setData(static_cast<int>(command.action));
+  }
+  QAction* chosen = popup.exec(globalPos);
+  if (!chosen) return;
+  const auto action = static_cast<templ::PreviewAction>(chosen->data().toInt());
+  Apply([this, tableRow, action] {
+    workspace::RunPreviewEdit(*workspace_, tableRow, action, services_.dialogs, services_.settings);
+  });
+}
+
+void MainWindow::DoubleClickRow(int tableRow) {
+  const auto action = templ::DoubleClickAction(workspace_->table, tableRow);
+  if (action == templ::PreviewAction::kNone) return;
+  Apply([this, tableRow, action] {
+    workspace::RunPreviewEdit(*workspace_, tableRow, action, services_.dialogs, services_.settings);
+  });
+}
+
+void MainWindow::SwitchView(bool toFields) {
+  fieldsShown_ = toFields;
+  fraFiles_->setVisible(!toFields);
+  fraFields_->setVisible(toFields);
+  Command(kCommandNext)->setEnabled(!toFields);
+  Command(kCommandPrevious)->setEnabled(toFields);
+  UpdateGenerateEnabled();
+}
+
+void MainWindow::UpdateGenerateEnabled() {
+  // Set when the view switches, as the command bars always did: a template whose INI file has to be
+  // edited first cannot be generated from.
+  const bool iniToEdit = generationState_.iniEditRequested || workspace_->definition.IniError;
+  Command(kCommandGenerate)->setEnabled(!iniToEdit);
+}
+
+void MainWindow::SetBusy(bool busy) {
+  runBar_->setEnabled(!busy);
+  reportBar_->setEnabled(!busy);
+  menuBar()->setEnabled(!busy);
+}
+
+void MainWindow::Generate() {
+  if (busy_) return;
+  busy_ = true;
+  SetBusy(true);
+  progressBar_->setRange(0, 0);
+  progressBar_->setVisible(true);
+  RepaintPending();
+  auto setMousePointer = [this](gen::MousePointer pointer) {
+    const bool hourglass = pointer == gen::MousePointer::kHourglass;
+    if (hourglass == hourglassFromGeneration_) return;
+    hourglassFromGeneration_ = hourglass;
+    if (hourglass) {
+      QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+      QGuiApplication::restoreOverrideCursor();
+    }
+    RepaintPending();
+  };
+  const gen::GenerationServices services{.settings = services_.settings,
+                                         .dialogs = services_.dialogs,
+                                         .warning = warning_,
+                                         .launcher = services_.launcher,
+                                         .createExcel = services_.createExcel,
+                                         .programFolder = services_.programFolder,
+                                         .setMousePointer = setMousePointer,
+                                         .findTopLevelWindow = {}};
+  const auto outcome = workspace::GenerateFromWorkspace(*workspace_, generationState_, services);
+  setMousePointer(gen::MousePointer::kDefault);
+  progressBar_->setVisible(false);
+  SetBusy(false);
+  busy_ = false;
+  ShowWorkspace();
+
+  const std::string shown =
+      workspace::WorkbookLeftOpen(outcome, workspace_->singleSheet, workspace_->txtExcelFilename);
+  if (shown.empty()) return;
+  const std::string host = base::ResolveWindowsPath(shown).string();
+  statusBar()->showMessage(QString::fromUtf8("Skapad: ") + Q(host));
+  if (services_.openWorkbook) {
+    services_.openWorkbook(host);
+  } else {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(Q(host)));
+  }
+}
+
+}  // namespace sw::gui

@@ -1,0 +1,118 @@
+#pragma once
+// frmMain: the program's one window, a thin view over the Workspace. Every user action calls one
+// Workspace operation (app/workspace), after which the window shows the Workspace again
+// (ShowWorkspace): the pickers, the field panel, the grid and the status bar hold nothing of their
+// own. When the Workspace gets change notifications, ShowWorkspace is what they call.
+#include <QMainWindow>
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/settings.h"
+#include "app/start_log.h"
+#include "app/workspace/workspace.h"
+#include "base/dialogs.h"
+#include "base/environment.h"
+#include "base/process_launcher.h"
+#include "cadenv/registry.h"
+#include "generate/generate_workbook.h"
+#include "generate/generation_state.h"
+#include "generate/single_sheet_warning.h"
+
+class QAction;
+class QComboBox;
+class QLabel;
+class QProgressBar;
+class QGroupBox;
+class QToolBar;
+
+namespace sw::gui {
+
+class FieldBox;
+class PreviewGrid;
+class ProgressBarLoadProgress;
+class ReportTableModel;
+
+struct MainWindowServices {
+  cadenv::Registry& registry;
+  app::Settings& settings;
+  const base::Environment& environment;
+  base::Dialogs& dialogs;
+  base::ProcessLauncher& launcher;          // a faulty INI file opened for editing
+  const app::StartLog* startLog = nullptr;  // start-up trace, when switched on
+  std::string programFolder;                // the dialogs' folder until one is remembered
+  gen::ApplicationFactory createExcel;      // empty: the workbook engine of this platform
+  // Opens the workbook a generation leaves showing (host path); empty: the desktop's default application.
+  std::function<void(const std::string&)> openWorkbook;
+};
+
+// Command ids of the window's menus and toolbars; each QAction is named "cmd<id>".
+inline constexpr int kCommandExit = 100;
+inline constexpr int kCommandNext = 401;
+inline constexpr int kCommandPrevious = 402;
+inline constexpr int kCommandGenerate = 403;
+inline constexpr int kCommandRefresh = 704;
+inline constexpr int kCommandChooseTextFile = 706;
+
+class MainWindow final : public QMainWindow {
+  Q_OBJECT
+ public:
+  // Builds the window and runs its load step (the start-up sequence); show() it afterwards.
+  explicit MainWindow(MainWindowServices services, QWidget* parent = nullptr);
+  ~MainWindow() override;
+
+  workspace::Workspace& Session() { return *workspace_; }
+  QAction* Command(int id) const;
+
+  // Shows what the Workspace holds now.
+  void ShowWorkspace();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void BuildWidgets();
+  void BuildCommands();
+  void ConnectWidgets();
+  void RestorePlacement();
+  void SavePlacement();
+  // Runs one Workspace operation with the grid detached from the table, then shows the result.
+  void Apply(const std::function<void()>& operation);
+  void LayOutColumns();
+  void ShowPopup(int tableRow, int pointerY, const QPoint& globalPos);
+  void DoubleClickRow(int tableRow);
+  void SwitchView(bool toFields);
+  void UpdateGenerateEnabled();
+  void Generate();
+  void SetBusy(bool busy);
+  double TwipsPerPixel() const;
+
+  MainWindowServices services_;
+  std::unique_ptr<ProgressBarLoadProgress> progress_;
+  std::unique_ptr<workspace::Workspace> workspace_;
+  gen::GenerationState generationState_;
+  gen::MessageSingleSheetWarning warning_;
+
+  QComboBox* cboRdsDir_ = nullptr;
+  QComboBox* cboRdsFile_ = nullptr;
+  QLabel* lblError_ = nullptr;
+  QComboBox* cboVoltDump_ = nullptr;
+  QComboBox* cboSheetNo_ = nullptr;
+  QGroupBox* fraFiles_ = nullptr;
+  QGroupBox* fraFields_ = nullptr;
+  std::array<QLabel*, 30> lblField_{};
+  std::array<FieldBox*, 30> txtField_{};
+  PreviewGrid* grid_ = nullptr;
+  ReportTableModel* model_ = nullptr;
+  QProgressBar* progressBar_ = nullptr;
+  QLabel* summary_ = nullptr;
+  QToolBar* runBar_ = nullptr;
+  QToolBar* reportBar_ = nullptr;
+  bool fieldsShown_ = false;
+  bool busy_ = false;
+  bool columnsNeedLayout_ = false;
+  bool hourglassFromGeneration_ = false;
+};
+
+}  // namespace sw::gui

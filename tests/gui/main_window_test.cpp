@@ -1,0 +1,378 @@
+// The main window driven the way a user drives it: started over a fake CAD installation, clicked,
+// right-clicked and typed into offscreen.
+#include <QAbstractItemModelTester>
+#include <QApplication>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QStatusBar>
+#include <QTest>
+#include <QTimer>
+#include <filesystem>
+#include <fstream>
+
+#include "base/file_io.h"
+#include "gui/field_box.h"
+#include "gui/report_table_model.h"
+#include "report/colours.h"
+#include "started_window.h"
+#include "template/short_date.h"
+
+using sw::testing::StartedWindow;
+using List = std::vector<std::string>;
+
+namespace {
+
+const QColor kGreen(0xC0, 0xFF, 0xC0);
+const QColor kYellow(0xFF, 0xFF, 0xC0);
+
+QColor Background(const QAbstractItemModel* model, int tableRow, int column) {
+  return model->index(tableRow - 1, column).data(Qt::BackgroundRole).value<QBrush>().color();
+}
+
+bool HasPicture(const QAbstractItemModel* model, int tableRow, int column) {
+  const QIcon icon = model->index(tableRow - 1, column).data(Qt::DecorationRole).value<QIcon>();
+  if (icon.isNull()) return false;
+  // The blank picture is fully transparent.
+  const QImage image = icon.pixmap(12, 12).toImage();
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x)
+      if (qAlpha(image.pixel(x, y)) != 0) return true;
+  return false;
+}
+
+QString Column0(const QAbstractItemModel* model, int tableRow) {
+  return model->index(tableRow - 1, 0).data().toString();
+}
+
+struct PopupEntry {
+  QString name;
+  QString caption;
+  bool enabled = false;
+};
+
+// Right-clicks the grid's viewport at `point`; reads the popup's entries and chooses `choose` with the
+// keyboard (or closes the popup when it is empty). Nothing when no popup came.
+QList<PopupEntry> RightClick(StartedWindow& started, QPoint point, const QString& choose = {}) {
+  QList<PopupEntry> entries;
+  QTimer::singleShot(0, [&] {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (!menu) return;
+    QAction* chosen = nullptr;
+    for (QAction* action : menu->actions()) {
+      entries.append({action->objectName(), action->text(), action->isEnabled()});
+      if (action->objectName() == choose) chosen = action;
+    }
+    if (menu->objectName() != QStringLiteral("Popup")) entries.clear();
+    if (chosen) {
+      menu->setActiveAction(chosen);
+      QTest::keyClick(menu, Qt::Key_Return);
+    } else {
+      menu->close();
+    }
+  });
+  QWidget* viewport = started.Grid()->viewport();
+  QTest::mouseClick(viewport, Qt::RightButton, {}, point);
+  QContextMenuEvent event(QContextMenuEvent::Mouse, point, viewport->mapToGlobal(point));
+  QCoreApplication::sendEvent(viewport, &event);
+  return entries;
+}
+
+void DoubleClick(StartedWindow& started, QPoint point) {
+  QWidget* viewport = started.Grid()->viewport();
+  QTest::mouseClick(viewport, Qt::LeftButton, {}, point);
+  QTest::mouseDClick(viewport, Qt::LeftButton, {}, point);
+}
+
+QString StatusText(StartedWindow& started) {
+  return started.window->findChild<QLabel*>(QStringLiteral("lblSummary"))->text();
+}
+
+}  // namespace
+
+class MainWindowTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void startUpShowsTheLastDumpAndCloseSavesInOrder();
+  void gridShowsColoursPicturesAndHeadings();
+  void popupEntriesFollowTheRowUnderThePointer();
+  void popupEditsThePreview();
+  void doubleClickEditsThePreview();
+  void sheetNumberAndFieldBoxesFilterAndCommit();
+  void generateWritesTheWorkbookAndShowsIt();
+  void viewSwitchDisablesGenerateForAnIniToEdit();
+  void modelKeepsItsInvariants();
+};
+
+void MainWindowTest::startUpShowsTheLastDumpAndCloseSavesInOrder() {
+  StartedWindow started(
+      [](sw::testing::FakeInstallation& install) { install.settings.SaveAppSetting("PageNoLen", "3"); });
+  QCOMPARE(started.LogMessages(),
+           (List{"Fetching data from VOLTARIS.INI", "VOLTARIS.INI successfully processed.",
+                 "Restore Mainform", "Refreshing files", "RefreshFiles:Fetching RDS-dirs from registry",
+                 "Fetching USER-dirs from registry", "Fetching RDS-dir from C:\\VOLTARIS\\User\\voltaris.cfg",
+                 "Fetching RDS-dir from C:\\VOLTARIS\\Saknas\\voltaris.cfg", "Fetching last used RDS-dir",
+                 "Refreshing RDS", "Fetching VOLTID-dirs from registry", "Fetching last used VOLTID-dir",
+                 "Mainform successfully loaded"}));
+
+  auto* window = started.window.get();
+  auto* rdsDir = window->findChild<QComboBox*>(QStringLiteral("cboRdsDir"));
+  auto* rdsFile = window->findChild<QComboBox*>(QStringLiteral("cboRdsFile"));
+  auto* voltDump = window->findChild<QComboBox*>(QStringLiteral("cboVoltDump"));
+  auto* sheetNo = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"));
+  QCOMPARE(rdsDir->currentText(), QStringLiteral("C:\\Projektmallar\\"));
+  QVERIFY(rdsDir->count() > 1);
+  QCOMPARE(rdsFile->count(), 2);
+  QCOMPARE(rdsFile->currentText(), QStringLiteral("PANEL.xlsx"));
+  QCOMPARE(rdsFile->palette().color(QPalette::Button), QColor(255, 255, 192));
+  QVERIFY(window->findChild<QLabel*>(QStringLiteral("lblError"))->isHidden());
+  QCOMPARE(voltDump->currentText(), QStringLiteral("C:\\Temp\\VOLTARIS\\VOLTARIS ic\\volt_report.txt"));
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("007"));  // REPORT_FIRST 7 padded to PageNoLen 3
+  QCOMPARE(window->findChild<QLabel*>(QStringLiteral("lblField1"))->text(), QStringLiteral("Ritad av"));
+  QCOMPARE(window->findChild<QLineEdit*>(QStringLiteral("txtField1"))->text(), QStringLiteral("AB"));
+  QVERIFY(window->findChild<QLineEdit*>(QStringLiteral("txtField1"))->isEnabled());
+  QVERIFY(!window->findChild<QLineEdit*>(QStringLiteral("txtField2"))->isEnabled());
+
+  // The last dump is in the grid with its marks, and the status bar counts it.
+  auto* model = started.Grid()->model();
+  QCOMPARE(model->rowCount(), 6);
+  QCOMPARE(Column0(model, 1), QStringLiteral("+A1 Panel"));
+  QCOMPARE(Background(model, 4, 0), kYellow);
+  QCOMPARE(StatusText(started), QStringLiteral("Rader: 6   Placeringar: 1   Sidor: 2"));
+  // Start-up itself stores only the dump it chose.
+  QCOMPARE(started.settings.saved, (List{"LastVoltDmp"}));
+
+  // Closing from minimised saves the normal placement, then the last choices, then the toolbars.
+  window->showMinimized();
+  started.settings.saved.clear();
+  QVERIFY(window->close());
+  QCOMPARE(started.settings.saved,
+           (List{"frmMain\\Top", "frmMain\\Left", "frmMain\\Height", "frmMain\\Width", "frmMain\\WinState",
+                 "Width", "Height", "WinState", "LastVoltDmp", "LastRdsDir", "Layout"}));
+  QCOMPARE(started.install.settings.GetAppSetting("WinState", "", "frmMain"), std::string("0"));
+  QCOMPARE(started.install.settings.GetAppSetting("LastRdsDir", ""), std::string("C:\\Projektmallar\\"));
+
+  // The saved size is never below the 5500-twip minimum.
+  const auto width = started.install.settings.GetAppSetting("Width", "", "frmMain");
+  QVERIFY(std::stof(width) >= 5500.0f);
+}
+
+void MainWindowTest::gridShowsColoursPicturesAndHeadings() {
+  StartedWindow started;
+  auto* model = started.Grid()->model();
+  // Headings from the template's INI file are the grid's header, not a row.
+  QCOMPARE(model->headerData(1, Qt::Horizontal, Qt::DisplayRole).toString().isEmpty(), false);
+  QCOMPARE(Background(model, 1, 0), kGreen);                          // placement head
+  QCOMPARE(model->index(1, 0).data(Qt::BackgroundRole), QVariant());  // ordinary row: window colour
+  QCOMPARE(Background(model, 4, 0), kYellow);                         // page-break mark, every column
+  QCOMPARE(Background(model, 4, 3), kYellow);
+  QVERIFY(HasPicture(model, 4, 0));
+  QVERIFY(!HasPicture(model, 4, 1));
+  QVERIFY(!HasPicture(model, 3, 0));
+  QCOMPARE(model->index(2, 3).data().toString(), QString::fromUtf8("Fläkt"));
+  QCOMPARE(sw::gui::GridColour(sw::report::kWindowBackground).isValid(), false);
+  QCOMPARE(sw::gui::GridColour(0x00C0FFFF), kYellow);
+}
+
+void MainWindowTest::popupEntriesFollowTheRowUnderThePointer() {
+  StartedWindow started;
+  auto* grid = started.Grid();
+
+  auto head = RightClick(started, started.RowPoint(1));
+  QCOMPARE(grid->CurrentTableRow(), 1);  // the row under the pointer became current
+  QCOMPARE(head.size(), 3);
+  QCOMPARE(head[0].name, QStringLiteral("cmd951"));
+  QCOMPARE(head[0].caption, QStringLiteral("&Radera placering +A1 Panel"));
+  QVERIFY(head[0].enabled);
+  QCOMPARE(head[1].caption, QString::fromUtf8("&Infoga manuell sidbrytning här"));
+  QVERIFY(!head[1].enabled);
+  QCOMPARE(head[2].caption, QStringLiteral("Ta &bort manuell sidbrytning"));
+  QVERIFY(!head[2].enabled);
+
+  // Directly below a green row no break can be inserted; one row further down it can.
+  auto belowHead = RightClick(started, started.RowPoint(2));
+  QCOMPARE(grid->CurrentTableRow(), 2);
+  QVERIFY(!belowHead[0].enabled && !belowHead[1].enabled && !belowHead[2].enabled);
+  auto ordinary = RightClick(started, started.RowPoint(3));
+  QVERIFY(!ordinary[0].enabled && ordinary[1].enabled && !ordinary[2].enabled);
+  // A yellow mark row is no place for a break either.
+  auto mark = RightClick(started, started.RowPoint(4));
+  QVERIFY(!mark[1].enabled);
+
+  // Over the headings the popup comes with nothing enabled.
+  QHeaderView* header = grid->horizontalHeader();
+  const QPoint overHeading(header->sectionViewportPosition(1) + 5, header->height() / 2);
+  QList<PopupEntry> heading;
+  QTimer::singleShot(0, [&] {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (!menu) return;
+    for (QAction* action : menu->actions())
+      heading.append({action->objectName(), action->text(), action->isEnabled()});
+    menu->close();
+  });
+  QContextMenuEvent event(QContextMenuEvent::Mouse, overHeading,
+                          header->viewport()->mapToGlobal(overHeading));
+  QCoreApplication::sendEvent(header->viewport(), &event);
+  QCOMPARE(heading.size(), 3);
+  QVERIFY(!heading[0].enabled && !heading[1].enabled && !heading[2].enabled);
+}
+
+void MainWindowTest::popupEditsThePreview() {
+  StartedWindow started;
+  auto* model = started.Grid()->model();
+
+  RightClick(started, started.RowPoint(3), QStringLiteral("cmd952"));
+  QCOMPARE(model->rowCount(), 7);
+  QCOMPARE(Background(model, 3, 0), kGreen);
+  QCOMPARE(Background(model, 3, 2), kGreen);
+  QVERIFY(Column0(model, 3).isEmpty());
+  // The marks are drawn again: above the new break, and three rows after it.
+  QCOMPARE(Background(model, 2, 0), kYellow);
+  QCOMPARE(Background(model, 6, 0), kYellow);
+  QCOMPARE(StatusText(started), QStringLiteral("Rader: 7   Placeringar: 1   Sidor: 3"));
+
+  RightClick(started, started.RowPoint(3), QStringLiteral("cmd953"));
+  QCOMPARE(model->rowCount(), 6);
+  QCOMPARE(Background(model, 4, 0), kYellow);
+  QCOMPARE(model->index(1, 0).data(Qt::BackgroundRole), QVariant());
+
+  // Deleting the only placement empties the grid.
+  RightClick(started, started.RowPoint(1), QStringLiteral("cmd951"));
+  QCOMPARE(model->rowCount(), 0);
+  QCOMPARE(StatusText(started), QStringLiteral("Rader: 0   Placeringar: 0   Sidor: 0"));
+}
+
+void MainWindowTest::doubleClickEditsThePreview() {
+  StartedWindow started([](sw::testing::FakeInstallation& install) {
+    // Two placements, so that deleting the first leaves the second.
+    install.Write("Temp/VOLTARIS/VOLTARIS ic/volt_report.txt",
+                  "%+A1 Panel%\r\n\tX1\t1\tPump\r\n\tX1\t2\tLampa\r\n\tX1\t3\tUttag\r\n"
+                  "\tX1\t4\tFan\r\n%+A2 Panel%\r\n\tX2\t1\tUttag\r\n");
+  });
+  auto* model = started.Grid()->model();
+  QCOMPARE(model->rowCount(), 7);
+
+  DoubleClick(started, started.RowPoint(2));  // directly below a green row: refused
+  QCOMPARE(model->rowCount(), 7);
+
+  DoubleClick(started, started.RowPoint(3));  // inserts a manual break
+  QCOMPARE(model->rowCount(), 8);
+  QCOMPARE(Background(model, 3, 0), kGreen);
+  QVERIFY(Column0(model, 3).isEmpty());
+
+  DoubleClick(started, started.RowPoint(3));  // and removes it again
+  QCOMPARE(model->rowCount(), 7);
+  QCOMPARE(Column0(model, 3), QString());
+  QCOMPARE(model->index(2, 2).data().toString(), QStringLiteral("2"));
+
+  DoubleClick(started, started.RowPoint(1));  // deletes the first placement; the marks stay as they were
+  QCOMPARE(model->rowCount(), 2);
+  QCOMPARE(Column0(model, 1), QStringLiteral("+A2 Panel"));
+  QCOMPARE(StatusText(started), QStringLiteral("Rader: 2   Placeringar: 1   Sidor: 1"));
+}
+
+void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {
+  StartedWindow started;
+  auto* window = started.window.get();
+  auto* sheetNo = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"));
+  sheetNo->lineEdit()->setFocus();
+  sheetNo->lineEdit()->selectAll();
+  QTest::keyClicks(sheetNo->lineEdit(), QStringLiteral("1a2:;b"));
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("12:;"));
+  QTest::keyClick(sheetNo->lineEdit(), Qt::Key_Backspace);
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("12:"));
+  QCOMPARE(window->Session().sheetNo.text, std::string("12:"));
+
+  // The field view: Enter moves to the next enabled box, or back to box 0.
+  window->Command(sw::gui::kCommandNext)->trigger();
+  QVERIFY(window->findChild<QWidget*>(QStringLiteral("fraFields"))->isVisible());
+  QVERIFY(!window->findChild<QWidget*>(QStringLiteral("fraFiles"))->isVisible());
+  QVERIFY(!window->Command(sw::gui::kCommandNext)->isEnabled());
+  QVERIFY(window->Command(sw::gui::kCommandPrevious)->isEnabled());
+  auto* box0 = window->findChild<QLineEdit*>(QStringLiteral("txtField0"));
+  auto* box1 = window->findChild<QLineEdit*>(QStringLiteral("txtField1"));
+  box0->setFocus();
+  QTRY_VERIFY(box0->hasFocus());
+  QTest::keyClicks(box0, QStringLiteral("Kraftverket"));
+  QTest::keyClick(box0, Qt::Key_Return);
+  QTRY_VERIFY(box1->hasFocus());
+  QTRY_COMPARE(box1->selectedText(), QStringLiteral("AB"));  // the whole text is selected on focus
+  QTest::keyClicks(box1, QStringLiteral("."));
+  QTest::keyClick(box1, Qt::Key_Return);  // box 2 is disabled: back to box 0
+  QTRY_VERIFY(box0->hasFocus());
+  const QString today = QString::fromStdString(sw::templ::TodayShortDate());
+  QCOMPARE(box1->text(), today);
+  QCOMPARE(window->Session().fields.entries[0].text, std::string("Kraftverket"));
+  QCOMPARE(window->Session().fields.entries[1].text, today.toStdString());
+
+  // "." also becomes the date when the box loses the focus.
+  QTest::keyClicks(box0, QStringLiteral("."));
+  box1->setFocus();
+  QTRY_COMPARE(box0->text(), today);
+  QCOMPARE(window->Session().fields.entries[0].text, today.toStdString());
+
+  window->Command(sw::gui::kCommandPrevious)->trigger();
+  QVERIFY(window->findChild<QWidget*>(QStringLiteral("fraFiles"))->isVisible());
+  QVERIFY(window->Command(sw::gui::kCommandGenerate)->isEnabled());
+}
+
+void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
+  StartedWindow started([](sw::testing::FakeInstallation& install) {
+    // A real template with its INI file in place of the installation's placeholder.
+    const std::filesystem::path examples = std::filesystem::path(SW_SOURCE_DIR) / "examples";
+    std::filesystem::copy_file(examples / "yttre_forbindningstabell.xlsx",
+                               install.Host("Projektmallar/PANEL.xlsx"),
+                               std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::copy_file(examples / "yttre_forbindningstabell.ini",
+                               install.Host("Projektmallar/PANEL.ini"),
+                               std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::create_directories(install.Host("Ut"));
+  });
+  auto& dialogs = started.install.dialogs;
+  const auto target = started.install.Host("Ut/Panel.xlsx");
+
+  // Cancelling the save dialog writes nothing.
+  started.window->Command(sw::gui::kCommandGenerate)->trigger();
+  QCOMPARE(dialogs.fileRequests.size(), std::size_t{1});
+  QCOMPARE(dialogs.fileRequests[0].title, std::string("Ange filnamn för fil som skall skapas"));
+  QCOMPARE(dialogs.fileRequests[0].filter, std::string("(Kalkylblad *.xlsx)|*.xlsx"));
+  QCOMPARE(dialogs.fileRequests[0].initialFolder, std::string("C:\\Program\\"));
+  QVERIFY(!std::filesystem::exists(target));
+  QVERIFY(started.opened.empty());
+
+  dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
+  started.window->Command(sw::gui::kCommandGenerate)->trigger();
+  QVERIFY2(dialogs.messages.empty(), dialogs.messages.empty() ? "" : dialogs.messages[0].text.c_str());
+  QVERIFY(std::filesystem::file_size(target) > 0);
+  QCOMPARE(started.opened, (List{target.string()}));
+  QVERIFY(started.window->statusBar()->currentMessage().contains(QString::fromStdString(target.string())));
+  QCOMPARE(started.install.settings.GetAppSetting("ResultPath", ""), std::string("C:\\Ut\\"));
+}
+
+void MainWindowTest::viewSwitchDisablesGenerateForAnIniToEdit() {
+  StartedWindow started([](sw::testing::FakeInstallation& install) {
+    install.Write("Projektmallar/PANEL.ini", "[Tabs]\r\nTemplate=Sida\r\nCommon=Blad1\r\n");  // no [Common]
+  });
+  auto* window = started.window.get();
+  window->Command(sw::gui::kCommandNext)->trigger();
+  QVERIFY(!window->Command(sw::gui::kCommandGenerate)->isEnabled());
+  window->Command(sw::gui::kCommandPrevious)->trigger();
+  QVERIFY(!window->Command(sw::gui::kCommandGenerate)->isEnabled());
+}
+
+void MainWindowTest::modelKeepsItsInvariants() {
+  StartedWindow started;
+  QAbstractItemModelTester tester(started.Grid()->model(),
+                                  QAbstractItemModelTester::FailureReportingMode::QtTest);
+  RightClick(started, started.RowPoint(3), QStringLiteral("cmd952"));
+  DoubleClick(started, started.RowPoint(3));
+  started.window->Command(sw::gui::kCommandRefresh)->trigger();
+  QCOMPARE(started.Grid()->model()->rowCount(), 6);
+}
+
+QTEST_MAIN(MainWindowTest)
+#include "main_window_test.moc"

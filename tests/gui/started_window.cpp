@@ -1,0 +1,52 @@
+#include "started_window.h"
+
+#include <QTest>
+
+#include "base/file_io.h"
+#include "gui/report_table_model.h"
+
+namespace sw::testing {
+
+StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepare) {
+  if (prepare) prepare(install);
+  window = std::make_unique<gui::MainWindow>(
+      gui::MainWindowServices{.registry = install.registry,
+                              .settings = settings,
+                              .environment = install.environment,
+                              .dialogs = install.dialogs,
+                              .launcher = launcher,
+                              .startLog = &log,
+                              .programFolder = "C:\\Program\\",
+                              .createExcel = {},
+                              .openWorkbook = [this](const std::string& path) { opened.push_back(path); }});
+  window->resize(900, 600);
+  window->show();
+  if (!QTest::qWaitForWindowExposed(window.get())) throw std::runtime_error("the window is not shown");
+}
+
+StartedWindow::~StartedWindow() {
+  window.reset();
+}
+
+std::vector<std::string> StartedWindow::LogMessages() const {
+  std::vector<std::string> messages;
+  const auto text = base::ReadWholeFile(log.FilePath()).value_or("");
+  for (std::size_t start = 0; start < text.size();) {
+    const auto end = text.find("\r\n", start);
+    const auto line = text.substr(start, end - start);
+    messages.push_back(line.substr(line.find('\t') + 1));
+    start = end + 2;
+  }
+  return messages;
+}
+
+gui::PreviewGrid* StartedWindow::Grid() const {
+  return window->findChild<gui::PreviewGrid*>(QStringLiteral("fgPreView"));
+}
+
+QPoint StartedWindow::RowPoint(int tableRow, int column) const {
+  auto* grid = Grid();
+  return grid->visualRect(grid->model()->index(tableRow - 1, column)).center();
+}
+
+}  // namespace sw::testing

@@ -1,0 +1,65 @@
+#pragma once
+// The main window started over a fake CAD installation, with scripted dialogs, a start log in the
+// installation's folder and the settings recorded in the order they are saved.
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/start_log.h"
+#include "base/process_launcher.h"
+#include "fake_installation.h"
+#include "gui/main_window.h"
+#include "gui/preview_grid.h"
+
+namespace sw::testing {
+
+// Settings that remember the order of every save ("Section\Key" or "Key").
+class RecordingSettings final : public app::Settings {
+ public:
+  explicit RecordingSettings(app::Settings& inner) : inner_(inner) {}
+  std::vector<std::string> saved;
+
+  std::string GetAppSetting(std::string_view key, std::string_view defaultValue,
+                            std::string_view section = {}, std::string_view appName = {}) override {
+    return inner_.GetAppSetting(key, defaultValue, section, appName);
+  }
+  void SaveAppSetting(std::string_view key, std::string_view value, std::string_view section = {}) override {
+    saved.push_back(section.empty() ? std::string(key) : std::string(section) + "\\" + std::string(key));
+    inner_.SaveAppSetting(key, value, section);
+  }
+  void DeleteAppSetting(std::string_view key, std::string_view section = {}) override {
+    inner_.DeleteAppSetting(key, section);
+  }
+
+ private:
+  app::Settings& inner_;
+};
+
+class NoLauncher final : public base::ProcessLauncher {
+ public:
+  bool EditTextFile(std::string_view) override { return false; }
+  bool OpenWithDefaultApplication(std::string_view) override { return false; }
+};
+
+struct StartedWindow {
+  // `prepare` changes the installation before the window starts.
+  explicit StartedWindow(const std::function<void(FakeInstallation&)>& prepare = {});
+  ~StartedWindow();
+
+  // The message column of the start log.
+  std::vector<std::string> LogMessages() const;
+
+  gui::PreviewGrid* Grid() const;
+  // Centre of report row `tableRow`, column `column`, in the grid's viewport.
+  QPoint RowPoint(int tableRow, int column = 1) const;
+
+  FakeInstallation install;
+  base::FakeEnvironment logSwitch{{std::string(app::kStartLogVariable), "1"}};
+  app::StartLog log{logSwitch, install.temp.path()};
+  RecordingSettings settings{install.settings};
+  NoLauncher launcher;
+  std::vector<std::string> opened;  // workbooks handed to the desktop
+  std::unique_ptr<gui::MainWindow> window;
+};
+
+}  // namespace sw::testing
