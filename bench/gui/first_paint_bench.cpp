@@ -67,7 +67,7 @@ void BM_GuiDumpChosenToFirstPaint(benchmark::State& state) {
     QPixmap screen = bench.window.grab();
     benchmark::DoNotOptimize(screen);
   }
-  state.counters["rows"] = bench.window.Session().table.Rows() - 1;
+  state.counters["rows"] = bench.window.Session().Table().Rows() - 1;
 }
 BENCHMARK(BM_GuiDumpChosenToFirstPaint)->Unit(benchmark::kMillisecond)->UseRealTime();
 

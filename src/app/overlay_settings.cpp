@@ -33,11 +33,11 @@ std::string OverlaySettings::GetAppSetting(std::string_view key, std::string_vie
 }
 
 void OverlaySettings::SaveAppSetting(std::string_view key, std::string_view value, std::string_view section) {
-  underlying_.SaveAppSetting(key, value, section);
+  if (!readOnly_) underlying_.SaveAppSetting(key, value, section);
 }
 
 void OverlaySettings::DeleteAppSetting(std::string_view key, std::string_view section) {
-  underlying_.DeleteAppSetting(key, section);
+  if (!readOnly_) underlying_.DeleteAppSetting(key, section);
 }
 
 }  // namespace sw::app

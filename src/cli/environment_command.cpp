@@ -6,31 +6,16 @@
 
 #include "app/settings.h"
 #include "app/start_log.h"
-#include "app/workspace/workspace.h"
 #include "base/environment.h"
 #include "base/windows_path.h"
 #include "cadenv/registry.h"
+#include "cli/cli_session.h"
 #include "cli/console_dialogs.h"
 #include "cli/json_writer.h"
 #include "cli/user_settings.h"
 
 namespace sw::cli {
 namespace {
-
-// Reads through to the store, drops every write: looking must not change what the window remembers.
-class ReadOnlySettings final : public app::Settings {
- public:
-  explicit ReadOnlySettings(app::Settings& store) : store_(store) {}
-  std::string GetAppSetting(std::string_view key, std::string_view defaultValue, std::string_view section,
-                            std::string_view appName) override {
-    return store_.GetAppSetting(key, defaultValue, section, appName);
-  }
-  void SaveAppSetting(std::string_view, std::string_view, std::string_view) override {}
-  void DeleteAppSetting(std::string_view, std::string_view) override {}
-
- private:
-  app::Settings& store_;
-};
 
 bool MapDrives(const std::vector<std::string>& drives, std::ostream& err) {
   for (const auto& drive : drives) {
@@ -50,18 +35,18 @@ void WriteJsonList(std::ostream& out, const std::vector<std::string>& items) {
   out << ']';
 }
 
-void WriteJson(std::ostream& out, const workspace::Workspace& window) {
+void WriteJson(std::ostream& out, const session::Session& window) {
   out << "{\"templateDirs\": ";
-  WriteJsonList(out, window.rdsDir.items);
-  out << ", \"templateDir\": " << JsonString(window.rdsDir.text) << ", \"templates\": ";
-  WriteJsonList(out, window.rdsFile.items);
-  out << ", \"template\": " << JsonString(window.rdsFile.text) << ", \"templateError\": "
-      << (window.rdsFile.errorLabelVisible ? JsonString(window.rdsFile.errorLabel) : "null")
+  WriteJsonList(out, window.TemplateDirectories().items);
+  out << ", \"templateDir\": " << JsonString(window.TemplateDirectories().text) << ", \"templates\": ";
+  WriteJsonList(out, window.Templates().items);
+  out << ", \"template\": " << JsonString(window.Templates().text) << ", \"templateError\": "
+      << (window.Templates().errorLabelVisible ? JsonString(window.Templates().errorLabel) : "null")
       << ", \"dumps\": ";
-  WriteJsonList(out, window.voltDump.items);
-  out << ", \"dump\": " << JsonString(window.voltDump.text)
-      << ", \"reportId\": " << JsonString(window.currentReportId) << ", \"sheetNumbers\": ";
-  WriteJsonList(out, window.sheetNo.items);
+  WriteJsonList(out, window.ReportDumps().items);
+  out << ", \"dump\": " << JsonString(window.ReportDumps().text)
+      << ", \"reportId\": " << JsonString(window.CurrentReportId()) << ", \"sheetNumbers\": ";
+  WriteJsonList(out, window.SheetNumbers().items);
   out << "}\n";
 }
 
@@ -70,20 +55,20 @@ void WriteList(std::ostream& out, const char* heading, const std::vector<std::st
   for (const auto& item : items) out << "  " << item << "\n";
 }
 
-void WriteText(std::ostream& out, const workspace::Workspace& window) {
-  WriteList(out, "Template directories", window.rdsDir.items);
-  out << "Template directory chosen: " << window.rdsDir.text << "\n";
-  WriteList(out, "Templates", window.rdsFile.items);
-  if (window.rdsFile.errorLabelVisible) {
-    out << "Template matched: none - " << window.rdsFile.errorLabel << "\n";
+void WriteText(std::ostream& out, const session::Session& window) {
+  WriteList(out, "Template directories", window.TemplateDirectories().items);
+  out << "Template directory chosen: " << window.TemplateDirectories().text << "\n";
+  WriteList(out, "Templates", window.Templates().items);
+  if (window.Templates().errorLabelVisible) {
+    out << "Template matched: none - " << window.Templates().errorLabel << "\n";
   } else {
-    out << "Template matched: " << window.rdsFile.text << "\n";
+    out << "Template matched: " << window.Templates().text << "\n";
   }
-  WriteList(out, "Report dumps", window.voltDump.items);
-  out << "Report dump chosen: " << window.voltDump.text << "\n";
-  out << "Current report: " << window.currentReportId << "\n";
+  WriteList(out, "Report dumps", window.ReportDumps().items);
+  out << "Report dump chosen: " << window.ReportDumps().text << "\n";
+  out << "Current report: " << window.CurrentReportId() << "\n";
   out << "Sheet numbers:";
-  for (const auto& item : window.sheetNo.items) out << " " << (item.empty() ? "\"\"" : item);
+  for (const auto& item : window.SheetNumbers().items) out << " " << (item.empty() ? "\"\"" : item);
   out << "\n";
 }
 
@@ -101,25 +86,12 @@ DiscoveredInputs DiscoverInputs(std::ostream& err) {
   auto registry = OpenUserSettings(err);
   if (!registry) return {.dump = {}, .templateWorkbook = {}, .settingsReadable = false};
   app::RegistrySettings stored(*registry);
-  ReadOnlySettings settings(stored);
-  ConsoleDialogs dialogs(err, /*answerYes=*/false);
-  const app::StartLog startLog(base::ProcessEnvironment());
-  workspace::Workspace window({.registry = *registry,
-                               .settings = settings,
-                               .environment = base::ProcessEnvironment(),
-                               .dialogs = dialogs,
-                               .startLog = &startLog,
-                               .progress = nullptr,
-                               .layoutColumns = {}});
-  window.Load();
-  DiscoveredInputs inputs{.dump = window.voltDump.text, .templateWorkbook = {}, .settingsReadable = true};
-  if (!window.rdsFile.text.empty()) {
-    inputs.templateWorkbook = window.templateListFolder;
-    if (!inputs.templateWorkbook.empty() && inputs.templateWorkbook.back() != '\\')
-      inputs.templateWorkbook += '\\';
-    inputs.templateWorkbook += window.rdsFile.text;
-  }
-  return inputs;
+  CliSession cli(err, {.answerYes = false, .readOnly = true}, *registry, stored, base::ProcessEnvironment());
+  auto& session = cli.Session();
+  session.Start();
+  return DiscoveredInputs{.dump = session.ReportDumps().text,
+                          .templateWorkbook = session.TemplatePath(),
+                          .settingsReadable = true};
 }
 
 int RunEnvironment(const EnvironmentOptions& options, std::ostream& out, std::ostream& err) {
@@ -132,17 +104,9 @@ int RunEnvironment(const EnvironmentOptions& options, std::ostream& out, std::os
 int RunEnvironmentWith(const EnvironmentOptions& options, cadenv::Registry& registry, app::Settings& settings,
                        const base::Environment& environment, std::ostream& out, std::ostream& err) {
   if (!MapDrives(options.drives, err)) return 2;
-  ReadOnlySettings readOnly(settings);
-  ConsoleDialogs dialogs(err, /*answerYes=*/false);
-  const app::StartLog startLog(environment);
-  workspace::Workspace window({.registry = registry,
-                               .settings = readOnly,
-                               .environment = environment,
-                               .dialogs = dialogs,
-                               .startLog = &startLog,
-                               .progress = nullptr,
-                               .layoutColumns = {}});
-  window.Load();
+  CliSession cli(err, {.answerYes = false, .readOnly = true}, registry, settings, environment);
+  auto& window = cli.Session();
+  window.Start();
   if (options.json) {
     WriteJson(out, window);
   } else {

@@ -24,8 +24,6 @@
 #include <cmath>
 
 #include "app/window_placement.h"
-#include "app/workspace/generation_inputs.h"
-#include "app/workspace/workspace_actions.h"
 #include "base/windows_path.h"
 #include "gui/busy_state.h"
 #include "gui/field_box.h"
@@ -79,21 +77,27 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
   BuildWidgets();
   BuildCommands();
   progress_ = std::make_unique<ProgressBarLoadProgress>(progressBar_, [this](bool busy) { SetBusy(busy); });
-  workspace_ = std::make_unique<workspace::Workspace>(
-      workspace::WorkspaceServices{.registry = services_.registry,
-                                   .settings = services_.settings,
-                                   .environment = services_.environment,
-                                   .dialogs = services_.dialogs,
-                                   .startLog = services_.startLog,
-                                   .progress = progress_.get(),
-                                   .layoutColumns = [this] { columnsNeedLayout_ = true; }});
-  model_ = new ReportTableModel(workspace_->table, this);
+  session_ = std::make_unique<session::Session>(session::SessionServices{
+      .registry = services_.registry,
+      .settings = services_.settings,
+      .environment = services_.environment,
+      .dialogs = services_.dialogs,
+      .launcher = services_.launcher,
+      .startLog = services_.startLog,
+      .progress = progress_.get(),
+      .warning = &warning_,
+      .createExcel = services_.createExcel,
+      .programFolder = services_.programFolder,
+      .setMousePointer = [this](gen::MousePointer pointer) { SetGenerationPointer(pointer); },
+      .layoutColumns = [this] { columnsNeedLayout_ = true; }});
+  session_->AddObserver(*this);
+  model_ = new ReportTableModel(session_->Table(), this);
   grid_->setModel(model_);
   ConnectWidgets();
 
-  // The load step: the Workspace runs it in order and calls back for the window's own steps.
+  // The load step: the session runs it in order and calls back for the window's own steps.
   Apply([this] {
-    workspace_->Load([this] {
+    session_->Start([this] {
       RestorePlacement();
       // The grid gets its restored size now, so the column layout at the end of the load shares out
       // the width the user will see.
@@ -107,7 +111,7 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
 }
 
 MainWindow::~MainWindow() {
-  // The grid reads the Workspace's table to the end, so it goes before the Workspace does.
+  // The grid reads the session's table to the end, so it goes before the session does.
   delete grid_;
   delete model_;
 }
@@ -234,13 +238,8 @@ void MainWindow::BuildCommands() {
   connect(next, &QAction::triggered, this, [this] { SwitchView(true); });
   connect(previous, &QAction::triggered, this, [this] { SwitchView(false); });
   connect(generate, &QAction::triggered, this, &MainWindow::Generate);
-  connect(refresh, &QAction::triggered, this, [this] { Apply([this] { workspace_->RefreshSequence(); }); });
-  connect(choose, &QAction::triggered, this, [this] {
-    Apply([this] {
-      workspace::ChooseReportDumpFile(*workspace_, services_.dialogs, services_.settings,
-                                      services_.programFolder);
-    });
-  });
+  connect(refresh, &QAction::triggered, this, [this] { Apply([this] { session_->Refresh(); }); });
+  connect(choose, &QAction::triggered, this, [this] { Apply([this] { session_->ChooseDumpFile(); }); });
 }
 
 QAction* MainWindow::Command(int id) const {
@@ -249,35 +248,36 @@ QAction* MainWindow::Command(int id) const {
 
 void MainWindow::ConnectWidgets() {
   connect(cboRdsDir_, &QComboBox::activated, this,
-          [this](int index) { Apply([this, index] { workspace_->ChooseTemplateDirectory(index); }); });
+          [this](int index) { Apply([this, index] { session_->ChooseTemplateDirectory(index); }); });
   connect(cboRdsDir_->lineEdit(), &QLineEdit::editingFinished, this, [this] {
     const std::string text = S(cboRdsDir_->currentText());
-    if (text != workspace_->rdsDir.text) Apply([this, text] { workspace_->TypeTemplateDirectory(text); });
+    if (text != session_->TemplateDirectories().text)
+      Apply([this, text] { session_->TypeTemplateDirectory(text); });
   });
   connect(cboRdsFile_, &QComboBox::activated, this,
-          [this](int index) { Apply([this, index] { workspace_->ChooseTemplate(index); }); });
+          [this](int index) { Apply([this, index] { session_->ChooseTemplate(index); }); });
   connect(cboVoltDump_, &QComboBox::activated, this,
-          [this](int index) { Apply([this, index] { workspace_->ChooseReportDump(index); }); });
+          [this](int index) { Apply([this, index] { session_->ChooseReportDump(index); }); });
   connect(cboVoltDump_->lineEdit(), &QLineEdit::editingFinished, this, [this] {
     const std::string text = S(cboVoltDump_->currentText());
-    if (text != workspace_->voltDump.text) Apply([this, text] { workspace_->TypeReportDump(text); });
+    if (text != session_->ReportDumps().text) Apply([this, text] { session_->TypeReportDump(text); });
   });
   connect(cboSheetNo_->lineEdit(), &QLineEdit::textEdited, this,
-          [this](const QString& text) { workspace_->sheetNo.SetText(S(text)); });
+          [this](const QString& text) { session_->SetSheetNumber(S(text)); });
   connect(cboSheetNo_, &QComboBox::activated, this,
-          [this](int index) { workspace_->sheetNo.SelectIndex(index); });
+          [this](int index) { session_->ChooseSheetNumber(index); });
 
   for (FieldBox* box : txtField_) {
-    connect(box, &QLineEdit::textEdited, this, [this, box](const QString& text) {
-      workspace_->fields.entries[static_cast<std::size_t>(box->Index())].text = S(text);
-    });
+    connect(box, &QLineEdit::textEdited, this,
+            [this, box](const QString& text) { session_->SetFieldText(box->Index(), S(text)); });
     connect(box, &FieldBox::focusLost, this, [this, box](int index) {
-      const QString shown = Q(workspace::CommitFieldText(*workspace_, index));
+      session_->CommitFieldText(index);
+      const QString shown = Q(session_->Fields().entries[static_cast<std::size_t>(index)].text);
       if (box->text() != shown) box->setText(shown);
     });
     connect(box, &FieldBox::enterPressed, this, [this, box](int index) {
-      const int next = templ::PressEnterInField(workspace_->fields, index);
-      box->setText(Q(workspace_->fields.entries[static_cast<std::size_t>(index)].text));
+      const int next = session_->PressEnterInField(index);
+      box->setText(Q(session_->Fields().entries[static_cast<std::size_t>(index)].text));
       txtField_[static_cast<std::size_t>(next)]->setFocus(Qt::TabFocusReason);
     });
   }
@@ -321,7 +321,7 @@ void MainWindow::SavePlacement() {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   SavePlacement();
-  workspace_->SaveOnClose();
+  session_->Close();
   services_.settings.SaveAppSetting("Layout", saveState().toBase64().toStdString());
   event->accept();
 }
@@ -352,7 +352,7 @@ void MainWindow::Apply(const std::function<void()>& operation) {
     grid_->setCurrentIndex(model_->index(row, std::min(currentColumn, model_->columnCount() - 1)));
     grid_->verticalScrollBar()->setValue(scroll);
   }
-  ShowWorkspace();
+  if (!pending_.Empty()) ShowSession();
 }
 
 void MainWindow::LayOutColumns() {
@@ -374,25 +374,30 @@ void MainWindow::LayOutColumns() {
   }
 }
 
-void MainWindow::ShowWorkspace() {
-  const workspace::Workspace& ws = *workspace_;
-  FillCombo(cboRdsDir_, ws.rdsDir.items, ws.rdsDir.selected, ws.rdsDir.text);
-  FillCombo(cboRdsFile_, ws.rdsFile.items, ws.rdsFile.selected, ws.rdsFile.text);
-  PaintPicker(cboRdsFile_, ws.rdsFile.backColour);
-  lblError_->setText(Q(ws.rdsFile.errorLabel));
-  lblError_->setVisible(ws.rdsFile.errorLabelVisible);
-  FillCombo(cboVoltDump_, ws.voltDump.items, ws.voltDump.selected, ws.voltDump.text);
-  FillCombo(cboSheetNo_, ws.sheetNo.items, ws.sheetNo.selected, ws.sheetNo.text);
+void MainWindow::ShowSession() {
+  pending_ = {};
+  const session::Session& ws = *session_;
+  const auto& dirs = ws.TemplateDirectories();
+  const auto& templates = ws.Templates();
+  const auto& dumps = ws.ReportDumps();
+  const auto& sheetNumbers = ws.SheetNumbers();
+  FillCombo(cboRdsDir_, dirs.items, dirs.selected, dirs.text);
+  FillCombo(cboRdsFile_, templates.items, templates.selected, templates.text);
+  PaintPicker(cboRdsFile_, templates.backColour);
+  lblError_->setText(Q(templates.errorLabel));
+  lblError_->setVisible(templates.errorLabelVisible);
+  FillCombo(cboVoltDump_, dumps.items, dumps.selected, dumps.text);
+  FillCombo(cboSheetNo_, sheetNumbers.items, sheetNumbers.selected, sheetNumbers.text);
 
   for (std::size_t i = 0; i < txtField_.size(); ++i) {
-    const auto& entry = ws.fields.entries[i];
+    const auto& entry = ws.Fields().entries[i];
     lblField_[i]->setText(Q(entry.caption));
     const QSignalBlocker block(txtField_[i]);
     if (txtField_[i]->text() != Q(entry.text)) txtField_[i]->setText(Q(entry.text));
     txtField_[i]->setEnabled(entry.enabled);
   }
 
-  const auto summary = workspace::SummarizePreview(ws);
+  const auto summary = ws.Summary();
   QString text = QString::fromUtf8("Rader: %1   Placeringar: %2").arg(summary.rows).arg(summary.placements);
   if (summary.pages) text += QString::fromUtf8("   Sidor: %1").arg(*summary.pages);
   summary_->setText(text);
@@ -400,8 +405,7 @@ void MainWindow::ShowWorkspace() {
 
 void MainWindow::ShowPopup(int tableRow, int pointerY, const QPoint& globalPos) {
   if (!templ::ShowsPreviewPopup(2, tableRow)) return;
-  const auto commands =
-      templ::PreviewPopupCommands(workspace_->table, tableRow, pointerY, grid_->HeadingHeight());
+  const auto commands = session_->PopupCommands(tableRow, pointerY, grid_->HeadingHeight());
   QMenu popup(this);
   popup.setObjectName(QStringLiteral("Popup"));
   for (const auto& command : commands) {
@@ -413,17 +417,13 @@ void MainWindow::ShowPopup(int tableRow, int pointerY, const QPoint& globalPos) 
   QAction* chosen = popup.exec(globalPos);
   if (!chosen) return;
   const auto action = static_cast<templ::PreviewAction>(chosen->data().toInt());
-  Apply([this, tableRow, action] {
-    workspace::RunPreviewEdit(*workspace_, tableRow, action, services_.dialogs, services_.settings);
-  });
+  Apply([this, tableRow, action] { session_->RunPreviewAction(tableRow, action); });
 }
 
 void MainWindow::DoubleClickRow(int tableRow) {
-  const auto action = templ::DoubleClickAction(workspace_->table, tableRow);
+  const auto action = session_->DoubleClickAction(tableRow);
   if (action == templ::PreviewAction::kNone) return;
-  Apply([this, tableRow, action] {
-    workspace::RunPreviewEdit(*workspace_, tableRow, action, services_.dialogs, services_.settings);
-  });
+  Apply([this, tableRow, action] { session_->RunPreviewAction(tableRow, action); });
 }
 
 void MainWindow::SwitchView(bool toFields) {
@@ -438,7 +438,7 @@ void MainWindow::SwitchView(bool toFields) {
 void MainWindow::UpdateGenerateEnabled() {
   // Set when the view switches, as the command bars always did: a template whose INI file has to be
   // edited first cannot be generated from.
-  const bool iniToEdit = generationState_.iniEditRequested || workspace_->definition.IniError;
+  const bool iniToEdit = iniEditRequested_ || session_->Definition().IniError;
   Command(kCommandGenerate)->setEnabled(!iniToEdit);
 }
 
@@ -448,6 +448,24 @@ void MainWindow::SetBusy(bool busy) {
   menuBar()->setEnabled(!busy);
 }
 
+void MainWindow::SessionChanged(session::Changes what) {
+  pending_ |= what;
+  // Outside an operation (none runs then), show it at once; inside, Apply shows it at the end.
+  if (!busy_) ShowSession();
+}
+
+void MainWindow::SetGenerationPointer(gen::MousePointer pointer) {
+  const bool hourglass = pointer == gen::MousePointer::kHourglass;
+  if (hourglass == hourglassFromGeneration_) return;
+  hourglassFromGeneration_ = hourglass;
+  if (hourglass) {
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  } else {
+    QGuiApplication::restoreOverrideCursor();
+  }
+  RepaintPending();
+}
+
 void MainWindow::Generate() {
   if (busy_) return;
   busy_ = true;
@@ -455,37 +473,20 @@ void MainWindow::Generate() {
   progressBar_->setRange(0, 0);
   progressBar_->setVisible(true);
   RepaintPending();
-  auto setMousePointer = [this](gen::MousePointer pointer) {
-    const bool hourglass = pointer == gen::MousePointer::kHourglass;
-    if (hourglass == hourglassFromGeneration_) return;
-    hourglassFromGeneration_ = hourglass;
-    if (hourglass) {
-      QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    } else {
-      QGuiApplication::restoreOverrideCursor();
-    }
-    RepaintPending();
-  };
-  const gen::GenerationServices services{.settings = services_.settings,
-                                         .dialogs = services_.dialogs,
-                                         .warning = warning_,
-                                         .launcher = services_.launcher,
-                                         .createExcel = services_.createExcel,
-                                         .programFolder = services_.programFolder,
-                                         .setMousePointer = setMousePointer,
-                                         .findTopLevelWindow = {}};
-  const auto outcome = workspace::GenerateFromWorkspace(*workspace_, generationState_, services);
-  setMousePointer(gen::MousePointer::kDefault);
+  const auto result = session_->Generate();
+  iniEditRequested_ = result.iniEditRequested;
+  SetGenerationPointer(gen::MousePointer::kDefault);
   progressBar_->setVisible(false);
   SetBusy(false);
   busy_ = false;
-  ShowWorkspace();
+  if (!pending_.Empty()) ShowSession();
 
-  const std::string shown =
-      workspace::WorkbookLeftOpen(outcome, workspace_->singleSheet, workspace_->txtExcelFilename);
+  const std::string shown = result.ShownWorkbook();
   if (shown.empty()) return;
   const std::string host = base::ResolveWindowsPath(shown).string();
-  statusBar()->showMessage(QString::fromUtf8("Skapad: ") + Q(host));
+  QString status = QString::fromUtf8("Skapad: ") + Q(host);
+  if (!result.BackupNotice().empty()) status += QStringLiteral("   ") + Q(result.BackupNotice());
+  statusBar()->showMessage(status);
   if (services_.openWorkbook) {
     services_.openWorkbook(host);
   } else {

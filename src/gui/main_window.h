@@ -1,8 +1,8 @@
 #pragma once
-// frmMain: the program's one window, a thin view over the Workspace. Every user action calls one
-// Workspace operation (app/workspace), after which the window shows the Workspace again
-// (ShowWorkspace): the pickers, the field panel, the grid and the status bar hold nothing of their
-// own. When the Workspace gets change notifications, ShowWorkspace is what they call.
+// frmMain: the program's one window, a thin view over the session. Every user action calls one
+// session operation (src/session), after which the window shows the session again
+// (ShowSession) when the session said something changed: the pickers, the field panel, the grid and
+// the status bar hold nothing of their own.
 #include <QMainWindow>
 #include <array>
 #include <functional>
@@ -11,7 +11,6 @@
 
 #include "app/settings.h"
 #include "app/start_log.h"
-#include "app/workspace/workspace.h"
 #include "base/dialogs.h"
 #include "base/environment.h"
 #include "base/process_launcher.h"
@@ -19,6 +18,7 @@
 #include "generate/generate_workbook.h"
 #include "generate/generation_state.h"
 #include "generate/single_sheet_warning.h"
+#include "session/session.h"
 
 class QAction;
 class QComboBox;
@@ -55,18 +55,18 @@ inline constexpr int kCommandGenerate = 403;
 inline constexpr int kCommandRefresh = 704;
 inline constexpr int kCommandChooseTextFile = 706;
 
-class MainWindow final : public QMainWindow {
+class MainWindow final : public QMainWindow, private session::SessionObserver {
   Q_OBJECT
  public:
   // Builds the window and runs its load step (the start-up sequence); show() it afterwards.
   explicit MainWindow(MainWindowServices services, QWidget* parent = nullptr);
   ~MainWindow() override;
 
-  workspace::Workspace& Session() { return *workspace_; }
+  session::Session& Session() { return *session_; }
   QAction* Command(int id) const;
 
-  // Shows what the Workspace holds now.
-  void ShowWorkspace();
+  // Shows what the session holds now.
+  void ShowSession();
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -77,7 +77,7 @@ class MainWindow final : public QMainWindow {
   void ConnectWidgets();
   void RestorePlacement();
   void SavePlacement();
-  // Runs one Workspace operation with the grid detached from the table, then shows the result.
+  // Runs one session operation with the grid detached from the table, then shows the result.
   void Apply(const std::function<void()>& operation);
   void LayOutColumns();
   void ShowPopup(int tableRow, int pointerY, const QPoint& globalPos);
@@ -85,13 +85,16 @@ class MainWindow final : public QMainWindow {
   void SwitchView(bool toFields);
   void UpdateGenerateEnabled();
   void Generate();
+  void SessionChanged(session::Changes what) override;
+  void SetGenerationPointer(gen::MousePointer pointer);
   void SetBusy(bool busy);
   double TwipsPerPixel() const;
 
   MainWindowServices services_;
   std::unique_ptr<ProgressBarLoadProgress> progress_;
-  std::unique_ptr<workspace::Workspace> workspace_;
-  gen::GenerationState generationState_;
+  std::unique_ptr<session::Session> session_;
+  session::Changes pending_;       // what the session changed since the window last showed it
+  bool iniEditRequested_ = false;  // the last run opened the INI file for editing
   gen::MessageSingleSheetWarning warning_;
 
   QComboBox* cboRdsDir_ = nullptr;

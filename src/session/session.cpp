@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include "app/workspace/integer_setting.h"
 #include "base/windows_path.h"
 #include "cadenv/discovery/refresh_files.h"
 #include "generate/page_count.h"
 #include "report/cleanup.h"
 #include "report/preview_loader.h"
+#include "session/integer_setting.h"
 #include "template/current_report.h"
 #include "template/export_fixup.h"
 #include "template/preview_controls.h"
@@ -49,12 +49,18 @@ class Session::RecordingDialogs final : public base::Dialogs {
   base::Dialogs& shown_;
 };
 
+std::string GenerationResult::BackupNotice() const {
+  return templateBackup.empty() ? std::string() : "Mallens tidigare innehåll finns kvar i " + templateBackup;
+}
+
 bool GenerationResult::Succeeded() const {
   return completed && std::none_of(messages.begin(), messages.end(), IsError);
 }
 
 Session::Session(SessionServices services)
-    : services_(std::move(services)), layout_(definition_, services_.dialogs, services_.settings) {}
+    : services_(std::move(services)),
+      layout_(definition_, services_.layoutDialogs ? *services_.layoutDialogs : services_.dialogs,
+              services_.settings) {}
 
 void Session::AddObserver(SessionObserver& observer) {
   observers_.push_back(&observer);
@@ -75,7 +81,9 @@ void Session::Log(std::string_view message) const {
 
 std::string Session::TemplatePath() const {
   if (rdsFile_.text.empty()) return {};
-  return templateListFolder_ + "\\" + rdsFile_.text;
+  std::string path = templateListFolder_;
+  if (!path.empty() && path.back() != '\\' && path.back() != '/') path += '\\';
+  return path + rdsFile_.text;
 }
 
 std::optional<int> Session::PagesOfGeneration() const {
@@ -86,18 +94,27 @@ std::optional<int> Session::PagesOfGeneration() const {
   return gen::CountPages(table_, copy.EndRow - copy.StartRow + 1, copy.Infinite);
 }
 
+PreviewSummary Session::Summary() const {
+  PreviewSummary summary;
+  summary.rows = std::max(table_.Rows() - 1, 0);
+  for (int row = 1; row < table_.Rows(); ++row) {
+    if (table_.ClassOf(row) == report::RowClass::kPlacementHead) ++summary.placements;
+  }
+  summary.pages = PagesOfGeneration();
+  return summary;
+}
+
 void Session::Start(const std::function<void()>& windowSteps) {
   Log("Fetching data from VOLTARIS.INI");
   ReadCurrentReport();
   Log("Restore Mainform");
   if (windowSteps) windowSteps();
-  includeEmptyRows_ = workspace::IntegerSetting(services_.settings, "IncludeEmptyRows", "0") > 0;
-  useSlashTwo_ = workspace::IntegerSetting(services_.settings, "UseSlashTwo", "1") > 0;
+  includeEmptyRows_ = IntegerSetting(services_.settings, "IncludeEmptyRows", "0") > 0;
+  useSlashTwo_ = IntegerSetting(services_.settings, "UseSlashTwo", "1") > 0;
   Notify(Change::kCommands);
   Log("Refreshing files");
   RefreshFiles();
-  sheetNo_.SetText(workspace::PadSheetNumber(
-      sheetNo_.text, workspace::IntegerSetting(services_.settings, "PageNoLen", "1")));
+  sheetNo_.SetText(PadSheetNumber(sheetNo_.text, IntegerSetting(services_.settings, "PageNoLen", "1")));
   Notify(Change::kSheetNumber);
   Log("Mainform successfully loaded");
 }
@@ -238,6 +255,12 @@ void Session::ChooseReportDump(int index) {
   DumpChanged();
 }
 
+report::PreviewResult Session::OpenReportDump(std::string path) {
+  voltDump_.SetText(std::move(path));
+  Notify(Change::kPickers);
+  return PreviewVoltDump();
+}
+
 void Session::ChooseDumpFile() {
   const auto chosen = templ::ChooseReportDump(services_.dialogs, services_.settings, services_.programFolder);
   if (!chosen) return;
@@ -277,11 +300,12 @@ void Session::RunPreviewAction(int row, templ::PreviewAction action) {
 bool Session::FixExport(bool force) {
   // The template check after the repair lists, matches and pairs again, so the headings and the field
   // panel follow the INI file; choosing the template again would reload the dump and undo the repair.
-  const bool fixed = templ::AdjustExportFile(force, currentReportId_, services_.environment,
-                                             services_.dialogs, table_, [this] {
-                                               templ::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_);
-                                               PairTemplate();
-                                             });
+  const bool fixed = templ::AdjustExportFile(
+      force, currentReportId_, services_.environment, services_.dialogs, table_, [this] {
+        if (!templ::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) return;
+        templateListFolder_ = rdsDir_.text;
+        PairTemplate();
+      });
   if (fixed) Notify(Change::kTable | Change::kPickers);
   return fixed;
 }
@@ -311,6 +335,11 @@ int Session::PressEnterInField(int index) {
   const int next = templ::PressEnterInField(fields_, index, services_.today);
   Notify(Change::kFields);
   return next;
+}
+
+void Session::ChooseSheetNumber(int index) {
+  sheetNo_.SelectIndex(index);
+  Notify(Change::kSheetNumber);
 }
 
 void Session::SetSheetNumber(std::string text) {
@@ -348,6 +377,17 @@ void Session::ToggleSingleSheet() {
   Notify(Change::kCommands);
 }
 
+void Session::UseSingleSheet(bool on) {
+  singleSheet_ = on;
+  Notify(Change::kCommands);
+}
+
+std::string Session::FirstSheetNumber() const {
+  // Without the CAD system's INI file the first item is empty.
+  if (sheetNo_.items.empty() || sheetNo_.items.front().empty()) return "1";
+  return sheetNo_.items.front();
+}
+
 GenerationResult Session::Generate() {
   std::vector<std::string> fieldTexts;
   fieldTexts.reserve(fields_.entries.size());
@@ -371,7 +411,8 @@ GenerationResult Session::Generate() {
                                      .createExcel = services_.createExcel,
                                      .programFolder = services_.programFolder,
                                      .setMousePointer = services_.setMousePointer,
-                                     .findTopLevelWindow = {}};
+                                     .findTopLevelWindow = {},
+                                     .mayWriteIntoTemplate = services_.mayWriteIntoTemplate};
   gen::GenerationState state;
   const auto outcome = gen::GenerateWorkbook(inputs, definition_, state, generation);
 
@@ -382,6 +423,8 @@ GenerationResult Session::Generate() {
   GenerationResult result;
   result.completed = outcome.completed;
   result.messages = std::move(dialogs.messages);
+  result.templateBackup = outcome.templateBackup;
+  result.iniEditRequested = state.iniEditRequested;
   for (const auto& written : outcome.savedFiles) result.workbooks.push_back(written);
   return result;
 }

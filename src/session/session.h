@@ -51,6 +51,20 @@ struct SessionServices {
   templ::ShortDateSource today = templ::TodayShortDate;
   std::function<void(gen::MousePointer)> setMousePointer;  // hourglass during generation
   std::function<void()> layoutColumns;                     // column widths after a load (window only)
+  // Where the page layout's messages go when a load draws the marks; none: `dialogs`. The command
+  // line's generate passes a silent one: generation's own INI check tells the same problems once.
+  base::Dialogs* layoutDialogs = nullptr;
+  // Whether a run may write into the template itself, as single-sheet mode does with a dynamic-length
+  // template (after keeping a copy). The command line has no toggle a template can switch off, so
+  // there such a run is refused instead.
+  bool mayWriteIntoTemplate = true;
+};
+
+// What the status bar counts for the user.
+struct PreviewSummary {
+  int rows = 0;              // report rows below the heading
+  int placements = 0;        // placement heads
+  std::optional<int> pages;  // the pages generation would make; nothing without a usable template
 };
 
 // What one generation did, for the front end to show: the run's own outcome and every message the
@@ -59,10 +73,15 @@ struct GenerationResult {
   bool completed = false;               // the run got to its end
   std::vector<std::string> workbooks;   // every workbook written, as the program names them
   std::vector<base::Message> messages;  // in the order shown
+  std::string templateBackup;  // where the template's previous content was kept, when the run wrote into it
+  bool iniEditRequested =
+      false;  // the template's INI file was opened for editing: fix it before the next run
   // The workbook Excel is left showing: the target, or in single-sheet mode the last page file.
   std::string ShownWorkbook() const { return workbooks.empty() ? std::string() : workbooks.back(); }
   // Completed without an error message: nothing the user asked for was lost.
   bool Succeeded() const;
+  // What the status bar tells after the run besides the workbook: where the template was kept.
+  std::string BackupNotice() const;
 };
 
 class Session {
@@ -95,6 +114,7 @@ class Session {
   // The pages generation would make now, with the page length generation reads; nothing without a
   // template or when generation's INI check would stop it.
   std::optional<int> PagesOfGeneration() const;
+  PreviewSummary Summary() const;
 
   // --- Start and close.
   // The load step: the CAD INI file, then `windowSteps` (placement, theme, command bars; run after
@@ -113,6 +133,9 @@ class Session {
   void UseTemplateWorkbook(std::string_view path);
   void TypeReportDump(std::string text);
   void ChooseReportDump(int index);
+  // A dump named by path, as the command line gives it: shown in the dump picker and loaded, but not
+  // remembered as the last dump.
+  report::PreviewResult OpenReportDump(std::string path);
   // Command 706 "Välj textfil...": the open dialog; the chosen file stands in the dump picker.
   void ChooseDumpFile();
   // Command 704: RefreshFiles, the current report and the template list with the refreshing flag up,
@@ -141,12 +164,20 @@ class Session {
   // Enter in box `index`: commits it; the box that gets the focus.
   int PressEnterInField(int index);
   void SetSheetNumber(std::string text);
+  void ChooseSheetNumber(int index);
 
   // --- Toggles 305 ("IncludeEmptyRows"), 306 ("UseSlashTwo") and 707 ("SingleSheet"): invert, store
   // "1"/"0", and for 305/306 reload the dump when switched on or tidy the table when switched off.
   void ToggleIncludeEmptyRows();
   void ToggleUseSlashTwo();
   void ToggleSingleSheet();
+  // Single-sheet mode for this run only, nothing stored (the command line's --single-sheet).
+  void UseSingleSheet(bool on);
+
+  // The CAD system's current report read again: its identifier and the sheet-number items.
+  void ReadCurrentReport();
+  // The first sheet number the current report offers, "1" when there is none.
+  std::string FirstSheetNumber() const;
 
   // --- Command 403 "Generera Excel-dokument": the target comes from the dialogs interface's save
   // dialog (the command line answers it with --out). The sheet number and the last workbook's path
@@ -158,7 +189,6 @@ class Session {
 
   void Log(std::string_view message) const;
   void Notify(Changes what);
-  void ReadCurrentReport();
   void RefreshFiles();
   void RefillTemplates();
   void PairTemplate();

@@ -31,3 +31,21 @@ TEST(OverlaySettings, OverridesAnswerReadsAndWritesReachTheStore) {
 
 }  // namespace
 }  // namespace sw::app
+
+namespace sw::app {
+namespace {
+
+TEST(ReadOnlyOverlayTest, ReadsThroughAndDropsWrites) {
+  testing::MemorySettings store;
+  store.SaveAppSetting("LastVoltDmp", "C:\\a.txt");
+  OverlaySettings readOnly(store, OverlaySettings::Writes::kDropped);
+  readOnly.Override("UseSlashTwo", "0");
+  EXPECT_EQ(readOnly.GetAppSetting("LastVoltDmp", ""), "C:\\a.txt");
+  EXPECT_EQ(readOnly.GetAppSetting("UseSlashTwo", "1"), "0");
+  readOnly.SaveAppSetting("LastVoltDmp", "C:\\b.txt");
+  readOnly.DeleteAppSetting("LastVoltDmp");
+  EXPECT_EQ(store.GetAppSetting("LastVoltDmp", ""), "C:\\a.txt");
+}
+
+}  // namespace
+}  // namespace sw::app

@@ -285,7 +285,7 @@ void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {
   QCOMPARE(sheetNo->currentText(), QStringLiteral("12:;"));
   QTest::keyClick(sheetNo->lineEdit(), Qt::Key_Backspace);
   QCOMPARE(sheetNo->currentText(), QStringLiteral("12:"));
-  QCOMPARE(window->Session().sheetNo.text, std::string("12:"));
+  QCOMPARE(window->Session().SheetNumbers().text, std::string("12:"));
 
   // The field view: Enter moves to the next enabled box, or back to box 0.
   window->Command(sw::gui::kCommandNext)->trigger();
@@ -306,14 +306,14 @@ void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {
   QTRY_VERIFY(box0->hasFocus());
   const QString today = QString::fromStdString(sw::templ::TodayShortDate());
   QCOMPARE(box1->text(), today);
-  QCOMPARE(window->Session().fields.entries[0].text, std::string("Kraftverket"));
-  QCOMPARE(window->Session().fields.entries[1].text, today.toStdString());
+  QCOMPARE(window->Session().Fields().entries[0].text, std::string("Kraftverket"));
+  QCOMPARE(window->Session().Fields().entries[1].text, today.toStdString());
 
   // "." also becomes the date when the box loses the focus.
   QTest::keyClicks(box0, QStringLiteral("."));
   box1->setFocus();
   QTRY_COMPARE(box0->text(), today);
-  QCOMPARE(window->Session().fields.entries[0].text, today.toStdString());
+  QCOMPARE(window->Session().Fields().entries[0].text, today.toStdString());
 
   window->Command(sw::gui::kCommandPrevious)->trigger();
   QVERIFY(window->findChild<QWidget*>(QStringLiteral("fraFiles"))->isVisible());

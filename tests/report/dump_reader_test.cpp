@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/text_codec.h"
-#include "support/temp_dir.h"
+#include "temp_dir.h"
 #include "table_rows.h"
 
 namespace sw::report {

@@ -58,7 +58,7 @@ TEST_F(SessionFlowTest, StartEditGenerateClose) {
   EXPECT_TRUE(atStart.Has(Change::kSheetNumber));
   EXPECT_TRUE(atStart.Has(Change::kFields));
   ASSERT_EQ(session_.Templates().text, "PANEL.xlsx");
-  EXPECT_EQ(session_.TemplatePath(), "C:\\Projektmallar\\\\PANEL.xlsx");
+  EXPECT_EQ(session_.TemplatePath(), "C:\\Projektmallar\\PANEL.xlsx");
   const int rows = session_.Table().Rows();
   const auto pagesBefore = session_.PagesOfGeneration();
   ASSERT_TRUE(pagesBefore.has_value());

@@ -219,6 +219,38 @@ TEST_F(SessionTest, RefreshSequenceLoadsOnceAndOffersTheRepairForFbltay) {
   EXPECT_EQ(progress_.loads, loads + 1);
 }
 
+TEST_F(SessionTest, RepairPairsTheIniAgainSoTheHeadingsFollowIt) {
+  install_.Write("Projektmallar/PANEL.ini",
+                 "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n[Common]\r\nProjekt=C3\r\n"
+                 "[Sheet]\r\nSTARTROW=10\r\nENDROW=40\r\nCOLUMNS=Plats,Kabel,Typ\r\n");
+  session_.Start();
+  ASSERT_EQ(session_.Table().Text(0, 1), "Plats ");
+  install_.dialogs.answers = {base::MessageAnswer::kYes};
+  ASSERT_TRUE(session_.FixExport(true));
+  // The inserted column pushed the headings one place right; the pairing puts them back.
+  EXPECT_EQ(session_.Table().Text(0, 0), "");
+  EXPECT_EQ(session_.Table().Text(0, 1), "Plats ");
+  EXPECT_EQ(session_.Table().Text(0, 2), "Kabel ");
+  EXPECT_EQ(session_.Table().Text(0, 3), "Typ ");
+  EXPECT_EQ(session_.Table().Text(1, 0), "+A1 Panel");  // the repair itself stays
+}
+
+TEST_F(SessionTest, SummaryCountsRowsPlacementsAndThePagesGenerationWouldMake) {
+  session_.Start();
+  auto summary = session_.Summary();
+  EXPECT_EQ(summary.rows, 6);
+  EXPECT_EQ(summary.placements, 1);
+  EXPECT_EQ(summary.pages, 2);  // three rows a page
+
+  // An INI file generation would refuse gives no page count, and says nothing more about it.
+  install_.Write("Projektmallar/PANEL.ini",
+                 "[Tabs]\r\nTemplate=Sida\r\n[Common]\r\nProjekt=C3\r\n[Sheet]\r\nSTARTROW=1\r\n");
+  const auto messagesBefore = install_.dialogs.messages.size();
+  summary = session_.Summary();
+  EXPECT_FALSE(summary.pages.has_value());
+  EXPECT_EQ(install_.dialogs.messages.size(), messagesBefore);
+}
+
 TEST_F(SessionTest, TogglesStoreTheirStateAndReloadOrTidy) {
   session_.Start();
   const int loads = progress_.loads;

@@ -334,11 +334,10 @@ void WorkbookDocument::CopyDefinedNames(int source, int copy, std::string_view s
   for (auto name : index.workbookScoped) {
     if (!SheetNameMayOccur(name.text().get(), sourceName)) continue;
     // A name of the source's own of the same name already covers it.
-    const bool covered = std::any_of(originals.begin(), originals.begin() + static_cast<std::ptrdiff_t>(ownNames),
-                                     [&](const auto& own) {
-                                       return base::EqualsIgnoreCase(own.first.attribute("name").value(),
-                                                                     name.attribute("name").value());
-                                     });
+    const bool covered = std::any_of(
+        originals.begin(), originals.begin() + static_cast<std::ptrdiff_t>(ownNames), [&](const auto& own) {
+          return base::EqualsIgnoreCase(own.first.attribute("name").value(), name.attribute("name").value());
+        });
     if (covered) continue;
     std::string refersTo = RenameSheetInFormula(name.text().get(), sourceName, copyName);
     if (refersTo != name.text().get()) originals.emplace_back(name, std::move(refersTo));

@@ -1,10 +1,10 @@
-#include "app/workspace/integer_setting.h"
+#include "session/integer_setting.h"
 
 #include <string>
 
 #include "template/template_ini.h"
 
-namespace sw::workspace {
+namespace sw::session {
 
 int IntegerSetting(app::Settings& settings, std::string_view key, std::string_view defaultValue) {
   int value = 0;
@@ -20,4 +20,4 @@ std::string PadSheetNumber(std::string text, int length) {
   return text;
 }
 
-}  // namespace sw::workspace
+}  // namespace sw::session

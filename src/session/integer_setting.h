@@ -5,7 +5,7 @@
 
 #include "app/settings.h"
 
-namespace sw::workspace {
+namespace sw::session {
 
 // The stored text as a 16-bit number; a text that is no number falls back to `defaultValue`'s number,
 // so a damaged value behaves like a missing one.
@@ -14,4 +14,4 @@ int IntegerSetting(app::Settings& settings, std::string_view key, std::string_vi
 // `text` left-padded with "0" to at least `length` characters.
 std::string PadSheetNumber(std::string text, int length);
 
-}  // namespace sw::workspace
+}  // namespace sw::session

@@ -1,0 +1,48 @@
+#include "cli/cli_session.h"
+
+#include "base/program_folder.h"
+
+namespace sw::cli {
+namespace {
+
+std::string ProgramFolderText() {
+  const auto folder = base::ProgramFolder().u8string();
+  return std::string(folder.begin(), folder.end());
+}
+
+app::OverlaySettings::Writes WritesOf(const CliSessionOptions& options) {
+  return options.readOnly ? app::OverlaySettings::Writes::kDropped : app::OverlaySettings::Writes::kPassed;
+}
+
+}  // namespace
+
+CliSession::CliSession(std::ostream& err, CliSessionOptions options)
+    : ownRegistry_(cadenv::OpenUserRegistry()),
+      ownStore_(std::make_unique<app::RegistrySettings>(*ownRegistry_)),
+      overlay_(*ownStore_, WritesOf(options)),
+      dialogs_(err, options.answerYes),
+      launcher_(base::CreateSystemProcessLauncher()),
+      startLog_(base::ProcessEnvironment()),
+      session_({.registry = *ownRegistry_,
+                .settings = overlay_,
+                .environment = base::ProcessEnvironment(),
+                .dialogs = dialogs_,
+                .launcher = *launcher_,
+                .startLog = &startLog_,
+                .programFolder = ProgramFolderText()}) {}
+
+CliSession::CliSession(std::ostream& err, CliSessionOptions options, cadenv::Registry& registry,
+                       app::Settings& stored, const base::Environment& environment)
+    : overlay_(stored, WritesOf(options)),
+      dialogs_(err, options.answerYes),
+      launcher_(base::CreateSystemProcessLauncher()),
+      startLog_(environment),
+      session_({.registry = registry,
+                .settings = overlay_,
+                .environment = environment,
+                .dialogs = dialogs_,
+                .launcher = *launcher_,
+                .startLog = &startLog_,
+                .programFolder = ProgramFolderText()}) {}
+
+}  // namespace sw::cli

@@ -1,0 +1,45 @@
+#pragma once
+// The session a command runs: the user's settings (read-only, or with some values fixed for the run),
+// messages on stderr, the system's process launcher and start log. Every command goes through one.
+#include <iosfwd>
+#include <memory>
+
+#include "app/overlay_settings.h"
+#include "app/settings.h"
+#include "app/start_log.h"
+#include "base/environment.h"
+#include "base/process_launcher.h"
+#include "cadenv/registry.h"
+#include "cli/console_dialogs.h"
+#include "session/session.h"
+
+namespace sw::cli {
+
+struct CliSessionOptions {
+  bool answerYes = false;  // --yes
+  bool readOnly = false;   // the settings are only read
+};
+
+class CliSession {
+ public:
+  CliSession(std::ostream& err, CliSessionOptions options);
+  // Over given stores, for tests.
+  CliSession(std::ostream& err, CliSessionOptions options, cadenv::Registry& registry, app::Settings& stored,
+             const base::Environment& environment);
+
+  app::OverlaySettings& Settings() { return overlay_; }
+  ConsoleDialogs& Dialogs() { return dialogs_; }
+  base::ProcessLauncher& Launcher() { return *launcher_; }
+  session::Session& Session() { return session_; }
+
+ private:
+  std::unique_ptr<cadenv::Registry> ownRegistry_;
+  std::unique_ptr<app::RegistrySettings> ownStore_;
+  app::OverlaySettings overlay_;
+  ConsoleDialogs dialogs_;
+  std::unique_ptr<base::ProcessLauncher> launcher_;
+  app::StartLog startLog_;
+  session::Session session_;
+};
+
+}  // namespace sw::cli
