@@ -16,21 +16,6 @@ app::OverlaySettings::Writes WritesOf(const CliSessionOptions& options) {
 
 }  // namespace
 
-CliSession::CliSession(std::ostream& err, CliSessionOptions options)
-    : ownRegistry_(cadenv::OpenUserRegistry()),
-      ownStore_(std::make_unique<app::RegistrySettings>(*ownRegistry_)),
-      overlay_(*ownStore_, WritesOf(options)),
-      dialogs_(err, options.answerYes),
-      launcher_(base::CreateSystemProcessLauncher()),
-      startLog_(base::ProcessEnvironment()),
-      session_({.registry = *ownRegistry_,
-                .settings = overlay_,
-                .environment = base::ProcessEnvironment(),
-                .dialogs = dialogs_,
-                .launcher = *launcher_,
-                .startLog = &startLog_,
-                .programFolder = ProgramFolderText()}) {}
-
 CliSession::CliSession(std::ostream& err, CliSessionOptions options, cadenv::Registry& registry,
                        app::Settings& stored, const base::Environment& environment)
     : overlay_(stored, WritesOf(options)),
@@ -43,6 +28,10 @@ CliSession::CliSession(std::ostream& err, CliSessionOptions options, cadenv::Reg
                 .dialogs = dialogs_,
                 .launcher = *launcher_,
                 .startLog = &startLog_,
-                .programFolder = ProgramFolderText()}) {}
+                .programFolder = ProgramFolderText(),
+                .layoutDialogs = options.layoutDialogs,
+                // A command line has no toggle that a template could switch off: a run that would
+                // write into the template is refused instead.
+                .mayWriteIntoTemplate = false}) {}
 
 }  // namespace sw::cli

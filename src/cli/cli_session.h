@@ -16,14 +16,14 @@
 namespace sw::cli {
 
 struct CliSessionOptions {
-  bool answerYes = false;  // --yes
-  bool readOnly = false;   // the settings are only read
+  bool answerYes = false;                  // --yes
+  bool readOnly = false;                   // the settings are only read
+  base::Dialogs* layoutDialogs = nullptr;  // where the page layout's messages go; none: stderr
 };
 
 class CliSession {
  public:
-  CliSession(std::ostream& err, CliSessionOptions options);
-  // Over given stores, for tests.
+  // Over the user's settings store as the command opened it.
   CliSession(std::ostream& err, CliSessionOptions options, cadenv::Registry& registry, app::Settings& stored,
              const base::Environment& environment);
 
@@ -33,8 +33,6 @@ class CliSession {
   session::Session& Session() { return session_; }
 
  private:
-  std::unique_ptr<cadenv::Registry> ownRegistry_;
-  std::unique_ptr<app::RegistrySettings> ownStore_;
   app::OverlaySettings overlay_;
   ConsoleDialogs dialogs_;
   std::unique_ptr<base::ProcessLauncher> launcher_;

@@ -4,28 +4,17 @@
 #include <charconv>
 #include <iostream>
 
-#include "app/overlay_settings.h"
 #include "app/settings.h"
 #include "base/environment.h"
-#include "base/process_launcher.h"
-#include "base/program_folder.h"
 #include "base/strings.h"
 #include "base/windows_path.h"
 #include "cadenv/registry.h"
+#include "cli/cli_session.h"
 #include "cli/console_dialogs.h"
 #include "cli/environment_command.h"
 #include "cli/file_name_option.h"
-#include "cli/template_path.h"
 #include "cli/user_settings.h"
-#include "generate/generate_workbook.h"
-#include "generate/single_sheet_warning.h"
-#include "report/preview_loader.h"
-#include "report/report_table.h"
-#include "template/current_report.h"
 #include "template/field_panel.h"
-#include "template/preview_page_breaks.h"
-#include "template/template_definition.h"
-#include "template/template_ini.h"
 
 namespace sw::cli {
 namespace {
@@ -55,12 +44,6 @@ bool NamesAnExcelFile(std::string_view target) {
   const auto cut = target.find_last_of("\\/");
   const std::string name = base::AsciiUpper(cut == std::string_view::npos ? target : target.substr(cut + 1));
   return name.find(".XLS") != std::string::npos;
-}
-
-std::string DefaultStartNumber() {
-  const auto current = templ::ReadCurrentReport(base::ProcessEnvironment(), {});
-  if (current.first.empty() || current.sheetNumberItems.empty()) return "1";
-  return current.sheetNumberItems.front();
 }
 
 }  // namespace
@@ -132,68 +115,40 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
   auto registry = OpenUserSettings(err);
   if (!registry) return 1;
   app::RegistrySettings stored(*registry);
-  app::OverlaySettings settings(stored);
-
-  report::ReportTable table;
-  templ::TemplateDefinition definition;
-  templ::FieldPanel fields;
   // The page-break marks are drawn as the preview draws them, but quietly: the INI file's problems are
   // told once by the pairing and once more by generation's own check, not a third time here.
   std::ostream discard(nullptr);
   ConsoleDialogs quiet(discard, /*answerYes=*/false);
-  templ::PreviewPageLayout layout(definition, quiet, settings);
-  const TemplateLocation location = SplitTemplatePath(options.templateWorkbook);
-  layout.SetTemplate(location.folder, location.file);
-  templ::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
-  report::PreviewContext context{.dumpPath = options.dump,
-                                 .settings = settings,
-                                 .dialogs = dialogs,
-                                 .layoutColumns = {},
-                                 .reloadTemplateLayout = [&layout] { layout.ReloadLayout(); },
-                                 .showPageBreaks = [&layout, &table] { layout.ShowPageBreaks(table); }};
-  report::PreviewVoltDump(table, context);
+  CliSession cli(err, {.answerYes = options.yes, .readOnly = false, .layoutDialogs = &quiet}, *registry,
+                 stored, base::ProcessEnvironment());
+  auto& session = cli.Session();
+  session.UseTemplateWorkbook(options.templateWorkbook);
+  session.OpenReportDump(options.dump);
+  for (const auto& value : fieldValues) session.SetFieldText(value.index, value.text);
+  if (options.start) {
+    session.SetSheetNumber(*options.start);
+  } else {
+    session.ReadCurrentReport();
+    session.SetSheetNumber(session.FirstSheetNumber());
+  }
+  session.UseSingleSheet(options.singleSheet);
 
-  for (const auto& value : fieldValues)
-    fields.entries[static_cast<std::size_t>(value.index)].text = value.text;
-  std::vector<std::string> fieldTexts;
-  for (const auto& entry : fields.entries) fieldTexts.push_back(entry.text);
-
-  gen::GenerationInputs inputs{table,
-                               options.start.value_or(DefaultStartNumber()),
-                               location.folder,
-                               location.file,
-                               options.dump,
-                               location.folder,
-                               std::move(fieldTexts),
-                               options.singleSheet,
-                               {}};
-  dialogs.QueueFileAnswer(options.target);
-  gen::MessageSingleSheetWarning warning(dialogs);
-  const auto launcher = base::CreateSystemProcessLauncher();
-  const auto programFolder = base::ProgramFolder().u8string();
-  gen::GenerationServices services{
-      settings, dialogs, warning, *launcher, {}, std::string(programFolder.begin(), programFolder.end()),
-      {},       {}};
-  services.mayWriteIntoTemplate = false;
-  gen::GenerationState state;
-  const int errorsBefore = dialogs.ErrorsShown();
-  const auto outcome = gen::GenerateWorkbook(inputs, definition, state, services);
-
-  for (const auto& written : outcome.savedFiles) {
+  cli.Dialogs().QueueFileAnswer(options.target);
+  const auto result = session.Generate();
+  for (const auto& written : result.workbooks) {
     // The program's own texts join folders with "\"; what is printed must be a path of this system.
     const std::string path = base::ResolveWindowsPath(written).string();
     out << path << '\n';
-    if (options.open && !launcher->OpenWithDefaultApplication(path)) {
+    if (options.open && !cli.Launcher().OpenWithDefaultApplication(path)) {
       err << "Kunde inte öppna " << path << '\n';
     }
   }
-  if (!outcome.templateBackup.empty()) {
+  if (!result.templateBackup.empty()) {
     err << "Mallens tidigare innehåll finns kvar i "
-        << base::ResolveWindowsPath(outcome.templateBackup).string() << '\n';
+        << base::ResolveWindowsPath(result.templateBackup).string() << '\n';
   }
   // A run that went on past an error (a page file in use, a page number out of range) has lost pages.
-  const bool clean = outcome.completed && dialogs.ErrorsShown() == errorsBefore;
-  return clean && out.good() ? 0 : 1;
+  return result.Succeeded() && out.good() ? 0 : 1;
 }
 
 }  // namespace sw::cli
