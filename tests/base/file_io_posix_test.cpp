@@ -13,7 +13,7 @@ namespace {
 
 using sw::testing::TempDir;
 
-TEST(ReadWholeFile, ReadsOnlyRegularFilesAndNeverWaitsOnAPipe) {
+TEST(PosixOnlyReadWholeFile, ReadsOnlyRegularFilesAndNeverWaitsOnAPipe) {
   TempDir dir;
   const auto file = dir.Write("fil.txt", std::string("a\0b", 3));
   const auto folder = dir.path() / "mapp";
@@ -44,7 +44,7 @@ TEST(ReadWholeFile, ReadsOnlyRegularFilesAndNeverWaitsOnAPipe) {
   }
 }
 
-TEST(ReadWholeFile, EmptyAndLargeFilesReadWhole) {
+TEST(PosixOnlyReadWholeFile, EmptyAndLargeFilesReadWhole) {
   TempDir dir;
   EXPECT_EQ(ReadWholeFile(dir.Write("tom.txt", "")), std::string());
   const std::string large(3 * 65536 + 17, 'x');
