@@ -191,8 +191,7 @@ std::optional<std::string> PortableRegistry::SubkeyAt(RootKey root, std::string_
   const Snapshot& snapshot = Load();
   const RegKey* key = snapshot.tree.FindKey(root, keyPath);
   if (!key || index >= key->Subkeys().size()) return std::nullopt;
-  const std::string& name =
-      (*std::ranges::next(key->Subkeys().begin(), static_cast<std::ptrdiff_t>(index))).Name();
+  const std::string& name = key->Subkeys().At(index).Name();
   if (!SubkeyNameFitsEnumeration(name)) return std::nullopt;
   return name;
 }

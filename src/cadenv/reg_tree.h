@@ -2,9 +2,9 @@
 // An in-memory registry: the two hives the program uses, each a tree of keys holding values. Subkeys
 // are kept in the order Windows enumerates them, values in the order they were created.
 #include <cstddef>
+#include <iterator>
 #include <map>
 #include <optional>
-#include <ranges>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -31,6 +31,35 @@ std::string_view RootName(RootKey root);
 // The names of a "\"-separated key path; empty pieces (doubled, leading or trailing "\") are skipped.
 std::vector<std::string_view> SplitKeyPath(std::string_view path);
 
+class RegKey;
+
+// A key's subkeys in order, read as RegKey. (A plain class: clang 14's ranges do not accept
+// libstdc++ 12's views over a map.)
+class SubkeyList {
+ public:
+  using Map = std::map<std::string, RegKey>;
+  class Iterator {
+   public:
+    explicit Iterator(Map::const_iterator at) : at_(at) {}
+    const RegKey& operator*() const;
+    Iterator& operator++();
+    bool operator==(const Iterator& other) const;
+
+   private:
+    Map::const_iterator at_;
+  };
+  explicit SubkeyList(const Map& map) : map_(map) {}
+  Iterator begin() const;
+  Iterator end() const;
+  std::size_t size() const;
+  bool empty() const { return size() == 0; }
+  // The subkey at `index` (less than size()).
+  const RegKey& At(std::size_t index) const;
+
+ private:
+  const Map& map_;
+};
+
 class RegKey {
  public:
   RegKey() = default;
@@ -39,7 +68,7 @@ class RegKey {
   const std::string& Name() const { return name_; }
   const std::vector<RegistryValue>& Values() const { return values_; }
   // In Windows' order, sorted by name ignoring case.
-  auto Subkeys() const { return std::views::values(subkeys_); }
+  SubkeyList Subkeys() const;
 
   const RegistryValue* FindValue(std::string_view name) const;
   // An existing value of that name keeps its place and its name's spelling; a new one goes last.
@@ -66,6 +95,32 @@ class RegKey {
   // any order parses without shifting the keys already read.
   std::map<std::string, RegKey> subkeys_;
 };
+
+inline SubkeyList RegKey::Subkeys() const {
+  return SubkeyList(subkeys_);
+}
+inline const RegKey& SubkeyList::Iterator::operator*() const {
+  return at_->second;
+}
+inline SubkeyList::Iterator& SubkeyList::Iterator::operator++() {
+  ++at_;
+  return *this;
+}
+inline bool SubkeyList::Iterator::operator==(const Iterator& other) const {
+  return at_ == other.at_;
+}
+inline SubkeyList::Iterator SubkeyList::begin() const {
+  return Iterator(map_.begin());
+}
+inline SubkeyList::Iterator SubkeyList::end() const {
+  return Iterator(map_.end());
+}
+inline std::size_t SubkeyList::size() const {
+  return map_.size();
+}
+inline const RegKey& SubkeyList::At(std::size_t index) const {
+  return std::next(map_.begin(), static_cast<std::ptrdiff_t>(index))->second;
+}
 
 class RegTree {
  public:
