@@ -48,6 +48,9 @@ struct GenerationServices {
   ApplicationFactory createExcel;   // CreateObject("Excel.Application"); empty: the package engine
   std::string programFolder;        // the target dialog's folder until "ResultPath" is stored
   std::function<void(MousePointer)> setMousePointer;  // optional
+  // Told as each page is begun, with the number of pages begun so far, so a window can move its
+  // progress bar. Optional.
+  std::function<void(int)> pageStarted;
   // The window routines' top-level-window lookup, called with the program's title when a page file
   // is in use; its answer is not used. Optional.
   std::function<void(std::string_view)> findTopLevelWindow;

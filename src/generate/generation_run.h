@@ -26,6 +26,7 @@ struct GenerationRun {
   std::string pendingPageText;  // single-sheet runs: the page that pendingPath is the file of
   std::string templateBackup;   // where the template's content was kept before a save into it
   bool resultLost = false;      // a result file could not be written
+  int pagesStarted = 0;
 
   excel::Application& Excel() const;
   void SetMousePointer(MousePointer pointer) const;

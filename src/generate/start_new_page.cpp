@@ -77,6 +77,7 @@ void AppendPageSheet(GenerationRun& run, const std::string& pageText) {
 }  // namespace
 
 void StartNewPage(GenerationRun& run, std::string_view location) {
+  if (run.services.pageStarted) run.services.pageStarted(++run.pagesStarted);
   GenerationState& state = run.state;
   const templ::TemplateDefinition& definition = run.definition;
   std::string pageText;

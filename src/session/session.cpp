@@ -411,10 +411,16 @@ GenerationResult Session::Generate() {
                                      .createExcel = services_.createExcel,
                                      .programFolder = services_.programFolder,
                                      .setMousePointer = services_.setMousePointer,
+                                     .pageStarted = [this](int pages) {
+                                       if (services_.progress) services_.progress->Step(pages);
+                                     },
                                      .findTopLevelWindow = {},
                                      .mayWriteIntoTemplate = services_.mayWriteIntoTemplate};
   gen::GenerationState state;
+  // The progress bar counts the pages the run will make, as the status bar shows them.
+  if (services_.progress) services_.progress->Begin(PagesOfGeneration().value_or(0) + 1);
   const auto outcome = gen::GenerateWorkbook(inputs, definition_, state, generation);
+  if (services_.progress) services_.progress->End();
 
   sheetNo_.SetText(inputs.sheetNumberText);
   txtExcelFilename_ = inputs.targetPath;

@@ -26,6 +26,19 @@ class ChangeLog final : public SessionObserver {
   Changes seen;
 };
 
+// Remembers how far the last busy period got.
+class LastStep final : public report::LoadProgress {
+ public:
+  void Begin(int count) override {
+    total = count;
+    done = 0;
+  }
+  void Step(int value) override { done = value; }
+  void End() override {}
+  int total = 0;
+  int done = 0;
+};
+
 class SessionFlowTest : public ::testing::Test {
  protected:
   SessionFlowTest()
@@ -34,6 +47,7 @@ class SessionFlowTest : public ::testing::Test {
                   .environment = install_.environment,
                   .dialogs = install_.dialogs,
                   .launcher = launcher_,
+                  .progress = &progress_,
                   .programFolder = "C:\\Program\\",
                   .today = [] { return std::string("2026-11-23"); }}) {
     session_.AddObserver(changes_);
@@ -41,6 +55,7 @@ class SessionFlowTest : public ::testing::Test {
 
   testing::FakeInstallation install_;
   testing::RecordingLauncher launcher_;
+  LastStep progress_;
   ChangeLog changes_;
   Session session_;
 };
@@ -83,6 +98,9 @@ TEST_F(SessionFlowTest, StartEditGenerateClose) {
   const auto result = session_.Generate();
   ASSERT_TRUE(result.Succeeded()) << (result.messages.empty() ? "" : result.messages.back().text);
   ASSERT_EQ(result.workbooks.size(), 1u);
+  // The progress bar went through every page the status bar announced.
+  EXPECT_EQ(progress_.total, *pagesBefore + 1);
+  EXPECT_EQ(progress_.done, *pagesBefore);
   EXPECT_TRUE(fs::is_regular_file(install_.Host("Ut/Panel.xlsx")));
   EXPECT_EQ(session_.LastWorkbook(), "C:\\Ut\\Panel.xlsx");
   EXPECT_TRUE(changes_.TakeAll().Has(Change::kWorkbook));
