@@ -9,6 +9,7 @@
 #include "generate/generate_workbook.h"
 #include "generate/run_error.h"
 #include "memory_settings.h"
+#include "recording_launcher.h"
 #include "report/add_grid_row.h"
 #include "report/colours.h"
 #include "scripted_dialogs.h"
@@ -23,20 +24,6 @@ class FakeWarning final : public SingleSheetWarning {
   WarningAnswer Show() override {
     ++shown;
     return answer;
-  }
-};
-
-class FakeLauncher final : public base::ProcessLauncher {
- public:
-  std::vector<std::string> edited;
-  std::vector<std::string> opened;
-  bool EditTextFile(std::string_view path) override {
-    edited.emplace_back(path);
-    return true;
-  }
-  bool OpenWithDefaultApplication(std::string_view path) override {
-    opened.emplace_back(path);
-    return true;
   }
 };
 
@@ -111,7 +98,7 @@ class GenerationFixture {
   testing::ScriptedDialogs dialogs;
   testing::MemorySettings settings;
   FakeWarning warning;
-  FakeLauncher launcher;
+  testing::RecordingLauncher launcher;
   std::vector<MousePointer> pointers;
   GenerationServices services{settings, dialogs, warning, launcher, {}, {}, {}, {}};
   GenerationInputs inputs{table, {}, {}, {}, {}, {}, {}, false, {}};
