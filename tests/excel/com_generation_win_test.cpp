@@ -18,9 +18,9 @@
 #include "report/colours.h"
 #include "scripted_dialogs.h"
 #include "temp_dir.h"
-#include "template/template_ini.h"
+#include "templates/template_ini.h"
 
-namespace sw::gen {
+namespace sw::generate {
 namespace {
 
 namespace fs = std::filesystem;
@@ -158,11 +158,11 @@ class GenerationComparison {
     sw::testing::RecordingLauncher launcher;
     FixedWarning warning;
     dialogs.fileAnswers.push_back(target);
-    templ::TemplateDefinition definition;
-    templ::FieldPanel fields;
+    templates::TemplateDefinition definition;
+    templates::FieldPanel fields;
     sw::testing::ScriptedDialogs quiet;
-    templ::FindIniForTemplate(TemplateFolder(), templateFile_, definition, fields, table_, quiet,
-                              [] { return std::string("2026-11-23"); });
+    templates::FindIniForTemplate(TemplateFolder(), templateFile_, definition, fields, table_, quiet,
+                                  [] { return std::string("2026-11-23"); });
     GenerationInputs inputs{table_,
                             "1",
                             TemplateFolder(),
@@ -321,4 +321,4 @@ TEST(WindowsOnlyComGeneration, CallsPerPageBeforeAndAfterCombining) {
 }
 
 }  // namespace
-}  // namespace sw::gen
+}  // namespace sw::generate
