@@ -60,8 +60,8 @@ class ComEngine final : public Engine {
       // Excel started by automation ends with its last reference unless the user has it; the
       // result stays open for the user.
       if (visible_ && !quit_) app_.Put(L"UserControl", Variant::Bool(true));
-    } catch (const AutomationError&) {
-      // Excel has gone or refuses; nothing more can be done for it here.
+    } catch (...) {
+      // Excel has gone or refuses, and a destructor has no one to tell; nothing more can be done.
     }
   }
 
