@@ -348,7 +348,15 @@ void Session::SetSheetNumber(std::string text) {
 }
 
 void Session::ToggleIncludeEmptyRows() {
-  includeEmptyRows_ = !includeEmptyRows_;
+  SetIncludeEmptyRows(!includeEmptyRows_);
+}
+
+void Session::ToggleUseSlashTwo() {
+  SetUseSlashTwo(!useSlashTwo_);
+}
+
+void Session::SetIncludeEmptyRows(bool on) {
+  includeEmptyRows_ = on;
   services_.settings.SaveAppSetting("IncludeEmptyRows", includeEmptyRows_ ? "1" : "0");
   Notify(Change::kCommands);
   if (includeEmptyRows_) {
@@ -359,8 +367,8 @@ void Session::ToggleIncludeEmptyRows() {
   }
 }
 
-void Session::ToggleUseSlashTwo() {
-  useSlashTwo_ = !useSlashTwo_;
+void Session::SetUseSlashTwo(bool on) {
+  useSlashTwo_ = on;
   services_.settings.SaveAppSetting("UseSlashTwo", useSlashTwo_ ? "1" : "0");
   Notify(Change::kCommands);
   if (useSlashTwo_) {
@@ -369,6 +377,18 @@ void Session::ToggleUseSlashTwo() {
     report::CleanupSlashTwo(table_);
     Notify(Change::kTable);
   }
+}
+
+Options Session::LoadOptions() {
+  const bool wasRefreshing = refreshing_;
+  refreshing_ = true;
+  const Options options = ReadOptions(services_.settings);
+  refreshing_ = wasRefreshing;
+  return options;
+}
+
+void Session::StoreOptions(const Options& options) {
+  session::StoreOptions(services_.settings, options);
 }
 
 void Session::ToggleSingleSheet() {
@@ -411,9 +431,10 @@ GenerationResult Session::Generate() {
                                      .createExcel = services_.createExcel,
                                      .programFolder = services_.programFolder,
                                      .setMousePointer = services_.setMousePointer,
-                                     .pageStarted = [this](int pages) {
-                                       if (services_.progress) services_.progress->Step(pages);
-                                     },
+                                     .pageStarted =
+                                         [this](int pages) {
+                                           if (services_.progress) services_.progress->Step(pages);
+                                         },
                                      .findTopLevelWindow = {},
                                      .mayWriteIntoTemplate = services_.mayWriteIntoTemplate};
   gen::GenerationState state;
