@@ -29,15 +29,20 @@ QLabel* Label(const char* name, const QString& text, QWidget* parent) {
   return label;
 }
 
-// A link reachable with Tab and opened with Enter as well as with the mouse.
-QLabel* Link(const char* name, const QString& href, const QString& text, QWidget* parent) {
-  auto* label = Label(
-      name, QStringLiteral("<a href=\"%1\">%2</a>").arg(href.toHtmlEscaped(), text.toHtmlEscaped()), parent);
-  label->setTextFormat(Qt::RichText);
-  label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-  label->setFocusPolicy(Qt::StrongFocus);
-  label->setOpenExternalLinks(false);
-  return label;
+// A link as a flat button: reached with Tab or its caption's access key, opened with Space or Enter as
+// well as with the mouse.
+QPushButton* Link(const char* name, const QString& text, QWidget* parent) {
+  auto* link = new QPushButton(text, parent);
+  link->setObjectName(QString::fromUtf8(name));
+  link->setFlat(true);
+  link->setCursor(Qt::PointingHandCursor);
+  QFont font = link->font();
+  font.setUnderline(true);
+  link->setFont(font);
+  QPalette palette = link->palette();
+  palette.setColor(QPalette::ButtonText, palette.color(QPalette::Link));
+  link->setPalette(palette);
+  return link;
 }
 
 }  // namespace
@@ -74,20 +79,20 @@ AboutBox::AboutBox(AboutBoxServices services, QWidget* parent)
 
   const QString mail = QString::fromUtf8(kSupportMail);
   const QString web = QString::fromUtf8(kWebAddress);
-  auto* lblMail = Link("lblMail", QStringLiteral("mailto:") + mail, mail, this);
-  auto* lblWeb = Link("lblWeb", web, web, this);
+  auto* lnkMail = Link("lnkMail", mail, this);
+  auto* lnkWeb = Link("lnkWeb", web, this);
   auto* lblMailCaption = Label("lblMailCaption", QStringLiteral("&E-post:"), this);
-  lblMailCaption->setBuddy(lblMail);
+  lblMailCaption->setBuddy(lnkMail);
   auto* lblWebCaption = Label("lblWebCaption", QStringLiteral("&Webbplats:"), this);
-  lblWebCaption->setBuddy(lblWeb);
-  connect(lblMail, &QLabel::linkActivated, this, &AboutBox::OpenLink);
-  connect(lblWeb, &QLabel::linkActivated, this, &AboutBox::OpenLink);
+  lblWebCaption->setBuddy(lnkWeb);
+  connect(lnkMail, &QPushButton::clicked, this, [this, mail] { OpenLink(QStringLiteral("mailto:") + mail); });
+  connect(lnkWeb, &QPushButton::clicked, this, [this, web] { OpenLink(web); });
 
   auto* links = new QGridLayout;
   links->addWidget(lblMailCaption, 0, 0);
-  links->addWidget(lblMail, 0, 1);
+  links->addWidget(lnkMail, 0, 1, Qt::AlignLeft);
   links->addWidget(lblWebCaption, 1, 0);
-  links->addWidget(lblWeb, 1, 1);
+  links->addWidget(lnkWeb, 1, 1, Qt::AlignLeft);
   links->setColumnStretch(1, 1);
 
   auto* texts = new QVBoxLayout;
@@ -120,9 +125,9 @@ AboutBox::AboutBox(AboutBoxServices services, QWidget* parent)
   layout->addLayout(top, 1);
   layout->addLayout(buttons);
 
-  setTabOrder(cmdOK, lblMail);
-  setTabOrder(lblMail, lblWeb);
-  if (cmdSysInfo) setTabOrder(lblWeb, cmdSysInfo);
+  setTabOrder(cmdOK, lnkMail);
+  setTabOrder(lnkMail, lnkWeb);
+  if (cmdSysInfo) setTabOrder(lnkWeb, cmdSysInfo);
   cmdOK->setFocus();
 
   ColourByPrefix(*this, services_.themeColour, kColourOffset);

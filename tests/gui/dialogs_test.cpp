@@ -131,19 +131,22 @@ void DialogsTest::optionsShowTheSettingsOnTheirTabs() {
 
   // The keyboard reaches every box and both buttons in order.
   dialog.show();
-  QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+  QVERIFY(QTest::qWaitForWindowActive(&dialog));
   Child<QCheckBox>(&dialog, "chkPageBreak")->setFocus(Qt::TabFocusReason);
   QStringList reached;
   for (int i = 0; i < 5; ++i) {
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    reached << QApplication::focusWidget()->objectName();
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+    reached << dialog.focusWidget()->objectName();
   }
   QCOMPARE(reached,
            (QStringList{"chkShowWarning", "chkIncludeEmptyRows", "chkUseSlashTwo", "cmdOK", "cmdCancel"}));
 }
 
 void DialogsTest::reportBoxActsAtOnceAndCancelKeepsIt() {
-  StartedWindow started;
+  // Started without the empty rows, so the reload shows them.
+  StartedWindow started([](sw::testing::FakeInstallation& install) {
+    install.settings.SaveAppSetting("IncludeEmptyRows", "0");
+  });
   auto& session = started.window->Session();
   QVERIFY(!session.IncludeEmptyRows());
   const int rowsBefore = session.Table().Rows();
@@ -156,7 +159,7 @@ void DialogsTest::reportBoxActsAtOnceAndCancelKeepsIt() {
   // At once: stored, reloaded with the empty rows, and the window's command follows.
   QCOMPARE(started.install.settings.GetAppSetting("IncludeEmptyRows", ""), std::string("1"));
   QVERIFY(session.IncludeEmptyRows());
-  QVERIFY(session.Table().Rows() > rowsBefore);
+  QCOMPARE(session.Table().Rows(), rowsBefore + 1);
   if (QAction* command305 = started.window->Command(305)) QVERIFY(command305->isChecked());
 
   Tick(Child<QCheckBox>(&dialog, "chkPageBreak"));  // dropped by Avbryt
@@ -179,8 +182,7 @@ void DialogsTest::okStoresTheFourInOrderAndRedrawsTheMarks() {
     QCOMPARE(dialog->objectName(), QStringLiteral("frmOptions"));
     Tick(Child<QCheckBox>(dialog, "chkPageBreak"));
     Tick(Child<QCheckBox>(dialog, "chkShowWarning"));
-    Child<QPushButton>(dialog, "cmdOK")->setFocus(Qt::TabFocusReason);
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QTest::keyClick(Child<QPushButton>(dialog, "cmdOK"), Qt::Key_Return);
   });
   sw::gui::RunOptionsDialog(started.window.get(), started.window->Session(), started.settings);
 
@@ -353,18 +355,24 @@ void DialogsTest::aboutBoxLinksAndToolWorkFromTheKeyboard() {
                          .systemInformation = &tool,
                          .openUrl = [&opened](const QUrl& url) { opened << url; }});
   box.show();
-  QVERIFY(QTest::qWaitForWindowExposed(&box));
-  QTRY_COMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("cmdOK"));
+  QVERIFY(QTest::qWaitForWindowActive(&box));
+  QCOMPARE(box.focusWidget()->objectName(), QStringLiteral("cmdOK"));
 
-  QTest::keyClick(&box, Qt::Key_S, Qt::AltModifier);  // "&Systeminformation..."
+  auto* sysInfo = Child<QPushButton>(&box, "cmdSysInfo");
+  QCOMPARE(sysInfo->shortcut(), QKeySequence(QStringLiteral("Alt+S")));  // "&Systeminformation..."
+  QTest::keyClick(sysInfo, Qt::Key_Space);
   QCOMPARE(tool.started, 1);
 
-  QTest::keyClick(&box, Qt::Key_Tab);
-  QCOMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("lblMail"));
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-  QCOMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("lblWeb"));
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+  // Tab reaches the two links in turn; Enter opens the one with the focus, as the access keys of their
+  // captions reach them too.
+  QTest::keyClick(box.focusWidget(), Qt::Key_Tab);
+  QCOMPARE(box.focusWidget()->objectName(), QStringLiteral("lnkMail"));
+  QTest::keyClick(box.focusWidget(), Qt::Key_Return);
+  QTest::keyClick(box.focusWidget(), Qt::Key_Tab);
+  QCOMPARE(box.focusWidget()->objectName(), QStringLiteral("lnkWeb"));
+  QTest::keyClick(box.focusWidget(), Qt::Key_Space);
+  QCOMPARE(Child<QLabel>(&box, "lblMailCaption")->buddy()->objectName(), QStringLiteral("lnkMail"));
+  QCOMPARE(Child<QLabel>(&box, "lblWebCaption")->buddy()->objectName(), QStringLiteral("lnkWeb"));
   QCOMPARE(opened, (QList<QUrl>{QUrl(QStringLiteral("mailto:" SW_SUPPORT_MAIL)),
                                 QUrl(QStringLiteral(SW_WEB_ADDRESS))}));
 
