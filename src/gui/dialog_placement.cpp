@@ -5,7 +5,7 @@
 #include <QWidget>
 #include <cmath>
 
-#include "app/window_placement.h"
+#include "settings/window_placement.h"
 
 namespace sw::gui {
 namespace {
@@ -17,12 +17,12 @@ double TwipsPerPixel(const QWidget& widget) {
 
 }  // namespace
 
-void RestoreDialogPlacement(QWidget& dialog, app::Settings& settings, std::string_view windowName,
+void RestoreDialogPlacement(QWidget& dialog, settings::Settings& settings, std::string_view windowName,
                             DefaultSize defaultSize) {
   const QScreen* display = dialog.screen() ? dialog.screen() : QGuiApplication::primaryScreen();
   const QRect area = display ? display->geometry() : QRect(0, 0, 1024, 768);
   const double twips = TwipsPerPixel(dialog);
-  const auto placement = app::RestoreWindowPlacement(
+  const auto placement = settings::RestoreWindowPlacement(
       settings, windowName, defaultSize.height, defaultSize.width,
       {static_cast<float>(area.width() * twips), static_cast<float>(area.height() * twips)});
   auto pixels = [twips](float value) { return static_cast<int>(std::lround(value / twips)); };
@@ -30,15 +30,16 @@ void RestoreDialogPlacement(QWidget& dialog, app::Settings& settings, std::strin
   dialog.resize(pixels(placement.width), pixels(placement.height));
 }
 
-void SaveDialogPlacement(const QWidget& dialog, app::Settings& settings, std::string_view windowName) {
+void SaveDialogPlacement(const QWidget& dialog, settings::Settings& settings, std::string_view windowName) {
   const double twips = TwipsPerPixel(dialog);
   const QRect frame(dialog.pos(), dialog.size());
-  app::SaveWindowPlacement(settings, windowName,
-                           app::WindowPlacement{.top = static_cast<float>(frame.top() * twips),
-                                                .left = static_cast<float>(frame.left() * twips),
-                                                .height = static_cast<float>(frame.height() * twips),
-                                                .width = static_cast<float>(frame.width() * twips),
-                                                .state = app::WindowState::kNormal});
+  settings::SaveWindowPlacement(
+      settings, windowName,
+      settings::WindowPlacement{.top = static_cast<float>(frame.top() * twips),
+                                .left = static_cast<float>(frame.left() * twips),
+                                .height = static_cast<float>(frame.height() * twips),
+                                .width = static_cast<float>(frame.width() * twips),
+                                .state = settings::WindowState::kNormal});
 }
 
 }  // namespace sw::gui

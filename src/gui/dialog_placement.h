@@ -3,7 +3,7 @@
 // as the main window keeps its own. A restored size is never smaller than the dialog's default.
 #include <string_view>
 
-#include "app/settings.h"
+#include "settings/settings.h"
 
 class QWidget;
 
@@ -14,8 +14,8 @@ struct DefaultSize {
   float width = 0;   // twips
 };
 
-void RestoreDialogPlacement(QWidget& dialog, app::Settings& settings, std::string_view windowName,
+void RestoreDialogPlacement(QWidget& dialog, settings::Settings& settings, std::string_view windowName,
                             DefaultSize defaultSize);
-void SaveDialogPlacement(const QWidget& dialog, app::Settings& settings, std::string_view windowName);
+void SaveDialogPlacement(const QWidget& dialog, settings::Settings& settings, std::string_view windowName);
 
 }  // namespace sw::gui

@@ -23,7 +23,7 @@ QCheckBox* CheckBox(const char* name, const char* caption, QWidget* parent) {
 
 }  // namespace
 
-OptionsDialog::OptionsDialog(session::Session& session, app::Settings& settings, QWidget* parent,
+OptionsDialog::OptionsDialog(session::Session& session, settings::Settings& settings, QWidget* parent,
                              OperationRunner run)
     : QDialog(parent), session_(session), settings_(settings), run_(std::move(run)) {
   setObjectName(QString::fromUtf8(kOptionsWindowName));
@@ -118,7 +118,7 @@ void OptionsDialog::AcceptChoices() {
   accept();
 }
 
-void RunOptionsDialog(QWidget* parent, session::Session& session, app::Settings& settings,
+void RunOptionsDialog(QWidget* parent, session::Session& session, settings::Settings& settings,
                       OperationRunner run) {
   OptionsDialog dialog(session, settings, parent, std::move(run));
   dialog.exec();

@@ -6,8 +6,8 @@
 #include <QDialog>
 #include <functional>
 
-#include "app/settings.h"
 #include "session/session.h"
+#include "settings/settings.h"
 
 class QCheckBox;
 class QPushButton;
@@ -24,7 +24,7 @@ class OptionsDialog final : public QDialog {
   Q_OBJECT
  public:
   // Restores the placement and loads the boxes; show it with exec() (or show(), for a picture).
-  OptionsDialog(session::Session& session, app::Settings& settings, QWidget* parent = nullptr,
+  OptionsDialog(session::Session& session, settings::Settings& settings, QWidget* parent = nullptr,
                 OperationRunner run = {});
 
   // The boxes' state as OK would store it.
@@ -35,7 +35,7 @@ class OptionsDialog final : public QDialog {
   void AcceptChoices();
 
   session::Session& session_;
-  app::Settings& settings_;
+  settings::Settings& settings_;
   OperationRunner run_;
   QCheckBox* chkPageBreak_ = nullptr;
   QCheckBox* chkShowWarning_ = nullptr;
@@ -44,7 +44,7 @@ class OptionsDialog final : public QDialog {
 };
 
 // Command 304: the dialog, modal over `parent`, until OK or Avbryt.
-void RunOptionsDialog(QWidget* parent, session::Session& session, app::Settings& settings,
+void RunOptionsDialog(QWidget* parent, session::Session& session, settings::Settings& settings,
                       OperationRunner run = {});
 
 }  // namespace sw::gui

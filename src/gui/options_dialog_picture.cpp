@@ -7,7 +7,7 @@
 
 namespace sw::gui {
 
-bool SaveOptionsDialogPicture(MainWindow& window, app::Settings& settings, const QString& path) {
+bool SaveOptionsDialogPicture(MainWindow& window, settings::Settings& settings, const QString& path) {
   OptionsDialog dialog(window.Session(), settings, &window);
   dialog.show();
   QApplication::processEvents();

@@ -2,7 +2,7 @@
 // The options dialog's picture for the README, taken over the started main window.
 #include <QString>
 
-#include "app/settings.h"
+#include "settings/settings.h"
 
 namespace sw::gui {
 
@@ -10,6 +10,6 @@ class MainWindow;
 
 // Opens the options dialog over `window` without running it, saves what it shows to `path` and
 // closes it with nothing stored. False when the picture could not be written.
-bool SaveOptionsDialogPicture(MainWindow& window, app::Settings& settings, const QString& path);
+bool SaveOptionsDialogPicture(MainWindow& window, settings::Settings& settings, const QString& path);
 
 }  // namespace sw::gui

@@ -7,8 +7,6 @@
 #include <QTimer>
 #include <cstdio>
 
-#include "app/settings.h"
-#include "app/start_log.h"
 #include "base/environment.h"
 #include "base/process_launcher.h"
 #include "base/program_folder.h"
@@ -16,6 +14,8 @@
 #include "gui/main_window.h"
 #include "gui/options_dialog_picture.h"
 #include "gui/qt_dialogs.h"
+#include "settings/settings.h"
+#include "settings/start_log.h"
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
@@ -32,9 +32,9 @@ int main(int argc, char** argv) {
   }
   const QString windowPicture = parser.positionalArguments().front();
 
-  const sw::app::StartLog startLog(sw::base::ProcessEnvironment());
+  const sw::settings::StartLog startLog(sw::base::ProcessEnvironment());
   auto registry = sw::cadenv::OpenUserRegistry();
-  sw::app::RegistrySettings settings(*registry);
+  sw::settings::RegistrySettings settings(*registry);
   sw::gui::QtDialogs dialogs;
   const auto launcher = sw::base::CreateSystemProcessLauncher();
   sw::gui::MainWindow window({.registry = *registry,

@@ -23,10 +23,10 @@ QLabel* Text(const char* name, const char* text, QWidget* parent) {
 
 }  // namespace
 
-WarningDialog::WarningDialog(app::Settings& settings, QWidget* parent)
+WarningDialog::WarningDialog(settings::Settings& settings, QWidget* parent)
     : QDialog(parent), settings_(settings) {
   setObjectName(QString::fromUtf8(kWarningWindowName));
-  setWindowTitle(QString::fromUtf8(gen::kWarningCaption));
+  setWindowTitle(QString::fromUtf8(generate::kWarningCaption));
 
   auto* imgWarning = new QLabel(this);
   imgWarning->setObjectName(QStringLiteral("imgWarning"));
@@ -35,14 +35,14 @@ WarningDialog::WarningDialog(app::Settings& settings, QWidget* parent)
   imgWarning->setAlignment(Qt::AlignTop);
 
   auto* texts = new QVBoxLayout;
-  texts->addWidget(Text("lblOverwrite", gen::kWarningOverwrite, this));
-  texts->addWidget(Text("lblExample", gen::kWarningExample, this));
-  texts->addWidget(Text("lblPageCount", gen::kWarningPageCount, this));
+  texts->addWidget(Text("lblOverwrite", generate::kWarningOverwrite, this));
+  texts->addWidget(Text("lblExample", generate::kWarningExample, this));
+  texts->addWidget(Text("lblPageCount", generate::kWarningPageCount, this));
   auto* top = new QHBoxLayout;
   top->addWidget(imgWarning);
   top->addLayout(texts, 1);
 
-  chkShowNoMore_ = new QCheckBox(QString::fromUtf8(gen::kWarningShowNoMore), this);
+  chkShowNoMore_ = new QCheckBox(QString::fromUtf8(generate::kWarningShowNoMore), this);
   chkShowNoMore_->setObjectName(QStringLiteral("chkShowNoMore"));
   auto* cmdOK = new QPushButton(QStringLiteral("OK"), this);
   cmdOK->setObjectName(QStringLiteral("cmdOK"));
@@ -69,8 +69,8 @@ WarningDialog::WarningDialog(app::Settings& settings, QWidget* parent)
   cmdOK->setFocus();
 }
 
-gen::WarningAnswer WarningDialog::Answer() const {
-  return gen::WarningAnswer{.accepted = accepted_, .showNoMore = chkShowNoMore_->isChecked()};
+generate::WarningAnswer WarningDialog::Answer() const {
+  return generate::WarningAnswer{.accepted = accepted_, .showNoMore = chkShowNoMore_->isChecked()};
 }
 
 void WarningDialog::done(int result) {
@@ -80,7 +80,7 @@ void WarningDialog::done(int result) {
   QDialog::done(result);
 }
 
-gen::WarningAnswer DialogSingleSheetWarning::Show() {
+generate::WarningAnswer DialogSingleSheetWarning::Show() {
   WarningDialog dialog(settings_, parent_);
   dialog.exec();
   return dialog.Answer();

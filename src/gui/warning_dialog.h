@@ -4,8 +4,8 @@
 // off for later runs however the dialog closes, and the placement is kept on every close.
 #include <QDialog>
 
-#include "app/settings.h"
 #include "generate/single_sheet_warning.h"
+#include "settings/settings.h"
 
 class QCheckBox;
 
@@ -17,27 +17,28 @@ class WarningDialog final : public QDialog {
   Q_OBJECT
  public:
   // Restores the placement; the box starts unchecked and the answer false.
-  explicit WarningDialog(app::Settings& settings, QWidget* parent = nullptr);
+  explicit WarningDialog(settings::Settings& settings, QWidget* parent = nullptr);
 
   // The answer as the dialog closed (accepted only by OK).
-  gen::WarningAnswer Answer() const;
+  generate::WarningAnswer Answer() const;
 
   void done(int result) override;
 
  private:
-  app::Settings& settings_;
+  settings::Settings& settings_;
   QCheckBox* chkShowNoMore_ = nullptr;
   bool accepted_ = false;
 };
 
 // The warning as generation asks it from the window: the dialog, modal over `parent`.
-class DialogSingleSheetWarning final : public gen::SingleSheetWarning {
+class DialogSingleSheetWarning final : public generate::SingleSheetWarning {
  public:
-  DialogSingleSheetWarning(app::Settings& settings, QWidget* parent) : settings_(settings), parent_(parent) {}
-  gen::WarningAnswer Show() override;
+  DialogSingleSheetWarning(settings::Settings& settings, QWidget* parent)
+      : settings_(settings), parent_(parent) {}
+  generate::WarningAnswer Show() override;
 
  private:
-  app::Settings& settings_;
+  settings::Settings& settings_;
   QWidget* parent_;
 };
 

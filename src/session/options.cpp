@@ -5,7 +5,7 @@
 namespace sw::session {
 namespace {
 
-bool Flag(app::Settings& settings, std::string_view key, std::string_view defaultValue) {
+bool Flag(settings::Settings& settings, std::string_view key, std::string_view defaultValue) {
   return settings.GetAppSetting(key, defaultValue) == "1";
 }
 
@@ -15,14 +15,14 @@ const char* Text(bool flag) {
 
 }  // namespace
 
-Options ReadOptions(app::Settings& settings) {
+Options ReadOptions(settings::Settings& settings) {
   return Options{.showPageBreaks = Flag(settings, "ShowPageBreaks", "1"),
                  .showSingleSheetWarning = Flag(settings, "ShowSingleSheetWarning", "1"),
                  .includeEmptyRows = Flag(settings, "IncludeEmptyRows", "0"),
                  .useSlashTwo = Flag(settings, "UseSlashTwo", "1")};
 }
 
-void StoreOptions(app::Settings& settings, const Options& options) {
+void StoreOptions(settings::Settings& settings, const Options& options) {
   settings.SaveAppSetting("IncludeEmptyRows", Text(options.includeEmptyRows));
   settings.SaveAppSetting("UseSlashTwo", Text(options.useSlashTwo));
   settings.SaveAppSetting("ShowSingleSheetWarning", Text(options.showSingleSheetWarning));

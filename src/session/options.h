@@ -1,7 +1,7 @@
 #pragma once
 // The four settings the options dialog ("Alternativ") edits. Each is a flag stored as "1" or "0"; a
 // box is checked only for the exact text "1", so a damaged value shows as unchecked.
-#include "app/settings.h"
+#include "settings/settings.h"
 
 namespace sw::session {
 
@@ -15,10 +15,10 @@ struct Options {
 };
 
 // The four settings with the dialog's defaults ("IncludeEmptyRows" is "0" here, unlike a dump load).
-Options ReadOptions(app::Settings& settings);
+Options ReadOptions(settings::Settings& settings);
 
 // What OK stores: "IncludeEmptyRows", "UseSlashTwo", "ShowSingleSheetWarning", "ShowPageBreaks", in that
 // order.
-void StoreOptions(app::Settings& settings, const Options& options);
+void StoreOptions(settings::Settings& settings, const Options& options);
 
 }  // namespace sw::session

@@ -244,9 +244,9 @@ void DialogsTest::warningNoMoreAndCancelStopsTheRunAndSwitchesItOff() {
     Child<QPushButton>(dialog, "cmdCancel")->click();
   });
   const auto result = session.Generate();
-  QCOMPARE(texts, (QStringList{QString::fromUtf8(sw::gen::kWarningOverwrite),
-                               QString::fromUtf8(sw::gen::kWarningExample),
-                               QString::fromUtf8(sw::gen::kWarningPageCount)}));
+  QCOMPARE(texts, (QStringList{QString::fromUtf8(sw::generate::kWarningOverwrite),
+                               QString::fromUtf8(sw::generate::kWarningExample),
+                               QString::fromUtf8(sw::generate::kWarningPageCount)}));
   QVERIFY(!result.completed);
   QVERIFY(result.workbooks.empty());
   QVERIFY(install.dialogs.fileRequests.empty());  // stopped before the target was asked for

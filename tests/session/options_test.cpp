@@ -14,9 +14,9 @@ namespace {
 using List = std::vector<std::string>;
 
 // Settings that log every save as "Key=Value", in order.
-class LoggingSettings final : public app::Settings {
+class LoggingSettings final : public settings::Settings {
  public:
-  explicit LoggingSettings(app::Settings& inner) : inner_(inner) {}
+  explicit LoggingSettings(settings::Settings& inner) : inner_(inner) {}
   List saved;
   std::string GetAppSetting(std::string_view key, std::string_view defaultValue,
                             std::string_view section = {}, std::string_view appName = {}) override {
@@ -31,7 +31,7 @@ class LoggingSettings final : public app::Settings {
   }
 
  private:
-  app::Settings& inner_;
+  settings::Settings& inner_;
 };
 
 class CommandsSeen final : public SessionObserver {
