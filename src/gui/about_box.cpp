@@ -10,11 +10,15 @@
 #include <QVBoxLayout>
 
 #include "base/dialogs.h"
-#include "gui/build_info.h"
 #include "gui/control_colouring.h"
 
 namespace sw::gui {
 namespace {
+
+// From the build (src/gui/CMakeLists.txt): the project's version and the support addresses.
+constexpr const char* kProgramVersion = SW_PROGRAM_VERSION;
+constexpr const char* kSupportMail = SW_SUPPORT_MAIL;
+constexpr const char* kWebAddress = SW_WEB_ADDRESS;
 
 // The about box shows the theme's colour as it is.
 constexpr std::int32_t kColourOffset = 0;
