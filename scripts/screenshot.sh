@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Renders the main window with the bundled example loaded (the outer connection table and its
-# template, page-break marks drawn) offscreen and saves it as docs/main_window.png for the README.
+# template, page-break marks drawn) offscreen and saves it as docs/main_window.png for the README, with
+# the options dialog over it as docs/options_dialog.png.
 # The window starts as `sheetwright` does, but against a settings file and a CAD INI file of its own
 # in a temporary folder, so the user's settings are neither read nor changed.
 set -euo pipefail
@@ -32,5 +33,5 @@ REG
 
 mkdir -p docs
 QT_QPA_PLATFORM=offscreen SHEETWRIGHT_REGISTRY="$work/registry.reg" windir="$work/windows" TEMP="$work" \
-  "build/$preset/src/gui/sheetwright-screenshot" docs/main_window.png
-echo "docs/main_window.png"
+  "build/$preset/src/gui/sheetwright-screenshot" docs/main_window.png --options-dialog docs/options_dialog.png
+echo "docs/main_window.png docs/options_dialog.png"

@@ -349,7 +349,15 @@ void Session::SetSheetNumber(std::string text) {
 }
 
 void Session::ToggleIncludeEmptyRows() {
-  includeEmptyRows_ = !includeEmptyRows_;
+  SetIncludeEmptyRows(!includeEmptyRows_);
+}
+
+void Session::ToggleUseSlashTwo() {
+  SetUseSlashTwo(!useSlashTwo_);
+}
+
+void Session::SetIncludeEmptyRows(bool on) {
+  includeEmptyRows_ = on;
   services_.settings.SaveAppSetting("IncludeEmptyRows", includeEmptyRows_ ? "1" : "0");
   Notify(Change::kCommands);
   if (includeEmptyRows_) {
@@ -360,8 +368,8 @@ void Session::ToggleIncludeEmptyRows() {
   }
 }
 
-void Session::ToggleUseSlashTwo() {
-  useSlashTwo_ = !useSlashTwo_;
+void Session::SetUseSlashTwo(bool on) {
+  useSlashTwo_ = on;
   services_.settings.SaveAppSetting("UseSlashTwo", useSlashTwo_ ? "1" : "0");
   Notify(Change::kCommands);
   if (useSlashTwo_) {
@@ -370,6 +378,18 @@ void Session::ToggleUseSlashTwo() {
     report::CleanupSlashTwo(table_);
     Notify(Change::kTable);
   }
+}
+
+Options Session::LoadOptions() {
+  const bool wasRefreshing = refreshing_;
+  refreshing_ = true;
+  const Options options = ReadOptions(services_.settings);
+  refreshing_ = wasRefreshing;
+  return options;
+}
+
+void Session::StoreOptions(const Options& options) {
+  session::StoreOptions(services_.settings, options);
 }
 
 void Session::ToggleSingleSheet() {

@@ -27,6 +27,7 @@
 #include "report/dump_reader.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
+#include "session/options.h"
 #include "session/session_observer.h"
 #include "settings/settings.h"
 #include "settings/start_log.h"
@@ -170,9 +171,18 @@ class Session {
   // "1"/"0", and for 305/306 reload the dump when switched on or tidy the table when switched off.
   void ToggleIncludeEmptyRows();
   void ToggleUseSlashTwo();
+  // The same with the state given, as the options dialog's two report boxes set it when clicked.
+  void SetIncludeEmptyRows(bool on);
+  void SetUseSlashTwo(bool on);
   void ToggleSingleSheet();
   // Single-sheet mode for this run only, nothing stored (the command line's --single-sheet).
   void UseSingleSheet(bool on);
+
+  // --- The options dialog (command 304). Its boxes are read with the refreshing flag up, so nothing
+  // loading them can reload the preview; OK stores the four settings (the two report boxes have
+  // already acted when clicked), after which the dialog redraws the marks with ShowPageBreaks.
+  Options LoadOptions();
+  void StoreOptions(const Options& options);
 
   // The CAD system's current report read again: its identifier and the sheet-number items.
   void ReadCurrentReport();

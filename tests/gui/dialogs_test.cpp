@@ -1,0 +1,392 @@
+// The options dialog, the single-sheet warning, the about box and the colouring by name prefix, driven
+// offscreen with the keyboard and the mouse.
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTest>
+#include <QTimer>
+#include <limits>
+
+#include "fake_installation.h"
+#include "gui/about_box.h"
+#include "gui/control_colouring.h"
+#include "gui/options_dialog.h"
+#include "gui/warning_dialog.h"
+#include "memory_settings.h"
+#include "recording_launcher.h"
+#include "session/session.h"
+#include "started_window.h"
+
+using sw::testing::StartedWindow;
+using List = std::vector<std::string>;
+
+namespace {
+
+const QColor kYellow(0xFF, 0xFF, 0xC0);
+
+int YellowRows(const QAbstractItemModel* model) {
+  int marks = 0;
+  for (int row = 0; row < model->rowCount(); ++row) {
+    if (model->index(row, 0).data(Qt::BackgroundRole).value<QBrush>().color() == kYellow) ++marks;
+  }
+  return marks;
+}
+
+template <typename T>
+T* Child(QWidget* parent, const char* name) {
+  T* child = parent->findChild<T*>(QString::fromUtf8(name));
+  if (!child) qFatal("no child %s", name);
+  return child;
+}
+
+// Runs `script` on the modal dialog as soon as the event loop of its exec() runs.
+void WhenModal(const std::function<void(QDialog*)>& script) {
+  QTimer::singleShot(0, [script] {
+    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    if (!dialog) qFatal("no modal dialog");
+    script(dialog);
+  });
+}
+
+// Presses the space bar on a box, as a user tabbing through the dialog would.
+void Tick(QCheckBox* box) {
+  box->setFocus(Qt::TabFocusReason);
+  QTest::keyClick(box, Qt::Key_Space);
+}
+
+List SavedSince(const sw::testing::RecordingSettings& settings, std::size_t from) {
+  return List(settings.saved.begin() + static_cast<std::ptrdiff_t>(from), settings.saved.end());
+}
+
+class CountingTool final : public sw::base::SystemInformationTool {
+ public:
+  explicit CountingTool(bool available) : available_(available) {}
+  bool Available() const override { return available_; }
+  bool Start() override {
+    ++started;
+    return true;
+  }
+  int started = 0;
+
+ private:
+  bool available_;
+};
+
+bool KeepsItsColours(QWidget* widget) {
+  return !widget->autoFillBackground() && !widget->testAttribute(Qt::WA_SetPalette);
+}
+
+bool HasColour(QWidget* widget, const QColor& colour) {
+  return widget->autoFillBackground() && widget->palette().color(widget->backgroundRole()) == colour;
+}
+
+}  // namespace
+
+class DialogsTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void optionsShowTheSettingsOnTheirTabs();
+  void reportBoxActsAtOnceAndCancelKeepsIt();
+  void okStoresTheFourInOrderAndRedrawsTheMarks();
+  void optionsPlacementComesBackAtLeastTheDefaultSize();
+  void warningNoMoreAndCancelStopsTheRunAndSwitchesItOff();
+  void warningOkGoesOn();
+  void colouringFollowsTheNamePrefixes();
+  void colouringOverflowLeavesTheWindowAsItWas();
+  void aboutBoxShowsTheProgramAndIsColoured();
+  void aboutBoxLinksAndToolWorkFromTheKeyboard();
+  void aboutBoxHasNoToolButtonWhereThereIsNoTool();
+};
+
+void DialogsTest::optionsShowTheSettingsOnTheirTabs() {
+  StartedWindow started;
+  sw::gui::OptionsDialog dialog(started.window->Session(), started.settings, started.window.get());
+  QCOMPARE(dialog.windowTitle(), QStringLiteral("Alternativ"));
+  auto* tabs = Child<QTabWidget>(&dialog, "tabOptions");
+  QCOMPARE(tabs->count(), 2);
+  QCOMPARE(tabs->tabText(0), QStringLiteral("Generellt"));
+  QCOMPARE(tabs->tabText(1), QStringLiteral("Yttre Förbindningar"));
+  auto* frame = Child<QWidget>(&dialog, "fraOptions");
+  struct Box {
+    const char* name;
+    QString caption;
+    bool checked;
+  };
+  for (const Box& box :
+       {Box{"chkPageBreak", QStringLiteral("Visa sidbrytningar"), true},
+        Box{"chkShowWarning", QStringLiteral("Visa varning när enkelbladsfiler skapas"), true},
+        Box{"chkIncludeEmptyRows", QStringLiteral("Inkludera tomrader"), false},
+        Box{"chkUseSlashTwo", QStringLiteral("Visa avslutande /2"), true}}) {
+    auto* check = Child<QCheckBox>(frame, box.name);
+    QCOMPARE(check->text(), box.caption);
+    QCOMPARE(check->isChecked(), box.checked);
+  }
+  QCOMPARE(Child<QPushButton>(&dialog, "cmdOK")->text(), QStringLiteral("OK"));
+  QCOMPARE(Child<QPushButton>(&dialog, "cmdCancel")->text(), QStringLiteral("Avbryt"));
+  QVERIFY(!started.window->Session().Refreshing());
+
+  // The keyboard reaches every box and both buttons in order.
+  dialog.show();
+  QVERIFY(QTest::qWaitForWindowActive(&dialog));
+  Child<QCheckBox>(&dialog, "chkPageBreak")->setFocus(Qt::TabFocusReason);
+  QStringList reached;
+  for (int i = 0; i < 5; ++i) {
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+    reached << dialog.focusWidget()->objectName();
+  }
+  QCOMPARE(reached,
+           (QStringList{"chkShowWarning", "chkIncludeEmptyRows", "chkUseSlashTwo", "cmdOK", "cmdCancel"}));
+}
+
+void DialogsTest::reportBoxActsAtOnceAndCancelKeepsIt() {
+  // Started without the empty rows, so the reload shows them.
+  StartedWindow started([](sw::testing::FakeInstallation& install) {
+    install.settings.SaveAppSetting("IncludeEmptyRows", "0");
+  });
+  auto& session = started.window->Session();
+  QVERIFY(!session.IncludeEmptyRows());
+  const int rowsBefore = session.Table().Rows();
+  const std::size_t savedBefore = started.settings.saved.size();
+
+  sw::gui::OptionsDialog dialog(session, started.settings, started.window.get());
+  dialog.show();
+  QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+  Tick(Child<QCheckBox>(&dialog, "chkIncludeEmptyRows"));
+  // At once: stored, reloaded with the empty rows, and the window's command follows.
+  QCOMPARE(started.install.settings.GetAppSetting("IncludeEmptyRows", ""), std::string("1"));
+  QVERIFY(session.IncludeEmptyRows());
+  QCOMPARE(session.Table().Rows(), rowsBefore + 1);
+  if (QAction* command305 = started.window->Command(305)) QVERIFY(command305->isChecked());
+
+  Tick(Child<QCheckBox>(&dialog, "chkPageBreak"));  // dropped by Avbryt
+  QTest::keyClick(&dialog, Qt::Key_Escape);
+  QCOMPARE(dialog.result(), int(QDialog::Rejected));
+  QCOMPARE(SavedSince(started.settings, savedBefore), (List{"IncludeEmptyRows"}));
+  QCOMPARE(started.install.settings.GetAppSetting("IncludeEmptyRows", ""), std::string("1"));
+  QCOMPARE(started.install.settings.GetAppSetting("ShowPageBreaks", "unset"), std::string("unset"));
+  QVERIFY(session.IncludeEmptyRows());
+  if (QAction* command305 = started.window->Command(305)) QVERIFY(command305->isChecked());
+}
+
+void DialogsTest::okStoresTheFourInOrderAndRedrawsTheMarks() {
+  StartedWindow started;
+  const QAbstractItemModel* model = started.Grid()->model();
+  QVERIFY(YellowRows(model) > 0);
+  const std::size_t savedBefore = started.settings.saved.size();
+
+  WhenModal([](QDialog* dialog) {
+    QCOMPARE(dialog->objectName(), QStringLiteral("frmOptions"));
+    Tick(Child<QCheckBox>(dialog, "chkPageBreak"));
+    Tick(Child<QCheckBox>(dialog, "chkShowWarning"));
+    QTest::keyClick(Child<QPushButton>(dialog, "cmdOK"), Qt::Key_Return);
+  });
+  sw::gui::RunOptionsDialog(started.window.get(), started.window->Session(), started.settings);
+
+  QCOMPARE(
+      SavedSince(started.settings, savedBefore),
+      (List{"IncludeEmptyRows", "UseSlashTwo", "ShowSingleSheetWarning", "ShowPageBreaks", "frmOptions\\Top",
+            "frmOptions\\Left", "frmOptions\\Height", "frmOptions\\Width", "frmOptions\\WinState"}));
+  auto& settings = started.install.settings;
+  QCOMPARE(settings.GetAppSetting("IncludeEmptyRows", ""), std::string("0"));
+  QCOMPARE(settings.GetAppSetting("UseSlashTwo", ""), std::string("1"));
+  QCOMPARE(settings.GetAppSetting("ShowSingleSheetWarning", ""), std::string("0"));
+  QCOMPARE(settings.GetAppSetting("ShowPageBreaks", ""), std::string("0"));
+  QCOMPARE(YellowRows(model), 0);  // the marks were drawn again, without page breaks
+
+  WhenModal([](QDialog* dialog) {
+    auto* pageBreak = Child<QCheckBox>(dialog, "chkPageBreak");
+    QVERIFY(!pageBreak->isChecked());
+    QVERIFY(!Child<QCheckBox>(dialog, "chkShowWarning")->isChecked());
+    Tick(pageBreak);
+    Child<QPushButton>(dialog, "cmdOK")->click();
+  });
+  sw::gui::RunOptionsDialog(started.window.get(), started.window->Session(), started.settings);
+  QVERIFY(YellowRows(model) > 0);
+}
+
+void DialogsTest::optionsPlacementComesBackAtLeastTheDefaultSize() {
+  StartedWindow started;
+  started.install.settings.SaveAppSetting("Width", "1000", "frmOptions");
+  started.install.settings.SaveAppSetting("Height", "99999999", "frmOptions");
+  sw::gui::OptionsDialog dialog(started.window->Session(), started.settings, started.window.get());
+  const double twips = 1440.0 / dialog.logicalDpiX();
+  QCOMPARE(dialog.width(), qRound(6930 / twips));
+  QVERIFY(dialog.height() >= qRound(3900 / twips));
+  QVERIFY(dialog.height() < 99999999 / twips);
+}
+
+void DialogsTest::warningNoMoreAndCancelStopsTheRunAndSwitchesItOff() {
+  sw::testing::FakeInstallation install;
+  sw::testing::RecordingLauncher launcher;
+  sw::gui::DialogSingleSheetWarning warning(install.settings, nullptr);
+  sw::session::Session session({.registry = install.registry,
+                                .settings = install.settings,
+                                .environment = install.environment,
+                                .dialogs = install.dialogs,
+                                .launcher = launcher,
+                                .warning = &warning});
+  session.Start();
+  session.UseSingleSheet(true);
+
+  QStringList texts;
+  WhenModal([&texts](QDialog* dialog) {
+    QCOMPARE(dialog->windowTitle(), QStringLiteral("Varning!"));
+    for (const char* name : {"lblOverwrite", "lblExample", "lblPageCount"})
+      texts << Child<QLabel>(dialog, name)->text();
+    auto* noMore = Child<QCheckBox>(dialog, "chkShowNoMore");
+    QCOMPARE(noMore->text(), QStringLiteral("Visa inte denna dialog nästa gång"));
+    QVERIFY(!noMore->isChecked());
+    Tick(noMore);
+    Child<QPushButton>(dialog, "cmdCancel")->click();
+  });
+  const auto result = session.Generate();
+  QCOMPARE(texts, (QStringList{QString::fromUtf8(sw::generate::kWarningOverwrite),
+                               QString::fromUtf8(sw::generate::kWarningExample),
+                               QString::fromUtf8(sw::generate::kWarningPageCount)}));
+  QVERIFY(!result.completed);
+  QVERIFY(result.workbooks.empty());
+  QVERIFY(install.dialogs.fileRequests.empty());  // stopped before the target was asked for
+  QCOMPARE(install.settings.GetAppSetting("ShowSingleSheetWarning", ""), std::string("0"));
+  QVERIFY(!install.settings.GetAppSetting("Width", "", "frmWarning").empty());
+
+  // Switched off, the next run goes straight on to the target.
+  const auto again = session.Generate();
+  QCOMPARE(install.dialogs.fileRequests.size(), std::size_t{1});
+  Q_UNUSED(again);
+}
+
+void DialogsTest::warningOkGoesOn() {
+  sw::testing::FakeInstallation install;
+  sw::testing::RecordingLauncher launcher;
+  sw::gui::DialogSingleSheetWarning warning(install.settings, nullptr);
+  sw::session::Session session({.registry = install.registry,
+                                .settings = install.settings,
+                                .environment = install.environment,
+                                .dialogs = install.dialogs,
+                                .launcher = launcher,
+                                .warning = &warning});
+  session.Start();
+  session.UseSingleSheet(true);
+
+  QSize shown;
+  WhenModal([&shown](QDialog* dialog) {
+    shown = dialog->size();
+    QTest::keyClick(dialog, Qt::Key_Return);  // OK is the default button
+  });
+  session.Generate();
+  QCOMPARE(install.dialogs.fileRequests.size(), std::size_t{1});  // went on to ask for the target
+  QCOMPARE(install.settings.GetAppSetting("ShowSingleSheetWarning", "1"), std::string("1"));
+  const double twips = 1440.0 / QApplication::primaryScreen()->logicalDotsPerInchX();
+  QVERIFY(shown.width() >= qRound(6270 / twips) - 1);
+  QVERIFY(shown.height() >= qRound(4245 / twips) - 1);
+
+  // Closing the window is Avbryt.
+  WhenModal([](QDialog* dialog) { dialog->close(); });
+  session.Generate();
+  QCOMPARE(install.dialogs.fileRequests.size(), std::size_t{1});
+}
+
+void DialogsTest::colouringFollowsTheNamePrefixes() {
+  QWidget window;
+  auto named = [&window](QWidget* widget, const char* name) {
+    widget->setParent(&window);
+    widget->setObjectName(QString::fromUtf8(name));
+    return widget;
+  };
+  QWidget* lblTitle = named(new QLabel(QStringLiteral("Titel")), "lblTitle");
+  QWidget* cmdOK = named(new QPushButton(QStringLiteral("OK")), "cmdOK");
+  QWidget* txtName = named(new QLineEdit, "txtName");
+  QWidget* imgLogo = named(new QLabel, "imgLogo");
+  QWidget* cmdClose = named(new QPushButton(QStringLiteral("Stäng")), "CMDClose");
+  QWidget* shortName = named(new QLabel(QStringLiteral("x")), "tx");
+  QWidget* frame = named(new QWidget, "fraInner");
+  QWidget* nested = new QLabel(QStringLiteral("inre"), frame);
+  nested->setObjectName(QStringLiteral("lblInner"));
+  const QColor buttonBefore = cmdOK->palette().color(cmdOK->backgroundRole());
+  const QColor textBefore = txtName->palette().color(txtName->backgroundRole());
+
+  QVERIFY(sw::gui::ColourByPrefix(window, 0x00D8E9EC, 0x10));
+  const QColor expected(0xFC, 0xE9, 0xD8);  // 0x00D8E9FC
+  QCOMPARE(sw::gui::ColourOfPacked(0x00D8E9FC), expected);
+  QVERIFY(HasColour(&window, expected));
+  QVERIFY(HasColour(lblTitle, expected));
+  QVERIFY(HasColour(shortName, expected));
+  QVERIFY(HasColour(frame, expected));
+  QVERIFY(HasColour(nested, expected));
+  for (QWidget* kept : {cmdOK, txtName, imgLogo, cmdClose})
+    QVERIFY2(KeepsItsColours(kept), qPrintable(kept->objectName()));
+  QCOMPARE(cmdOK->palette().color(cmdOK->backgroundRole()), buttonBefore);
+  QCOMPARE(txtName->palette().color(txtName->backgroundRole()), textBefore);
+}
+
+void DialogsTest::colouringOverflowLeavesTheWindowAsItWas() {
+  QWidget window;
+  auto* lblTitle = new QLabel(QStringLiteral("Titel"), &window);
+  lblTitle->setObjectName(QStringLiteral("lblTitle"));
+  QVERIFY(!sw::gui::ColourByPrefix(window, std::numeric_limits<std::int32_t>::max(), 1));
+  QVERIFY(KeepsItsColours(&window));
+  QVERIFY(KeepsItsColours(lblTitle));
+}
+
+void DialogsTest::aboutBoxShowsTheProgramAndIsColoured() {
+  QCOMPARE(sw::gui::AboutCommandCaption(), QStringLiteral("&Om Sheetwright..."));
+  CountingTool tool(true);
+  sw::gui::AboutBox box({.themeColour = 0x00F0D8C0, .systemInformation = &tool, .openUrl = {}});
+  QCOMPARE(box.windowTitle(), QStringLiteral("Om Sheetwright"));
+  QCOMPARE(Child<QLabel>(&box, "lblTitle")->text(), QStringLiteral("Sheetwright"));
+  QCOMPARE(Child<QLabel>(&box, "lblVersion")->text(), QStringLiteral("Version " SW_PROJECT_VERSION));
+  QCOMPARE(Child<QLabel>(&box, "lblDescription")->text(), sw::gui::ProgramDescription());
+  const QColor theme(0xC0, 0xD8, 0xF0);
+  QVERIFY(HasColour(&box, theme));
+  QVERIFY(HasColour(Child<QLabel>(&box, "lblTitle"), theme));
+  QVERIFY(KeepsItsColours(Child<QPushButton>(&box, "cmdOK")));
+  QVERIFY(KeepsItsColours(Child<QLabel>(&box, "imgLogo")));
+  QVERIFY(KeepsItsColours(Child<QPushButton>(&box, "cmdSysInfo")));
+}
+
+void DialogsTest::aboutBoxLinksAndToolWorkFromTheKeyboard() {
+  CountingTool tool(true);
+  QList<QUrl> opened;
+  sw::gui::AboutBox box({.themeColour = 0x00FFFFFF,
+                         .systemInformation = &tool,
+                         .openUrl = [&opened](const QUrl& url) { opened << url; }});
+  box.show();
+  QVERIFY(QTest::qWaitForWindowActive(&box));
+  QCOMPARE(box.focusWidget()->objectName(), QStringLiteral("cmdOK"));
+
+  auto* sysInfo = Child<QPushButton>(&box, "cmdSysInfo");
+  QCOMPARE(sysInfo->shortcut(), QKeySequence(QStringLiteral("Alt+S")));  // "&Systeminformation..."
+  QTest::keyClick(sysInfo, Qt::Key_Space);
+  QCOMPARE(tool.started, 1);
+
+  // Tab reaches the two links in turn; Enter opens the one with the focus, as the access keys of their
+  // captions reach them too.
+  QTest::keyClick(box.focusWidget(), Qt::Key_Tab);
+  QCOMPARE(box.focusWidget()->objectName(), QStringLiteral("lnkMail"));
+  QTest::keyClick(box.focusWidget(), Qt::Key_Return);
+  QTest::keyClick(box.focusWidget(), Qt::Key_Tab);
+  QCOMPARE(box.focusWidget()->objectName(), QStringLiteral("lnkWeb"));
+  QTest::keyClick(box.focusWidget(), Qt::Key_Space);
+  QCOMPARE(Child<QLabel>(&box, "lblMailCaption")->buddy()->objectName(), QStringLiteral("lnkMail"));
+  QCOMPARE(Child<QLabel>(&box, "lblWebCaption")->buddy()->objectName(), QStringLiteral("lnkWeb"));
+  QCOMPARE(opened, (QList<QUrl>{QUrl(QStringLiteral("mailto:" SW_SUPPORT_MAIL)),
+                                QUrl(QStringLiteral(SW_WEB_ADDRESS))}));
+
+  QTest::keyClick(&box, Qt::Key_Escape);
+  QVERIFY(!box.isVisible());
+}
+
+void DialogsTest::aboutBoxHasNoToolButtonWhereThereIsNoTool() {
+  CountingTool none(false);
+  sw::gui::AboutBox box({.themeColour = 0x00FFFFFF, .systemInformation = &none, .openUrl = {}});
+  QVERIFY(!box.findChild<QPushButton*>(QStringLiteral("cmdSysInfo")));
+  sw::gui::AboutBox withoutTool({.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}});
+  QVERIFY(!withoutTool.findChild<QPushButton*>(QStringLiteral("cmdSysInfo")));
+}
+
+QTEST_MAIN(DialogsTest)
+#include "dialogs_test.moc"
