@@ -9,6 +9,7 @@
 #include "excel/package/package_engine.h"
 #include "excel/recording_engine.h"
 #include "fake_installation.h"
+#include "generate/run_error.h"
 #include "recording_launcher.h"
 #include "session/desktop_external_editor.h"
 #include "session/excel_external_editor.h"
@@ -30,6 +31,10 @@ const std::string kIni = "C:\\Projektmallar\\\\PANEL.ini";
 std::string HostText(const fs::path& path) {
   const auto text = path.u8string();
   return std::string(text.begin(), text.end());
+}
+
+fs::path FromUtf8(const std::string& text) {
+  return fs::path(std::u8string(text.begin(), text.end()));
 }
 
 // A started session over the fake installation whose editing commands go to `editor`.
@@ -94,7 +99,9 @@ class ExcelEditingTest : public ::testing::Test, public EditingFixture {
 
 TEST_F(ExcelEditingTest, TemplateOpensWritableInAVisibleExcel) {
   Start();
-  const std::string hostTemplate = HostText(install_.Host("Projektmallar/PANEL.xlsx"));
+  // The engine is given the file as this platform names it.
+  const std::string hostTemplate = gen::EnginePath(kTemplate);
+  ASSERT_TRUE(fs::equivalent(FromUtf8(hostTemplate), install_.Host("Projektmallar/PANEL.xlsx")));
   recording_.AddWorkbookFile(hostTemplate, {"Mall"});
   session_.EditTemplateWorkbook();
   EXPECT_EQ(recording_.applicationsCreated(), 1);
@@ -109,11 +116,12 @@ TEST_F(ExcelEditingTest, TemplateOpensWritableInAVisibleExcel) {
 
 TEST_F(ExcelEditingTest, DumpIsImportedWithTextColumnsAndFittedColumns) {
   Start();
+  ASSERT_TRUE(fs::equivalent(FromUtf8(gen::EnginePath(kDump)),
+                             install_.Host("Temp/VOLTARIS/VOLTARIS ic/volt_report.txt")));
   session_.EditReportDump();
   EXPECT_EQ(recording_.applicationsCreated(), 1);
   const std::string openText =
-      "Workbooks.OpenText FileName:=\"" +
-      HostText(install_.Host("Temp/VOLTARIS/VOLTARIS ic/volt_report.txt")) +
+      "Workbooks.OpenText FileName:=\"" + gen::EnginePath(kDump) +
       "\", Origin:=2, StartRow:=1, DataType:=1, TextQualifier:=-4142, ConsecutiveDelimiter:=False, "
       "Tab:=True, "
       "Semicolon:=False, Comma:=False, Space:=False, Other:=False, FieldInfo:=Array(Array(1, 2), Array(2, "
@@ -275,7 +283,7 @@ TEST_F(DesktopEditingTest, DumpBecomesAFreshWorkbookInTheTemporaryFolder) {
   ASSERT_EQ(launcher_.opened.size(), 2u);
   EXPECT_NE(launcher_.opened[0], launcher_.opened[1]);
   for (const auto& opened : launcher_.opened) {
-    const fs::path workbook = fs::path(std::u8string(opened.begin(), opened.end()));
+    const fs::path workbook = FromUtf8(opened);
     EXPECT_EQ(workbook.filename(), "volt_report.xlsx");
     EXPECT_EQ(workbook.parent_path().parent_path(), systemTemp_.path());
     // Written completely before it was handed over: the engine opens it again.
