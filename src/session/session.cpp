@@ -413,10 +413,9 @@ GenerationResult Session::Generate() {
                                      .createExcel = services_.createExcel,
                                      .programFolder = services_.programFolder,
                                      .setMousePointer = services_.setMousePointer,
-                                     .pageStarted =
-                                         [this](int pages) {
-                                           if (services_.progress) services_.progress->Step(pages);
-                                         },
+                                     .pageStarted = [this](int pages) {
+                                       if (services_.progress) services_.progress->Step(pages);
+                                     },
                                      .findTopLevelWindow = {},
                                      .mayWriteIntoTemplate = services_.mayWriteIntoTemplate};
   gen::GenerationState state;
