@@ -59,7 +59,7 @@ void DesktopExternalEditor::OpenReportDump(const std::string& path) {
       folder / (base::ResolveWindowsPath(path).stem().u8string() + u8".xlsx");
   try {
     auto engine = excel::CreateApplication(excel::EngineKind::kPackage);
-    ImportReportDump(*engine, gen::EnginePath(path)).SaveAs(Utf8(workbook));
+    ImportReportDump(*engine, generate::EnginePath(path)).SaveAs(Utf8(workbook));
   } catch (const excel::AutomationError& failure) {
     std::filesystem::remove_all(folder, error);  // only what this call made
     TellExcelFailure(services_.dialogs, failure);

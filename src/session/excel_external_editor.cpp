@@ -18,7 +18,7 @@ std::unique_ptr<excel::Application> ExcelExternalEditor::StartExcel() const {
 void ExcelExternalEditor::OpenTemplateWorkbook(const std::string& path) {
   try {
     auto excel = StartExcel();
-    excel->Workbooks().Open(gen::EnginePath(path),
+    excel->Workbooks().Open(generate::EnginePath(path),
                             excel::OpenArguments{.updateLinks = {}, .readOnly = false});
     excel->SetVisible(true);
   } catch (const excel::AutomationError& error) {
@@ -30,7 +30,7 @@ void ExcelExternalEditor::OpenReportDump(const std::string& path) {
   try {
     auto excel = StartExcel();
     excel->SetVisible(true);
-    ImportReportDump(*excel, gen::EnginePath(path));
+    ImportReportDump(*excel, generate::EnginePath(path));
   } catch (const excel::AutomationError& error) {
     TellExcelFailure(services_.dialogs, error);
   }

@@ -15,7 +15,7 @@ namespace sw::session {
 struct ExternalEditingServices {
   base::Dialogs& dialogs;
   base::ProcessLauncher& launcher;
-  gen::ApplicationFactory createExcel;  // CreateObject("Excel.Application"); none: Excel through COM
+  generate::ApplicationFactory createExcel;  // CreateObject("Excel.Application"); none: Excel through COM
 };
 
 class ExternalEditor {

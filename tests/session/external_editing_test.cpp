@@ -100,7 +100,7 @@ class ExcelEditingTest : public ::testing::Test, public EditingFixture {
 TEST_F(ExcelEditingTest, TemplateOpensWritableInAVisibleExcel) {
   Start();
   // The engine is given the file as this platform names it.
-  const std::string hostTemplate = gen::EnginePath(kTemplate);
+  const std::string hostTemplate = generate::EnginePath(kTemplate);
   ASSERT_TRUE(fs::equivalent(FromUtf8(hostTemplate), install_.Host("Projektmallar/PANEL.xlsx")));
   recording_.AddWorkbookFile(hostTemplate, {"Mall"});
   session_.EditTemplateWorkbook();
@@ -116,12 +116,12 @@ TEST_F(ExcelEditingTest, TemplateOpensWritableInAVisibleExcel) {
 
 TEST_F(ExcelEditingTest, DumpIsImportedWithTextColumnsAndFittedColumns) {
   Start();
-  ASSERT_TRUE(fs::equivalent(FromUtf8(gen::EnginePath(kDump)),
+  ASSERT_TRUE(fs::equivalent(FromUtf8(generate::EnginePath(kDump)),
                              install_.Host("Temp/VOLTARIS/VOLTARIS ic/volt_report.txt")));
   session_.EditReportDump();
   EXPECT_EQ(recording_.applicationsCreated(), 1);
   const std::string openText =
-      "Workbooks.OpenText FileName:=\"" + gen::EnginePath(kDump) +
+      "Workbooks.OpenText FileName:=\"" + generate::EnginePath(kDump) +
       "\", Origin:=2, StartRow:=1, DataType:=1, TextQualifier:=-4142, ConsecutiveDelimiter:=False, "
       "Tab:=True, "
       "Semicolon:=False, Comma:=False, Space:=False, Other:=False, FieldInfo:=Array(Array(1, 2), Array(2, "
