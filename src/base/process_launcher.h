@@ -1,6 +1,7 @@
 #pragma once
 // Starting other programs: the text editor for a template's INI file and the system's default
-// application for a finished workbook. The program never waits for what it starts.
+// application for a finished workbook or a file the user wants to look at. The program never waits
+// for what it starts.
 //
 // On Windows the INI file goes to Notepad ("NOTEPAD.EXE " and the path, a normal window with focus)
 // and a workbook to whatever Windows associates with it. Elsewhere both go through xdg-open, which
@@ -19,6 +20,10 @@ class ProcessLauncher {
   virtual bool EditTextFile(std::string_view windowsPath) = 0;
   // Opens `windowsPath` with the application the system associates with it.
   virtual bool OpenWithDefaultApplication(std::string_view windowsPath) = 0;
+  // Starts a Windows command line as it stands (program and arguments in one text, quoted as the
+  // program wants them), in a normal window with the focus. False when nothing could be started;
+  // where no Windows programs run, nothing is.
+  virtual bool StartCommandLine(std::string_view /*commandLine*/) { return false; }
 };
 
 // The launcher of this platform.

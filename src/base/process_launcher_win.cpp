@@ -21,7 +21,11 @@ class WindowsProcessLauncher final : public ProcessLauncher {
  public:
   bool EditTextFile(std::string_view windowsPath) override {
     // The command line Notepad has always been started with: no quotes around the path.
-    std::wstring commandLine = L"NOTEPAD.EXE " + Wide(windowsPath);
+    return StartCommandLine("NOTEPAD.EXE " + std::string(windowsPath));
+  }
+
+  bool StartCommandLine(std::string_view utf8CommandLine) override {
+    std::wstring commandLine = Wide(utf8CommandLine);
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESHOWWINDOW;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/strings.h"
 #include "base/windows_path.h"
 #include "discovery/refresh_files.h"
 #include "generate/page_count.h"
@@ -11,6 +12,7 @@
 #include "report/cleanup.h"
 #include "report/preview_loader.h"
 #include "session/integer_setting.h"
+#include "session/template_ini_path.h"
 #include "templates/current_report.h"
 #include "templates/template_ini.h"
 
@@ -455,6 +457,46 @@ GenerationResult Session::Generate() {
   result.iniEditRequested = state.iniEditRequested;
   for (const auto& written : outcome.savedFiles) result.workbooks.push_back(written);
   return result;
+}
+
+ExternalEditor& Session::Editor() {
+  if (services_.externalEditor) return *services_.externalEditor;
+  if (!platformEditor_) {
+    platformEditor_ = CreatePlatformExternalEditor(
+        {.dialogs = services_.dialogs, .launcher = services_.launcher, .createExcel = services_.createExcel});
+  }
+  return *platformEditor_;
+}
+
+std::optional<std::string> Session::ChosenTemplateForEditing() {
+  if (base::TrimSpaces(rdsFile_.text).empty()) {
+    services_.dialogs.ShowMessage({.text = "Ingen Excelmall vald.",
+                                   .title = "Fel",
+                                   .icon = base::MessageIcon::kExclamation,
+                                   .buttons = base::MessageButtons::kOk});
+    return std::nullopt;
+  }
+  // The directory picker's text, as the user sees it, not the folder the template list was read from.
+  return rdsDir_.text + "\\" + rdsFile_.text;
+}
+
+void Session::EditTemplateWorkbook() {
+  const auto path = ChosenTemplateForEditing();
+  if (!path || !base::WindowsFileExists(*path)) return;
+  Editor().OpenTemplateWorkbook(*path);
+}
+
+void Session::EditReportDump() {
+  if (base::TrimSpaces(voltDump_.text).empty() || !base::WindowsFileExists(voltDump_.text)) return;
+  Editor().OpenReportDump(voltDump_.text);
+}
+
+void Session::EditTemplateIni() {
+  const auto path = ChosenTemplateForEditing();
+  if (!path) return;
+  const auto ini = TemplateIniPath(*path);
+  if (!ini || !base::WindowsFileExists(*ini)) return;
+  Editor().EditTemplateIni(*ini);
 }
 
 }  // namespace sw::session

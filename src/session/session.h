@@ -27,6 +27,7 @@
 #include "report/dump_reader.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
+#include "session/external_editor.h"
 #include "session/options.h"
 #include "session/session_observer.h"
 #include "settings/settings.h"
@@ -59,6 +60,8 @@ struct SessionServices {
   // template (after keeping a copy). The command line has no toggle a template can switch off, so
   // there such a run is refused instead.
   bool mayWriteIntoTemplate = true;
+  // Where the external editing commands hand their files; none: this platform's way.
+  ExternalEditor* externalEditor = nullptr;
 };
 
 // What the status bar counts for the user.
@@ -194,6 +197,16 @@ class Session {
   // take what the run wrote back.
   GenerationResult Generate();
 
+  // --- External editing: the outside program is started and left to the user.
+  // Command 303: the template workbook ("<template folder>\<template>") opened for changing. No template
+  // chosen: "Ingen Excelmall vald."; a template file that is not there: nothing, without a message.
+  void EditTemplateWorkbook();
+  // Command 307: the report dump opened as a spreadsheet. No dump, or none of that name: nothing.
+  void EditReportDump();
+  // Command 302: the template's INI file (TemplateIniPath) opened for editing. No template chosen: the
+  // same message as 303; no such INI file: nothing. The INI file is not read again afterwards.
+  void EditTemplateIni();
+
  private:
   class RecordingDialogs;
 
@@ -206,8 +219,12 @@ class Session {
   void TemplateChanged();
   void TemplateDirectoryChanged();
   report::PreviewResult PreviewVoltDump();
+  // The template path the editing commands use, or nothing (after telling the user) without a template.
+  std::optional<std::string> ChosenTemplateForEditing();
+  ExternalEditor& Editor();
 
   SessionServices services_;
+  std::unique_ptr<ExternalEditor> platformEditor_;
   std::vector<SessionObserver*> observers_;
 
   discovery::ComboPicker rdsDir_;

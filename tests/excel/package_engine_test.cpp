@@ -359,5 +359,34 @@ TEST_F(PackageEngineTest, OpenTextKeepsTextColumnsAsWritten) {
       "Åsa");
 }
 
+TEST_F(PackageEngineTest, OpenTextTakesEveryKindOfLineEnd) {
+  OpenTextOptions options;
+  // Empty lines are rows of their own whatever ends them.
+  options.fileName = temp_.Write("Rader.txt", "a\n\nb\r\n\r\nc\rd\n").string();
+  app_.Workbooks().OpenText(options);
+  Sheet sheet = app_.ActiveWorkbook().Sheets().Item(1);
+  EXPECT_EQ(sheet.Cells(1, 1).Value(), "a");
+  EXPECT_EQ(sheet.Cells(2, 1).Value(), "");
+  EXPECT_EQ(sheet.Cells(3, 1).Value(), "b");
+  EXPECT_EQ(sheet.Cells(4, 1).Value(), "");
+  EXPECT_EQ(sheet.Cells(5, 1).Value(), "c");
+  EXPECT_EQ(sheet.Cells(6, 1).Value(), "d");
+  EXPECT_EQ(sheet.Cells(7, 1).Value(), "");
+}
+
+TEST_F(PackageEngineTest, OpenTextGivesGeneralColumnsExcelsNumbers) {
+  OpenTextOptions options;
+  options.fileName = temp_.Write("Tal.txt", "007\t5%\t12.5%\t1E3\tx7\r\n").string();
+  options.fieldInfo.emplace_back(5, XlColumnDataType::xlTextFormat);
+  Workbook book = app_.Workbooks().OpenText(options);
+  const std::string xml =
+      Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx")).Bytes("xl/worksheets/sheet1.xml");
+  EXPECT_NE(xml.find(R"(<c r="A1"><v>7</v></c>)"), std::string::npos) << xml;
+  EXPECT_NE(xml.find(R"(<c r="B1" s="2"><v>0.05</v></c>)"), std::string::npos) << xml;
+  EXPECT_NE(xml.find(R"(<c r="C1" s="3"><v>0.125</v></c>)"), std::string::npos) << xml;
+  EXPECT_NE(xml.find(R"(<c r="D1" s="4"><v>1000</v></c>)"), std::string::npos) << xml;
+  EXPECT_NE(xml.find(R"(<c r="E1" s="1" t="inlineStr"><is><t>x7</t></is></c>)"), std::string::npos) << xml;
+}
+
 }  // namespace
 }  // namespace sw::excel

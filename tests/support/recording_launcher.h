@@ -12,13 +12,19 @@ class RecordingLauncher final : public base::ProcessLauncher {
  public:
   std::vector<std::string> edited;
   std::vector<std::string> opened;
+  std::vector<std::string> commandLines;
+  bool starts = true;  // false: as if no program could be started (still recorded)
   bool EditTextFile(std::string_view path) override {
     edited.emplace_back(path);
-    return true;
+    return starts;
   }
   bool OpenWithDefaultApplication(std::string_view path) override {
     opened.emplace_back(path);
-    return true;
+    return starts;
+  }
+  bool StartCommandLine(std::string_view commandLine) override {
+    commandLines.emplace_back(commandLine);
+    return starts;
   }
 };
 

@@ -45,9 +45,10 @@ std::vector<std::vector<std::string>> SplitDelimitedText(std::string_view bytes,
     std::size_t end = i;
     while (end < text.size() && text[end] != '\r' && text[end] != '\n') ++end;
     const std::string_view current(text.data() + i, end - i);
+    // CR LF, a lone CR and a lone LF each end one line; an empty line is a row of its own.
     i = end;
     if (i < text.size() && text[i] == '\r') ++i;
-    if (i < text.size() && text[i] == '\n' && (i == 0 || text[i - 1] != '\n')) ++i;
+    if (i < text.size() && text[i] == '\n') ++i;
     if (++line < options.startRow) continue;
     std::vector<std::string> fields(1);
     bool quoted = false;

@@ -1,10 +1,7 @@
 // A new workbook made from a table of texts, as Excel makes one when it opens a text file.
-#include <cstdio>
-#include <cstdlib>
-
 #include "excel/cell_address.h"
 #include "excel/package/cell_text.h"
-#include "excel/package/styles.h"
+#include "excel/package/general_number.h"
 #include "excel/package/workbook_document.h"
 
 namespace sw::excel {
@@ -12,7 +9,27 @@ namespace sw::excel {
 namespace {
 
 constexpr const char* kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n";
-constexpr int kTextStyle = 1;  // the text format of kMinimalStyles
+// The minimal styles with the cell formats an imported sheet uses: 0 General, 1 text ("@"), 2 and 3
+// percent without and with decimals, 4 scientific.
+constexpr const char* kImportStyles =
+    R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
+    "\r\n"
+    R"(<styleSheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main">)"
+    R"(<fonts count="1"><font><sz val="11"/><color theme="1"/><name val="Calibri"/><family val="2"/>)"
+    R"(<scheme val="minor"/></font></fonts>)"
+    R"(<fills count="2"><fill><patternFill patternType="none"/></fill><fill><patternFill patternType="gray125"/>)"
+    R"(</fill></fills>)"
+    R"(<borders count="1"><border><left/><right/><top/><bottom/><diagonal/></border></borders>)"
+    R"(<cellStyleXfs count="1"><xf numFmtId="0" fontId="0" fillId="0" borderId="0"/></cellStyleXfs>)"
+    R"(<cellXfs count="5"><xf numFmtId="0" fontId="0" fillId="0" borderId="0" xfId="0"/>)"
+    R"(<xf numFmtId="49" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/>)"
+    R"(<xf numFmtId="9" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/>)"
+    R"(<xf numFmtId="10" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/>)"
+    R"(<xf numFmtId="11" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/></cellXfs>)"
+    R"(<cellStyles count="1"><cellStyle name="Normal" xfId="0" builtinId="0"/></cellStyles>)"
+    R"(<dxfs count="0"/><tableStyles count="0" defaultTableStyle="TableStyleMedium2" )"
+    R"(defaultPivotStyle="PivotStyleLight16"/></styleSheet>)";
+constexpr int kTextStyle = 1;
 
 std::string Escaped(std::string_view text) {
   std::string escaped;
@@ -37,24 +54,19 @@ std::string Escaped(std::string_view text) {
   return escaped;
 }
 
-// General format: what reads as a plain decimal number is stored as one.
-bool AsNumber(const std::string& text, std::string& number) {
-  std::size_t i = text[0] == '-' ? 1 : 0;
-  std::size_t digits = 0, dots = 0;
-  for (; i < text.size(); ++i) {
-    if (text[i] >= '0' && text[i] <= '9') {
-      ++digits;
-    } else if (text[i] == '.' && dots == 0) {
-      ++dots;
-    } else {
-      return false;
-    }
+// The cell format a General cell gets for the number format Excel gives what it read.
+int StyleOf(BuiltInNumberFormat format) {
+  switch (format) {
+    case BuiltInNumberFormat::kPercent:
+      return 2;
+    case BuiltInNumberFormat::kPercentDecimals:
+      return 3;
+    case BuiltInNumberFormat::kScientific:
+      return 4;
+    case BuiltInNumberFormat::kGeneral:
+      break;
   }
-  if (digits == 0 || digits > 15) return false;
-  char formatted[40];
-  std::snprintf(formatted, sizeof formatted, "%.15g", std::strtod(text.c_str(), nullptr));
-  number = formatted;
-  return true;
+  return 0;
 }
 
 }  // namespace
@@ -119,7 +131,7 @@ std::unique_ptr<WorkbookDocument> WorkbookDocument::FromTable(
           R"(<Relationship Id="rId2" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/styles" Target="styles.xml"/>)"
           R"(<Relationship Id="rId1" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/worksheet" Target="worksheets/sheet1.xml"/>)"
           R"(</Relationships>)");
-  package.SetBytes("xl/styles.xml", std::string(kMinimalStyles));
+  package.SetBytes("xl/styles.xml", kImportStyles);
 
   auto sheet = std::make_unique<pugi::xml_document>();
   auto root = sheet->append_child("worksheet");
@@ -145,10 +157,10 @@ std::unique_ptr<WorkbookDocument> WorkbookDocument::FromTable(
       auto cell = row.append_child("c");
       cell.append_attribute("r") = FormatCellAddress(rowNumber, column).c_str();
       const bool text = k < textColumns.size() && textColumns[k];
-      std::string number;
       if (text) cell.append_attribute("s") = kTextStyle;
-      if (!text && AsNumber(fields[k], number)) {
-        cell.append_child("v").text().set(number.c_str());
+      if (const auto number = text ? std::nullopt : ReadGeneralNumber(fields[k])) {
+        if (const int style = StyleOf(number->format)) cell.append_attribute("s") = style;
+        cell.append_child("v").text().set(number->value.c_str());
         continue;
       }
       cell.append_attribute("t") = "inlineStr";

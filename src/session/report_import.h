@@ -1,0 +1,23 @@
+#pragma once
+// A report dump shown as a spreadsheet: one TAB-separated field a column, exactly as the CAD system
+// wrote it, with the columns wide enough to read.
+#include <string>
+
+#include "excel/automation.h"
+
+namespace sw::session {
+
+// The columns imported as text: numbers, dates and leading zeros in them stay as written.
+inline constexpr int kTextColumns = 20;
+
+// Workbooks.OpenText's arguments for the dump at `enginePath`: Windows text (the CAD system writes the
+// ANSI code page) from the first line, fields split at every TAB and nothing else (two TABs in a row
+// leave an empty column), no text qualifier (quotation marks are part of the field), and columns 1 to
+// kTextColumns as text; the columns after them get the General format.
+excel::OpenTextOptions ReportOpenTextOptions(std::string enginePath);
+
+// Opens the dump in `excel` with ReportOpenTextOptions, fits every column of its first sheet to its
+// contents and leaves cell A1 selected. Throws excel::AutomationError as Excel does.
+excel::Workbook ImportReportDump(excel::Application& excel, std::string enginePath);
+
+}  // namespace sw::session
