@@ -9,8 +9,6 @@
 #include <memory>
 #include <string>
 
-#include "app/settings.h"
-#include "app/start_log.h"
 #include "base/dialogs.h"
 #include "base/environment.h"
 #include "base/process_launcher.h"
@@ -19,6 +17,8 @@
 #include "generate/generation_state.h"
 #include "generate/single_sheet_warning.h"
 #include "session/session.h"
+#include "settings/settings.h"
+#include "settings/start_log.h"
 
 class QAction;
 class QComboBox;
@@ -36,13 +36,13 @@ class ReportTableModel;
 
 struct MainWindowServices {
   cadenv::Registry& registry;
-  app::Settings& settings;
+  settings::Settings& settings;
   const base::Environment& environment;
   base::Dialogs& dialogs;
-  base::ProcessLauncher& launcher;          // a faulty INI file opened for editing
-  const app::StartLog* startLog = nullptr;  // start-up trace, when switched on
-  std::string programFolder;                // the dialogs' folder until one is remembered
-  gen::ApplicationFactory createExcel;      // empty: the workbook engine of this platform
+  base::ProcessLauncher& launcher;               // a faulty INI file opened for editing
+  const settings::StartLog* startLog = nullptr;  // start-up trace, when switched on
+  std::string programFolder;                     // the dialogs' folder until one is remembered
+  generate::ApplicationFactory createExcel;      // empty: the workbook engine of this platform
   // Opens the workbook a generation leaves showing (host path); empty: the desktop's default application.
   std::function<void(const std::string&)> openWorkbook;
 };
@@ -86,7 +86,7 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   void UpdateGenerateEnabled();
   void Generate();
   void SessionChanged(session::Changes what) override;
-  void SetGenerationPointer(gen::MousePointer pointer);
+  void SetGenerationPointer(generate::MousePointer pointer);
   void SetBusy(bool busy);
   double TwipsPerPixel() const;
 
@@ -95,7 +95,7 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   std::unique_ptr<session::Session> session_;
   session::Changes pending_;       // what the session changed since the window last showed it
   bool iniEditRequested_ = false;  // the last run opened the INI file for editing
-  gen::MessageSingleSheetWarning warning_;
+  generate::MessageSingleSheetWarning warning_;
 
   QComboBox* cboRdsDir_ = nullptr;
   QComboBox* cboRdsFile_ = nullptr;

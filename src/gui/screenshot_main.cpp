@@ -5,14 +5,14 @@
 #include <QTimer>
 #include <cstdio>
 
-#include "app/settings.h"
-#include "app/start_log.h"
 #include "base/environment.h"
 #include "base/process_launcher.h"
 #include "base/program_folder.h"
 #include "cadenv/registry.h"
 #include "gui/main_window.h"
 #include "gui/qt_dialogs.h"
+#include "settings/settings.h"
+#include "settings/start_log.h"
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
@@ -20,9 +20,9 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: sheetwright-screenshot OUT.png\n");
     return 2;
   }
-  const sw::app::StartLog startLog(sw::base::ProcessEnvironment());
+  const sw::settings::StartLog startLog(sw::base::ProcessEnvironment());
   auto registry = sw::cadenv::OpenUserRegistry();
-  sw::app::RegistrySettings settings(*registry);
+  sw::settings::RegistrySettings settings(*registry);
   sw::gui::QtDialogs dialogs;
   const auto launcher = sw::base::CreateSystemProcessLauncher();
   sw::gui::MainWindow window({.registry = *registry,
