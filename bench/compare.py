@@ -2,7 +2,10 @@
 """Side-by-side timings in one run, as ratios: generation scaling (time per page), the 10,000-row job
 against openpyxl and a libxlsxwriter program writing the same sheets and cells, single-sheet against
 normal mode, and loading a dump against Python's csv module. Medians of interleaved runs; peak memory
-of each child from wait4. SW_CLI names another command line to measure (an older build, say).
+of each child from GNU time. SW_CLI names another command line to measure (an older build, say).
+SW_COMPARE picks sections (comma-separated, default all): scaling, pages, job, single, load.
+"pages" runs generation from 100 to 10,000 pages beside the libxlsxwriter program writing as many
+sheets and cells, and compares 200,000 rows against 20,000.
 Usage: compare.py BUILD_DIR [RUNS]"""
 import os
 import statistics
@@ -80,7 +83,54 @@ def main() -> int:
         return [str(cli), "generate", "--dump", str(dump(rows)), "--template", str(template), "--out",
                 str(work / out), *extra]
 
+    sections = set(os.environ.get("SW_COMPARE", "scaling,job,single,load").split(","))
     print("== Times are " + ("CPU (user + system)" if CPU_TIME else "wall-clock") + " seconds")
+    if "scaling" in sections:
+        scaling(generate, work, env)
+    if "pages" in sections:
+        pages_scaling(generate, work, env, reference)
+    if "job" in sections:
+        job(generate, dump, work, env, reference, runs, template)
+    if "single" in sections:
+        single(generate, work, env, runs)
+    if "load" in sections:
+        load(cli, dump, env, runs)
+    return 0
+
+
+def count_cells(workbook):
+    with zipfile.ZipFile(workbook) as archive:
+        return sum(archive.read(name).count(b"<c ") for name in archive.namelist()
+                   if name.startswith("xl/worksheets/sheet"))
+
+
+# A page of the example template holds about 29.4 data rows of the benchmark dump.
+ROWS_PER_PAGE = 29.4
+
+
+def pages_scaling(generate, work, env, reference):
+    print("== Time per page from 100 to 10,000 pages (one run each), beside libxlsxwriter")
+    first = None
+    by_rows = {}
+    for target in [int(n) for n in os.environ.get("SW_PAGES", "100,300,1000,3000,10000").split(",")]:
+        rows = int(target * ROWS_PER_PAGE)
+        out = work / f"pages{rows}.xlsx"
+        seconds, peak = run(generate(rows, out.name), env)
+        pages = page_sheets(out)
+        cells = count_cells(out)
+        out.unlink()
+        ref_seconds, ref_peak = run([str(reference), str(work / "reference.xlsx"), str(pages), str(cells)])
+        per_page = seconds / pages * 1000
+        first = first or per_page
+        print(f"{pages:>6} pages {rows:>7} rows {seconds:7.2f} s {per_page:6.3f} ms/page (x{per_page / first:4.2f}"
+              f" of the smallest) peak {peak:6.1f} MB; libxlsxwriter {ref_seconds:6.2f} s peak {ref_peak:6.1f} MB:"
+              f" memory ratio {peak / ref_peak:4.2f}")
+    small = run(generate(20000, "rows20k.xlsx"), env)[0]
+    large = run(generate(200000, "rows200k.xlsx"), env)[0]
+    print(f"  200,000 rows {large:.2f} s against 20,000 rows {small:.2f} s: x{large / small:.2f}")
+
+
+def scaling(generate, work, env):
     print("== Generation scaling (one run each)")
     sizes = [int(size) for size in os.environ.get("SW_SCALING_ROWS", "3000,30000,100000").split(",")]
     first = None
@@ -92,12 +142,12 @@ def main() -> int:
         print(f"{rows:>7} rows {pages:>6} pages {seconds:7.2f} s {per_page:6.3f} ms/page "
               f"(x{per_page / first:4.2f} of the smallest) peak {peak:6.1f} MB")
 
+
+def job(generate, dump, work, env, reference, runs, template):
     print(f"== The 10,000-row job, medians of {runs} interleaved runs")
     run(generate(10000, "job.xlsx"), env)
     pages = page_sheets(work / "job.xlsx")
-    with zipfile.ZipFile(work / "job.xlsx") as archive:
-        cells = sum(archive.read(name).count(b"<c ") for name in archive.namelist()
-                    if name.startswith("xl/worksheets/sheet"))
+    cells = count_cells(work / "job.xlsx")
     results = interleaved({
         "sheetwright": generate(10000, "job.xlsx"),
         "libxlsxwriter": [str(reference), str(work / "reference.xlsx"), str(pages), str(cells)],
@@ -110,6 +160,8 @@ def main() -> int:
               f" memory {ours[1] / peak:5.2f}")
     print(f"  ({pages} pages, {cells} cells)")
 
+
+def single(generate, work, env, runs):
     print(f"== Single-sheet mode against the normal mode, 20,000 rows, medians of {runs}")
     (work / "single").mkdir()
     results = interleaved({
@@ -119,6 +171,8 @@ def main() -> int:
     print(f"  normal {results['normal'][0]:.3f} s, single-sheet {results['single-sheet'][0]:.3f} s: ratio "
           f"{results['single-sheet'][0] / results['normal'][0]:.2f}")
 
+
+def load(cli, dump, env, runs):
     print(f"== Loading a 200,000-line dump, medians of {runs}")
     big = dump(int(os.environ.get("SW_LOAD_ROWS", "200000")))
     size_mb = big.stat().st_size / 1e6
@@ -136,7 +190,6 @@ def main() -> int:
               f"   ours/this {ours[0] / seconds:5.2f}")
     print(f"  file {size_mb:.1f} MB; our peak {ours[1] / size_mb:.2f}x the file, "
           f"{(ours[1] - baseline) / size_mb:.2f}x above the {baseline:.1f} MB of a one-line dump")
-    return 0
 
 
 if __name__ == "__main__":

@@ -1,4 +1,6 @@
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/strings.h"
@@ -25,9 +27,10 @@ std::optional<std::filesystem::path> FindIgnoringCase(const std::filesystem::pat
   std::filesystem::directory_iterator it(folder.empty() ? std::filesystem::path(".") : folder, error);
   std::optional<std::string> best;
   for (; !error && it != std::filesystem::directory_iterator(); it.increment(error)) {
-    const auto entry = it->path().filename().u8string();
-    const std::string entryName(entry.begin(), entry.end());
-    if (EqualsIgnoreCase(entryName, name) && (!best || entryName < *best)) best = entryName;
+    // The name read in place: a page-by-page save looks through a folder of hundreds of pages.
+    const std::string_view full = it->path().native();
+    const std::string_view entryName = full.substr(full.rfind('/') + 1);
+    if (EqualsIgnoreCase(entryName, name) && (!best || entryName < *best)) best = std::string(entryName);
   }
   if (!best) return std::nullopt;
   return folder / FromUtf8(*best);

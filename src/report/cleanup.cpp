@@ -11,7 +11,12 @@ void CleanupEmptyRows(ReportTable& table) {
 }
 
 void CleanupSlashTwo(ReportTable& table) {
+  const int cols = table.Cols();
   for (int row = 1; row < table.Rows(); ++row) {
+    // Most rows have nothing to remove: looking costs no copy of the row.
+    bool any = false;
+    for (int col = 1; col < cols && !any; ++col) any = table.Text(row, col).ends_with("/2");
+    if (!any) continue;
     std::vector<std::string_view> cells = table.RowTexts(row);
     bool changed = false;
     for (std::size_t col = 1; col < cells.size(); ++col) {

@@ -1,64 +1,20 @@
 #include "report/report_table.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <stdexcept>
 
+#include "base/large_pages.h"
+
 namespace sw::report {
 namespace {
-
-// A row's cells are stored back to back in one buffer, each as its byte length (7 bits a byte, low
-// bits first, high bit set on all but the last byte) followed by its text. Trailing empty cells are
-// not stored. One buffer for the whole table spares a 200,000-row dump a million small allocations.
-void AppendCell(std::string& out, std::string_view text) {
-  std::size_t length = text.size();
-  while (length >= 0x80) {
-    out.push_back(static_cast<char>((length & 0x7F) | 0x80));
-    length >>= 7;
-  }
-  out.push_back(static_cast<char>(length));
-  out.append(text);
-}
 
 std::size_t CountWithoutTrailingEmpties(std::span<const std::string_view> cells) {
   std::size_t count = cells.size();
   while (count > 0 && cells[count - 1].empty()) --count;
   return count;
 }
-
-std::string Encode(std::span<const std::string_view> cells) {
-  const std::size_t count = CountWithoutTrailingEmpties(cells);
-  std::size_t bytes = 0;
-  for (std::size_t i = 0; i < count; ++i) bytes += cells[i].size() + 2;
-  std::string out;
-  out.reserve(bytes);
-  for (std::size_t i = 0; i < count; ++i) AppendCell(out, cells[i]);
-  return out;
-}
-
-class CellCursor {
- public:
-  explicit CellCursor(std::string_view payload) : payload_(payload) {}
-
-  // The next cell's text; false after the last stored cell.
-  bool Next(std::string_view& cell) {
-    if (pos_ >= payload_.size()) return false;
-    std::size_t length = 0;
-    for (int shift = 0; pos_ < payload_.size(); shift += 7) {
-      const auto byte = static_cast<unsigned char>(payload_[pos_++]);
-      length |= static_cast<std::size_t>(byte & 0x7F) << shift;
-      if ((byte & 0x80) == 0) break;
-    }
-    cell = payload_.substr(pos_, length);
-    pos_ += cell.size();
-    return true;
-  }
-  std::size_t Position() const { return pos_; }
-
- private:
-  std::string_view payload_;
-  std::size_t pos_ = 0;
-};
 
 bool PointsInto(const std::string& buffer, std::string_view text) {
   if (text.empty()) return false;
@@ -67,27 +23,17 @@ bool PointsInto(const std::string& buffer, std::string_view text) {
   return lessEqual(buffer.data(), text.data()) && less(text.data(), buffer.data() + buffer.size());
 }
 
-// Below this much unused text a compaction is not worth its copy.
+// Offsets and indexes are 32 bits to keep rows small; a dump that needs more would not fit in memory.
+void CheckOffset(std::size_t value) {
+  if (value > std::numeric_limits<std::uint32_t>::max()) throw std::length_error("report table too large");
+}
+
+// Below this much unused storage a compaction is not worth its copy.
 constexpr std::size_t kCompactionThreshold = std::size_t{1} << 20;
 
 }  // namespace
 
-ReportTable::Row::Row(const Row& other)
-    : offset(other.offset),
-      size(other.size),
-      back(other.back),
-      backSpan(other.backSpan),
-      extras(other.extras ? std::make_unique<std::vector<CellExtra>>(*other.extras) : nullptr) {}
-
-ReportTable::Row& ReportTable::Row::operator=(const Row& other) {
-  if (this != &other) *this = Row(other);
-  return *this;
-}
-
 ReportTable::ReportTable() : rows_(1) {}
-ReportTable::ReportTable(const ReportTable& other) = default;
-ReportTable& ReportTable::operator=(const ReportTable& other) = default;
-ReportTable::~ReportTable() = default;
 
 int ReportTable::Rows() const {
   return static_cast<int>(rows_.size());
@@ -96,11 +42,76 @@ int ReportTable::Cols() const {
   return cols_;
 }
 
+std::size_t ReportTable::CellEnd(const Row& row, std::uint32_t cell) const {
+  const std::uint8_t* ends = ends_.data() + row.ends;
+  switch (row.cells >> kWidthShift) {
+    case 0:
+      return ends[cell];
+    case 1: {
+      std::uint16_t end;
+      std::memcpy(&end, ends + std::size_t{2} * cell, sizeof end);
+      return end;
+    }
+    default: {
+      std::uint32_t end;
+      std::memcpy(&end, ends + std::size_t{4} * cell, sizeof end);
+      return end;
+    }
+  }
+}
+
+std::string_view ReportTable::CellText(const Row& row, std::uint32_t cell) const {
+  const std::size_t begin = cell == 0 ? 0 : CellEnd(row, cell - 1);
+  return std::string_view(text_.data() + row.text + begin, CellEnd(row, cell) - begin);
+}
+
+void ReportTable::Discard(Row& row) {
+  textGarbage_ += RowTextSize(row);
+  endsGarbage_ += EndBytes(row);
+  row.cells = 0;
+  if (row.style) {
+    styles_[row.style - 1] = Style{};
+    freeStyles_.push_back(row.style - 1);
+    row.style = 0;
+  }
+}
+
+ReportTable::Style& ReportTable::EditStyle(Row& row) {
+  if (!row.style) {
+    if (freeStyles_.empty()) {
+      CheckOffset(styles_.size() + 1);
+      styles_.emplace_back();
+      row.style = static_cast<std::uint32_t>(styles_.size());
+    } else {
+      row.style = freeStyles_.back() + 1;
+      freeStyles_.pop_back();
+    }
+  }
+  return styles_[row.style - 1];
+}
+
+void ReportTable::ReleaseIfPlain(Row& row) {
+  if (!row.style) return;
+  Style& style = styles_[row.style - 1];
+  if (style.back != kDefaultBack || !style.extras.empty()) return;
+  style = Style{};
+  freeStyles_.push_back(row.style - 1);
+  row.style = 0;
+}
+
 void ReportTable::SetRows(int rows) {
   rows = std::max(rows, 1);
   if (rows < Rows()) {
     for (auto it = rows_.begin() + rows; it != rows_.end(); ++it) Discard(*it);
     rows_.erase(rows_.begin() + rows, rows_.end());
+    if (rows == 1 && rows_[0].cells == 0 && !rows_[0].style) {
+      // Back to the heading row alone: a new load starts from empty buffers, keeping their room.
+      text_.clear();
+      ends_.clear();
+      styles_.clear();
+      freeStyles_.clear();
+      textGarbage_ = endsGarbage_ = 0;
+    }
     CompactIfWasteful();
   } else {
     rows_.resize(static_cast<std::size_t>(rows));
@@ -111,16 +122,18 @@ void ReportTable::SetCols(int cols) {
   cols = std::max(cols, 1);
   if (cols < cols_) {
     for (Row& row : rows_) {
-      CellCursor cursor(Payload(row));
-      std::string_view cell;
-      for (int i = 0; i < cols && cursor.Next(cell); ++i) {
+      const std::uint32_t count = CellCount(row);
+      if (count > static_cast<std::uint32_t>(cols)) {
+        const std::size_t textBefore = RowTextSize(row);
+        const std::size_t endsBefore = EndBytes(row);
+        row.cells = static_cast<std::uint32_t>(cols) | (row.cells & ~kCountMask);
+        textGarbage_ += textBefore - RowTextSize(row);
+        endsGarbage_ += endsBefore - EndBytes(row);
       }
-      const auto kept = static_cast<std::uint32_t>(cursor.Position());
-      garbage_ += row.size - kept;
-      row.size = kept;
-      row.backSpan = std::min(row.backSpan, cols);
-      if (row.extras) {
-        std::erase_if(*row.extras, [cols](const CellExtra& extra) { return extra.col >= cols; });
+      if (row.style) {
+        Style& style = styles_[row.style - 1];
+        style.backSpan = std::min(style.backSpan, cols);
+        std::erase_if(style.extras, [cols](const CellExtra& extra) { return extra.col >= cols; });
         DropEmptyExtras(row);
       }
     }
@@ -129,26 +142,19 @@ void ReportTable::SetCols(int cols) {
   CompactIfWasteful();
 }
 
-std::string_view ReportTable::Payload(const Row& row) const {
-  return std::string_view(text_).substr(row.offset, row.size);
-}
-
 std::vector<std::string_view> ReportTable::CellsOf(const Row& row) const {
   std::vector<std::string_view> cells;
-  CellCursor cursor(Payload(row));
-  std::string_view cell;
-  while (cursor.Next(cell)) cells.push_back(cell);
+  const std::uint32_t count = CellCount(row);
+  cells.reserve(count);
+  for (std::uint32_t cell = 0; cell < count; ++cell) cells.push_back(CellText(row, cell));
   return cells;
 }
 
 std::string_view ReportTable::Text(int row, int col) const {
   if (!ValidCell(row, col)) return {};
-  CellCursor cursor(Payload(rows_[row]));
-  std::string_view cell;
-  for (int i = 0; i <= col; ++i) {
-    if (!cursor.Next(cell)) return {};
-  }
-  return cell;
+  const Row& target = rows_[row];
+  if (static_cast<std::uint32_t>(col) >= CellCount(target)) return {};
+  return CellText(target, static_cast<std::uint32_t>(col));
 }
 
 void ReportTable::SetText(int row, int col, std::string_view text) {
@@ -157,7 +163,7 @@ void ReportTable::SetText(int row, int col, std::string_view text) {
   std::vector<std::string_view> cells = CellsOf(target);
   if (static_cast<int>(cells.size()) <= col) cells.resize(static_cast<std::size_t>(col) + 1);
   cells[col] = text;
-  StorePayload(target, Encode(cells));
+  StoreRow(target, cells);
   CompactIfWasteful();
 }
 
@@ -165,54 +171,106 @@ void ReportTable::SetRowTexts(int row, std::span<const std::string_view> texts) 
   if (!ValidRow(row)) return;
   texts = texts.first(std::min(texts.size(), static_cast<std::size_t>(cols_)));
   Row& target = rows_[row];
-  const bool aliases = std::any_of(texts.begin(), texts.end(),
-                                   [this](std::string_view text) { return PointsInto(text_, text); });
-  if (target.size == 0 && !aliases) {
-    // The common case of a load: a fresh row, written straight to the end of the buffer.
-    const std::size_t count = CountWithoutTrailingEmpties(texts);
-    const std::size_t start = text_.size();
-    for (std::size_t i = 0; i < count; ++i) AppendCell(text_, texts[i]);
-    if (text_.size() - start > std::numeric_limits<std::uint32_t>::max()) {
-      text_.resize(start);
-      throw std::length_error("report row too long");
-    }
-    target.offset = start;
-    target.size = static_cast<std::uint32_t>(text_.size() - start);
+  if (target.cells == 0) {
+    // The common case of a load: a fresh row, its cells simply stored.
+    StoreRow(target, texts);
     return;
   }
   std::vector<std::string_view> cells = CellsOf(target);
   if (cells.size() < texts.size()) cells.resize(texts.size());
   std::copy(texts.begin(), texts.end(), cells.begin());
-  StorePayload(target, Encode(cells));
+  StoreRow(target, cells);
   CompactIfWasteful();
 }
 
-void ReportTable::StorePayload(Row& row, std::string_view encoded) {
-  if (encoded.size() <= row.size) {
-    std::copy(encoded.begin(), encoded.end(), text_.begin() + static_cast<std::ptrdiff_t>(row.offset));
-    garbage_ += row.size - encoded.size();
-    row.size = static_cast<std::uint32_t>(encoded.size());
+void ReportTable::StoreRow(Row& row, std::span<const std::string_view> cells) {
+  cells = cells.first(CountWithoutTrailingEmpties(cells));
+  if (cells.size() > kCountMask) throw std::length_error("report row too wide");
+  std::size_t bytes = 0;
+  bool aliases = false;
+  for (const std::string_view cell : cells) {
+    bytes += cell.size();
+    aliases = aliases || PointsInto(text_, cell);
+  }
+  std::vector<std::string_view> copies;
+  if (aliases) {
+    // The new texts are (partly) the table's own: copy them out before the buffer is written.
+    scratch_.clear();
+    for (const std::string_view cell : cells) scratch_.append(cell);
+    copies.reserve(cells.size());
+    std::size_t at = 0;
+    for (const std::string_view cell : cells) {
+      copies.emplace_back(scratch_.data() + at, cell.size());
+      at += cell.size();
+    }
+    cells = copies;
+  }
+  CheckOffset(bytes);
+  const int widthCode = bytes <= 0xFF ? 0 : bytes <= 0xFFFF ? 1 : 2;
+  const std::size_t endBytes = cells.size() << widthCode;
+  const std::size_t oldText = RowTextSize(row);
+  const std::size_t oldEnds = EndBytes(row);
+  if (CellCount(row) != 0 && bytes <= oldText && endBytes <= oldEnds) {
+    textGarbage_ += oldText - bytes;
+    endsGarbage_ += oldEnds - endBytes;
+    WriteRow(row, row.text, row.ends, cells, widthCode);
     return;
   }
-  if (encoded.size() > std::numeric_limits<std::uint32_t>::max())
-    throw std::length_error("report row too long");
-  garbage_ += row.size;
-  row.offset = text_.size();
-  row.size = static_cast<std::uint32_t>(encoded.size());
-  text_.append(encoded);
+  textGarbage_ += oldText;
+  endsGarbage_ += oldEnds;
+  CheckOffset(text_.size() + bytes);
+  CheckOffset(ends_.size() + endBytes);
+  const std::size_t textAt = text_.size();
+  const std::size_t endsAt = ends_.size();
+  text_.resize(textAt + bytes);
+  ends_.resize(endsAt + endBytes);
+  WriteRow(row, textAt, endsAt, cells, widthCode);
+}
+
+void ReportTable::WriteRow(Row& row, std::size_t textAt, std::size_t endsAt,
+                           std::span<const std::string_view> cells, int widthCode) {
+  char* text = text_.data() + textAt;
+  std::uint8_t* ends = ends_.data() + endsAt;
+  std::uint32_t end = 0;
+  for (const std::string_view cell : cells) {
+    if (!cell.empty()) std::memcpy(text + end, cell.data(), cell.size());
+    end += static_cast<std::uint32_t>(cell.size());
+    if (widthCode == 0) {
+      *ends++ = static_cast<std::uint8_t>(end);
+    } else if (widthCode == 1) {
+      const auto narrow = static_cast<std::uint16_t>(end);
+      std::memcpy(ends, &narrow, sizeof narrow);
+      ends += sizeof narrow;
+    } else {
+      std::memcpy(ends, &end, sizeof end);
+      ends += sizeof end;
+    }
+  }
+  row.text = static_cast<std::uint32_t>(textAt);
+  row.ends = static_cast<std::uint32_t>(endsAt);
+  row.cells =
+      static_cast<std::uint32_t>(cells.size()) | (static_cast<std::uint32_t>(widthCode) << kWidthShift);
 }
 
 void ReportTable::CompactIfWasteful() {
-  if (garbage_ < kCompactionThreshold || garbage_ < text_.size() / 2) return;
-  std::string compacted;
-  compacted.reserve(text_.size() - garbage_);
+  const bool textWasteful = textGarbage_ >= kCompactionThreshold && textGarbage_ >= text_.size() / 2;
+  const bool endsWasteful = endsGarbage_ >= kCompactionThreshold && endsGarbage_ >= ends_.size() / 2;
+  if (!textWasteful && !endsWasteful) return;
+  std::string text;
+  std::vector<std::uint8_t> ends;
+  text.reserve(text_.size() - textGarbage_);
+  ends.reserve(ends_.size() - endsGarbage_);
   for (Row& row : rows_) {
-    const std::string_view payload = Payload(row);
-    row.offset = compacted.size();
-    compacted.append(payload);
+    const std::size_t textAt = text.size();
+    const std::size_t endsAt = ends.size();
+    text.append(text_, row.text, RowTextSize(row));
+    ends.insert(ends.end(), ends_.begin() + row.ends, ends_.begin() + row.ends + EndBytes(row));
+    row.text = static_cast<std::uint32_t>(textAt);
+    row.ends = static_cast<std::uint32_t>(endsAt);
   }
-  text_.swap(compacted);
-  garbage_ = 0;
+  text_.swap(text);
+  ends_.swap(ends);
+  textGarbage_ = endsGarbage_ = 0;
 }
 
 std::vector<std::string_view> ReportTable::RowTexts(int row) const {
@@ -224,25 +282,22 @@ std::vector<std::string_view> ReportTable::RowTexts(int row) const {
 
 bool ReportTable::IsRowBlank(int row) const {
   if (!ValidRow(row)) return true;
-  CellCursor cursor(Payload(rows_[row]));
-  std::string_view cell;
-  while (cursor.Next(cell)) {
-    if (cell.find_first_not_of(' ') != std::string_view::npos) return false;
-  }
-  return true;
+  const Row& target = rows_[row];
+  const std::string_view text = std::string_view(text_).substr(target.text, RowTextSize(target));
+  return text.find_first_not_of(' ') == std::string_view::npos;
 }
 
 const ReportTable::CellExtra* ReportTable::FindExtra(const Row& row, int col) const {
-  if (!row.extras) return nullptr;
-  for (const CellExtra& extra : *row.extras) {
+  const Style* style = StyleOf(row);
+  if (!style) return nullptr;
+  for (const CellExtra& extra : style->extras) {
     if (extra.col == col) return &extra;
   }
   return nullptr;
 }
 
 ReportTable::CellExtra& ReportTable::EditExtra(Row& row, int col) {
-  if (!row.extras) row.extras = std::make_unique<std::vector<CellExtra>>();
-  auto& extras = *row.extras;
+  auto& extras = EditStyle(row).extras;
   auto it = std::lower_bound(extras.begin(), extras.end(), col,
                              [](const CellExtra& extra, int c) { return extra.col < c; });
   if (it == extras.end() || it->col != col) {
@@ -254,18 +309,21 @@ ReportTable::CellExtra& ReportTable::EditExtra(Row& row, int col) {
 }
 
 void ReportTable::DropEmptyExtras(Row& row) {
-  if (!row.extras) return;
-  std::erase_if(*row.extras, [](const CellExtra& extra) {
+  if (!row.style) return;
+  std::erase_if(styles_[row.style - 1].extras, [](const CellExtra& extra) {
     return !extra.hasColour && extra.picture == CellPicture::kNone && extra.checked < 0;
   });
-  if (row.extras->empty()) row.extras.reset();
+  ReleaseIfPlain(row);
 }
 
 Colour ReportTable::BackColour(int row, int col) const {
   if (!ValidCell(row, col)) return kDefaultBack;
-  const Row& target = rows_[row];
-  if (const CellExtra* extra = FindExtra(target, col); extra && extra->hasColour) return extra->colour;
-  return col < target.backSpan ? target.back : kDefaultBack;
+  const Style* style = StyleOf(rows_[row]);
+  if (!style) return kDefaultBack;
+  for (const CellExtra& extra : style->extras) {
+    if (extra.col == col && extra.hasColour) return extra.colour;
+  }
+  return col < style->backSpan ? style->back : kDefaultBack;
 }
 
 void ReportTable::SetBackColour(int row, int col, Colour colour) {
@@ -278,26 +336,30 @@ void ReportTable::SetRowBackColour(int row, int firstCol, int lastCol, Colour co
   lastCol = std::min(lastCol, cols_ - 1);
   if (firstCol > lastCol) return;
   Row& target = rows_[row];
-  if (firstCol == 0 && lastCol + 1 >= target.backSpan) {
+  // A plain row painted the default colour stays as it is: the common case of a load.
+  if (!target.style && colour == kDefaultBack) return;
+  // A run of the default colour has no length that matters: such a row keeps none.
+  const std::int32_t backSpan = target.style ? styles_[target.style - 1].backSpan : 0;
+  if (firstCol == 0 && lastCol + 1 >= backSpan) {
     // The whole coloured run is repainted: one colour for the row, no exceptions up to lastCol.
-    target.back = colour;
-    target.backSpan = lastCol + 1;
-    if (target.extras) {
-      for (CellExtra& extra : *target.extras) {
-        if (extra.col <= lastCol) extra.hasColour = false;
-      }
-      DropEmptyExtras(target);
+    Style& style = EditStyle(target);
+    style.back = colour;
+    style.backSpan = colour == kDefaultBack ? 0 : lastCol + 1;
+    for (CellExtra& extra : style.extras) {
+      if (extra.col <= lastCol) extra.hasColour = false;
     }
+    DropEmptyExtras(target);
     return;
   }
   for (int col = firstCol; col <= lastCol; ++col) {
-    const Colour runColour = col < target.backSpan ? target.back : kDefaultBack;
+    const Style* style = StyleOf(target);
+    const Colour runColour = style && col < style->backSpan ? style->back : kDefaultBack;
     if (colour != runColour) {
       CellExtra& extra = EditExtra(target, col);
       extra.colour = colour;
       extra.hasColour = true;
-    } else if (target.extras) {
-      for (CellExtra& extra : *target.extras) {
+    } else if (target.style) {
+      for (CellExtra& extra : styles_[target.style - 1].extras) {
         if (extra.col == col) extra.hasColour = false;
       }
     }
@@ -306,13 +368,16 @@ void ReportTable::SetRowBackColour(int row, int firstCol, int lastCol, Colour co
 }
 
 void ReportTable::AssignColours(Row& row, const std::vector<Colour>& colours) {
-  if (row.extras) {
-    for (CellExtra& extra : *row.extras) extra.hasColour = false;
+  const Colour back = colours.empty() ? kDefaultBack : colours[0];
+  std::int32_t backSpan = 0;
+  while (backSpan < static_cast<int>(colours.size()) && colours[backSpan] == back) ++backSpan;
+  if (row.style || back != kDefaultBack) {
+    Style& style = EditStyle(row);
+    for (CellExtra& extra : style.extras) extra.hasColour = false;
+    style.back = back;
+    style.backSpan = back == kDefaultBack ? 0 : backSpan;
   }
-  row.back = colours.empty() ? kDefaultBack : colours[0];
-  row.backSpan = 0;
-  while (row.backSpan < static_cast<int>(colours.size()) && colours[row.backSpan] == row.back) ++row.backSpan;
-  for (int col = row.backSpan; col < static_cast<int>(colours.size()); ++col) {
+  for (int col = backSpan; col < static_cast<int>(colours.size()); ++col) {
     if (colours[col] != kDefaultBack) {
       CellExtra& extra = EditExtra(row, col);
       extra.colour = colours[col];
@@ -368,7 +433,7 @@ void ReportTable::RemoveRowsIf(const std::function<bool(int row)>& shouldRemove)
     if (remove[row]) {
       Discard(rows_[row]);
     } else {
-      if (kept != row) rows_[kept] = std::move(rows_[row]);
+      if (kept != row) rows_[kept] = rows_[row];
       ++kept;
     }
   }
@@ -400,11 +465,12 @@ void ReportTable::MoveColumn(int from, int to) {
     std::vector<std::string_view> cells = CellsOf(row);
     cells.resize(static_cast<std::size_t>(cols_));
     rotate(cells);
-    StorePayload(row, Encode(cells));
+    StoreRow(row, cells);
 
-    if (row.extras) {
-      for (CellExtra& extra : *row.extras) extra.col = newPosition(extra.col);
-      std::sort(row.extras->begin(), row.extras->end(),
+    if (row.style) {
+      auto& extras = styles_[row.style - 1].extras;
+      for (CellExtra& extra : extras) extra.col = newPosition(extra.col);
+      std::sort(extras.begin(), extras.end(),
                 [](const CellExtra& a, const CellExtra& b) { return a.col < b.col; });
     }
     AssignColours(row, colours);
@@ -419,9 +485,13 @@ RowClass ReportTable::ClassOf(int row) const {
   return RowClass::kOrdinary;
 }
 
-void ReportTable::Reserve(int rows, std::size_t textBytes) {
+void ReportTable::Reserve(int rows, std::size_t textBytes, std::size_t cells) {
   if (rows > Rows()) rows_.reserve(static_cast<std::size_t>(rows));
   text_.reserve(text_.size() + textBytes);
+  ends_.reserve(ends_.size() + cells);
+  base::AdviseLargePages(rows_.data(), rows_.capacity() * sizeof(Row));
+  base::AdviseLargePages(text_.data(), text_.capacity());
+  base::AdviseLargePages(ends_.data(), ends_.capacity());
 }
 
 }  // namespace sw::report

@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -34,11 +33,6 @@ class ReportTable {
  public:
   // One column and only the heading row.
   ReportTable();
-  ReportTable(const ReportTable& other);
-  ReportTable& operator=(const ReportTable& other);
-  ReportTable(ReportTable&&) noexcept = default;
-  ReportTable& operator=(ReportTable&&) noexcept = default;
-  ~ReportTable();
 
   int Rows() const;
   int Cols() const;
@@ -90,9 +84,9 @@ class ReportTable {
   // each report row once, from the last row up to row 1, with the numbering before any removal.
   void RemoveRowsIf(const std::function<bool(int row)>& shouldRemove);
 
-  // Room for `rows` rows in all and `textBytes` more bytes of stored text, so that a large dump is
-  // stored without the storage growing (and briefly existing twice) on the way.
-  void Reserve(int rows, std::size_t textBytes);
+  // Room for `rows` rows in all, `textBytes` more bytes of stored text and `cells` more stored cells,
+  // so that a large dump is stored without the storage growing (and briefly existing twice) on the way.
+  void Reserve(int rows, std::size_t textBytes, std::size_t cells = 0);
 
  private:
   // A cell that differs from its row's plain form: its own colour, a picture or a check state.
@@ -103,28 +97,50 @@ class ReportTable {
     CellPicture picture = CellPicture::kNone;
     std::int8_t checked = -1;  // -1: no check box
   };
-  struct Row {
-    Row() = default;
-    Row(const Row& other);
-    Row& operator=(const Row& other);
-    Row(Row&&) noexcept = default;
-    Row& operator=(Row&&) noexcept = default;
-
-    std::size_t offset = 0;  // the row's cells, packed, in text_
-    std::uint32_t size = 0;
+  // What only some rows have: a background colour other than the default, or cells of their own.
+  struct Style {
     Colour back = kDefaultBack;  // colour of columns 0 .. backSpan-1; later columns are default
     std::int32_t backSpan = 0;
-    std::unique_ptr<std::vector<CellExtra>> extras;  // sorted by column; null when there are none
+    std::vector<CellExtra> extras;  // sorted by column
   };
+  // The grid reads any cell in constant time, and a large dump takes little more room than its file:
+  // a row's cells lie back to back in text_, and their end offsets, counted from the row's first
+  // byte, in ends_ as 1, 2 or 4 bytes each (the narrowest that holds the row's text length). Trailing
+  // empty cells are not stored. 16 bytes a row; a plain row has no Style.
+  struct Row {
+    std::uint32_t text = 0;   // the row's first byte in text_
+    std::uint32_t ends = 0;   // the row's first cell end in ends_
+    std::uint32_t cells = 0;  // stored cells, with the width of an end in the top two bits
+    std::uint32_t style = 0;  // 1 + the row's index in styles_; 0 for a plain row
+  };
+  static constexpr int kWidthShift = 30;
+  static constexpr std::uint32_t kCountMask = (std::uint32_t{1} << kWidthShift) - 1;
+
+  static std::uint32_t CellCount(const Row& row) { return row.cells & kCountMask; }
+  static std::size_t EndBytes(const Row& row) {
+    return std::size_t{CellCount(row)} << (row.cells >> kWidthShift);
+  }
+  std::size_t CellEnd(const Row& row, std::uint32_t cell) const;
+  std::size_t RowTextSize(const Row& row) const {
+    return CellCount(row) ? CellEnd(row, CellCount(row) - 1) : 0;
+  }
+  std::string_view CellText(const Row& row, std::uint32_t cell) const;
 
   bool ValidRow(int row) const { return row >= 0 && row < Rows(); }
   bool ValidCell(int row, int col) const { return ValidRow(row) && col >= 0 && col < cols_; }
-  std::string_view Payload(const Row& row) const;
   std::vector<std::string_view> CellsOf(const Row& row) const;
-  // Stores an encoded payload for `row`: in place when it fits, else at the end of text_.
-  void StorePayload(Row& row, std::string_view encoded);
-  void Discard(const Row& row) { garbage_ += row.size; }
+  // Stores `cells` (trailing empties dropped) as the row's cells: in place when they fit, else at the
+  // ends of the buffers. The views may point into the table's own text.
+  void StoreRow(Row& row, std::span<const std::string_view> cells);
+  void WriteRow(Row& row, std::size_t textAt, std::size_t endsAt, std::span<const std::string_view> cells,
+                int widthCode);
+  void Discard(Row& row);
   void CompactIfWasteful();
+
+  const Style* StyleOf(const Row& row) const { return row.style ? &styles_[row.style - 1] : nullptr; }
+  Style& EditStyle(Row& row);
+  // Lets a row that is plain again give its style back.
+  void ReleaseIfPlain(Row& row);
   const CellExtra* FindExtra(const Row& row, int col) const;
   CellExtra& EditExtra(Row& row, int col);
   void DropEmptyExtras(Row& row);
@@ -133,8 +149,13 @@ class ReportTable {
 
   std::vector<Row> rows_;
   int cols_ = 1;
-  std::string text_;         // every row's packed cells, back to back
-  std::size_t garbage_ = 0;  // bytes of text_ no row refers to any more
+  std::string text_;                // every row's cells, back to back
+  std::vector<std::uint8_t> ends_;  // every row's cell ends, back to back
+  std::size_t textGarbage_ = 0;     // bytes of text_ no row refers to any more
+  std::size_t endsGarbage_ = 0;     // bytes of ends_ no row refers to any more
+  std::vector<Style> styles_;
+  std::vector<std::uint32_t> freeStyles_;  // slots of styles_ no row uses
+  std::string scratch_;                    // a row's texts while they are rewritten from the table's own text
 };
 
 }  // namespace sw::report

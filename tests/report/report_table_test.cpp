@@ -47,6 +47,35 @@ TEST(ReportTable, CellTextsOfAnyLengthSurviveRewrites) {
   EXPECT_EQ(table.Text(2, 0), longText + "z");
 }
 
+TEST(ReportTable, RowsGrowingPastAndShrinkingBelowLongRowLengthsKeepEveryCell) {
+  ReportTable table;
+  table.SetCols(5);
+  table.SetRows(2);
+  const std::string huge(70000, 'h');
+  const std::string middle(300, 'm');
+  const std::string_view cells[] = {"a", middle, "", huge, "e"};
+  table.SetRowTexts(1, cells);
+  EXPECT_EQ(table.Text(1, 0), "a");
+  EXPECT_EQ(table.Text(1, 1), middle);
+  EXPECT_EQ(table.Text(1, 2), "");
+  EXPECT_EQ(table.Text(1, 3), huge);
+  EXPECT_EQ(table.Text(1, 4), "e");
+  table.SetText(1, 3, "kort");
+  EXPECT_EQ(table.Text(1, 3), "kort");
+  EXPECT_EQ(table.Text(1, 4), "e");
+  table.SetText(1, 1, "m");
+  EXPECT_EQ(table.Text(1, 1), "m");
+  EXPECT_EQ(table.Text(1, 4), "e");
+  table.MoveColumn(4, 0);
+  EXPECT_EQ(table.Text(1, 0), "e");
+  EXPECT_EQ(table.Text(1, 4), "kort");
+  table.SetText(1, 2, huge);
+  table.SetCols(3);
+  EXPECT_EQ(table.Text(1, 2), huge);
+  EXPECT_EQ(table.RowTexts(1).size(), 3U);
+  EXPECT_FALSE(table.IsRowBlank(1));
+}
+
 TEST(ReportTable, ManyRewritesAndRemovalsKeepEveryText) {
   ReportTable table;
   table.SetCols(2);

@@ -217,7 +217,7 @@ std::string Package::ToZip() {
   for (const auto& part : parts_) {
     if (part.get() != types) add(*part);
   }
-  return WriteZipArchive(sources);
+  return WriteZipArchive(sources, &lastZip_);
 }
 
 }  // namespace sw::excel

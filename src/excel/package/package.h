@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "excel/package/package_error.h"
+#include "excel/package/zip_archive.h"
 
 namespace sw::excel {
 
@@ -41,6 +42,7 @@ class Package {
   std::string FreeName(std::string_view prefix, std::string_view suffix, int from = 1) const;
 
   // The whole package as a zip archive: [Content_Types].xml first, the other parts in their order.
+  // Parts unchanged since the previous call keep their compressed form from then.
   std::string ToZip();
 
   const PackageLimits& limits() const { return limits_; }
@@ -60,6 +62,7 @@ class Package {
   bool overridesIndexed_ = false;
   mutable std::unordered_map<std::string, int> nextFree_;  // FreeName's next candidate per pattern
   PackageLimits limits_;
+  ZipReuse lastZip_;
 };
 
 // Parses `bytes` with the settings every part uses; throws PackageError naming `partName`.

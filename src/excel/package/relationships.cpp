@@ -1,6 +1,9 @@
 #include "excel/package/relationships.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <string>
 
 namespace sw::excel {
 
@@ -87,6 +90,22 @@ std::vector<Relationship> ReadRelationships(Package& package, std::string_view s
   return relationships;
 }
 
+namespace {
+
+// The number of an "rId" as atoi reads it. A workbook of thousands of pages has as many relationships,
+// all looked through for each new page: plain digits are read without a copy.
+int IdNumber(std::string_view digits) {
+  int number = 0;
+  if (digits.size() <= 9 &&
+      std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; })) {
+    std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return number;
+  }
+  return std::atoi(std::string(digits).c_str());
+}
+
+}  // namespace
+
 std::string AddRelationship(Package& package, std::string_view sourcePart, std::string_view type,
                             std::string_view targetPart) {
   const std::string rels = RelsPartName(sourcePart);
@@ -103,8 +122,7 @@ std::string AddRelationship(Package& package, std::string_view sourcePart, std::
   int highest = 0;
   for (const auto node : root.children("Relationship")) {
     const std::string_view id = node.attribute("Id").value();
-    if (id.size() > 3 && id.substr(0, 3) == "rId")
-      highest = std::max(highest, std::atoi(std::string(id.substr(3)).c_str()));
+    if (id.size() > 3 && id.substr(0, 3) == "rId") highest = std::max(highest, IdNumber(id.substr(3)));
   }
   std::string id = "rId" + std::to_string(highest + 1);
   auto node = root.append_child("Relationship");

@@ -5,6 +5,7 @@
 #include <ctime>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 namespace sw::excel {
 
@@ -153,7 +154,29 @@ std::vector<ZipEntry> ReadZipArchive(std::string_view archive, const PackageLimi
   return entries;
 }
 
-std::string WriteZipArchive(const std::vector<ZipSource>& entries) {
+namespace {
+
+// The archive a ZipReuse describes, open for copying parts out of; null when there is none.
+ArchivePtr OpenPrevious(const std::string& archive) {
+  if (archive.empty()) return nullptr;
+  zip_error_t error;
+  zip_error_init(&error);
+  zip_source_t* source = zip_source_buffer_create(archive.data(), archive.size(), 0, &error);
+  zip_error_fini(&error);
+  if (source == nullptr) return nullptr;
+  zip_error_init(&error);
+  ArchivePtr previous(zip_open_from_source(source, ZIP_RDONLY, &error));
+  zip_error_fini(&error);
+  if (!previous) zip_source_free(source);
+  return previous;
+}
+
+}  // namespace
+
+std::string WriteZipArchive(const std::vector<ZipSource>& entries, ZipReuse* reuse) {
+  // Any failure to reuse only costs compressing the part again.
+  ArchivePtr previous = reuse != nullptr ? OpenPrevious(reuse->archive_) : nullptr;
+  std::unordered_map<std::string, ZipReuse::Written> written;
   zip_error_t error;
   zip_error_init(&error);
   zip_source_t* buffer = zip_source_buffer_create(nullptr, 0, 0, &error);
@@ -168,13 +191,31 @@ std::string WriteZipArchive(const std::vector<ZipSource>& entries) {
   }
   zip_error_fini(&error);
 
-  std::tm stamp{};
-  stamp.tm_year = 80;
-  stamp.tm_mday = 1;
-  stamp.tm_isdst = -1;
-  const std::time_t fixedTime = std::mktime(&stamp);
+  // Once a run: mktime reads the time-zone rules each time, which a save per page would repeat.
+  static const std::time_t fixedTime = [] {
+    std::tm stamp{};
+    stamp.tm_year = 80;
+    stamp.tm_mday = 1;
+    stamp.tm_isdst = -1;
+    return std::mktime(&stamp);
+  }();
   for (const auto& entry : entries) {
-    zip_source_t* data = zip_source_buffer(zip.get(), entry.bytes.data(), entry.bytes.size(), 0);
+    zip_source_t* data = nullptr;
+    if (reuse != nullptr) {
+      const std::string name(entry.name);
+      const ZipReuse::Written part{entry.bytes.size(), std::hash<std::string_view>{}(entry.bytes)};
+      if (previous) {
+        const auto before = reuse->parts_.find(name);
+        const zip_int64_t at = zip_name_locate(previous.get(), name.c_str(), ZIP_FL_ENC_UTF_8);
+        if (before != reuse->parts_.end() && before->second.size == part.size &&
+            before->second.hash == part.hash && at >= 0) {
+          // The whole entry: libzip then copies its compressed bytes as they are.
+          data = zip_source_zip(zip.get(), previous.get(), static_cast<zip_uint64_t>(at), 0, 0, -1);
+        }
+      }
+      written[name] = part;
+    }
+    if (data == nullptr) data = zip_source_buffer(zip.get(), entry.bytes.data(), entry.bytes.size(), 0);
     if (data == nullptr) NotWritten(ZipErrorText(zip.get()));
     const zip_int64_t index =
         zip_file_add(zip.get(), std::string(entry.name).c_str(), data, ZIP_FL_ENC_UTF_8 | ZIP_FL_OVERWRITE);
@@ -193,6 +234,7 @@ std::string WriteZipArchive(const std::vector<ZipSource>& entries) {
   }
   if (zip_close(zip.get()) != 0) NotWritten(ZipErrorText(zip.get()));
   (void)zip.release();
+  previous.reset();
 
   zip_stat_t stat;
   if (zip_source_stat(buffer, &stat) != 0 || zip_source_open(buffer) != 0) {
@@ -203,6 +245,10 @@ std::string WriteZipArchive(const std::vector<ZipSource>& entries) {
   const bool closed = zip_source_close(buffer) == 0;
   if (!closed || got < 0 || static_cast<std::size_t>(got) != bytes.size())
     throw PackageError("Kan inte skriva arbetsboken.");
+  if (reuse != nullptr) {
+    reuse->archive_ = bytes;
+    reuse->parts_ = std::move(written);
+  }
   return bytes;
 }
 
