@@ -19,6 +19,10 @@ class ProcessLauncher {
   virtual bool EditTextFile(std::string_view windowsPath) = 0;
   // Opens `windowsPath` with the application the system associates with it.
   virtual bool OpenWithDefaultApplication(std::string_view windowsPath) = 0;
+  // Runs `commandLine` (program and arguments as Windows takes them, split at blanks elsewhere) in a
+  // minimised window and waits until it has ended: the one case where the program needs the result
+  // in place before it goes on. False when it could not be started or did not end with status 0.
+  virtual bool RunMinimisedAndWait(std::string_view commandLine) = 0;
 };
 
 // The launcher of this platform.

@@ -9,6 +9,12 @@ namespace sw::testing {
 
 StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepare) {
   if (prepare) prepare(install);
+  Reopen();
+}
+
+void StartedWindow::Reopen() {
+  if (window && window->isVisible()) window->close();
+  window.reset();
   window = std::make_unique<gui::MainWindow>(
       gui::MainWindowServices{.registry = install.registry,
                               .settings = settings,

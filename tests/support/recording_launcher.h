@@ -12,6 +12,8 @@ class RecordingLauncher final : public base::ProcessLauncher {
  public:
   std::vector<std::string> edited;
   std::vector<std::string> opened;
+  std::vector<std::string> waitedFor;  // command lines run minimised and waited for
+  bool runSucceeds = true;
   bool EditTextFile(std::string_view path) override {
     edited.emplace_back(path);
     return true;
@@ -19,6 +21,10 @@ class RecordingLauncher final : public base::ProcessLauncher {
   bool OpenWithDefaultApplication(std::string_view path) override {
     opened.emplace_back(path);
     return true;
+  }
+  bool RunMinimisedAndWait(std::string_view commandLine) override {
+    waitedFor.emplace_back(commandLine);
+    return runSucceeds;
   }
 };
 
