@@ -455,10 +455,13 @@ void CommandBarsTest::commandsWithoutActionsOrFailingOnesLeaveTheWindowWorking()
   StartedWindow started;
   auto& dispatcher = started.window->Dispatcher();
   const int rows = Rows(started);
-  for (int id : {302, 303, 304, 307, 601, 901, 902, 12345}) {
+  // Commands on the menus or keys whose actions come later, and an id nothing uses, do nothing.
+  for (int id : {302, 303, 304, 307, 601, 901, 902}) {
+    Command(started, id)->trigger();
     QVERIFY(!dispatcher.Dispatch(id));
-    Command(started, id == 12345 ? 401 : id);  // every listed command has its action object
   }
+  QVERIFY(!dispatcher.Dispatch(12345));
+  QCOMPARE(Rows(started), rows);
   QVERIFY(started.install.dialogs.messages.empty());
   dispatcher.On(303, [] { throw std::runtime_error("the workbook is gone"); });
   Command(started, 303)->trigger();
