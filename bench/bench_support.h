@@ -5,13 +5,13 @@
 #include <string>
 #include <string_view>
 
-#include "app/settings.h"
 #include "base/dialogs.h"
+#include "settings/settings.h"
 
 namespace sw::bench {
 
 // Every setting reads as its default; nothing is stored.
-class DefaultSettings final : public app::Settings {
+class DefaultSettings final : public settings::Settings {
  public:
   std::string GetAppSetting(std::string_view, std::string_view defaultValue, std::string_view,
                             std::string_view) override {

@@ -19,8 +19,8 @@
 #include "bench_support.h"
 #include "generate/generate_workbook.h"
 #include "report/preview_loader.h"
-#include "template/field_panel.h"
-#include "template/template_ini.h"
+#include "templates/field_panel.h"
+#include "templates/template_ini.h"
 
 namespace {
 
@@ -91,22 +91,22 @@ void BM_GenerateFlow(benchmark::State& state) {
     sw::bench::DefaultSettings settings;
     NoLauncher launcher;
     sw::report::ReportTable table;
-    sw::templ::TemplateDefinition definition;
-    sw::templ::FieldPanel fields;
-    sw::templ::FindIniForTemplate(folder, "yttre_forbindningstabell.xlsx", definition, fields, table,
-                                  dialogs);
+    sw::templates::TemplateDefinition definition;
+    sw::templates::FieldPanel fields;
+    sw::templates::FindIniForTemplate(folder, "yttre_forbindningstabell.xlsx", definition, fields, table,
+                                      dialogs);
     sw::report::PreviewVoltDump(
         table, sw::report::PreviewContext{
                    .dumpPath = space.dump.string(), .settings = settings, .dialogs = dialogs});
-    sw::gen::MessageSingleSheetWarning warning(dialogs);
-    sw::gen::GenerationServices services{settings, dialogs, warning, launcher, {}, {}, {}, {}};
+    sw::generate::MessageSingleSheetWarning warning(dialogs);
+    sw::generate::GenerationServices services{settings, dialogs, warning, launcher, {}, {}, {}, {}};
     std::vector<std::string> texts;
     for (const auto& entry : fields.entries) texts.push_back(entry.text);
-    sw::gen::GenerationInputs inputs{
+    sw::generate::GenerationInputs inputs{
         table, "1", folder, "yttre_forbindningstabell.xlsx", space.dump.string(), folder, std::move(texts),
         false, {}};
-    sw::gen::GenerationState generation;
-    const auto outcome = sw::gen::GenerateWorkbook(inputs, definition, generation, services);
+    sw::generate::GenerationState generation;
+    const auto outcome = sw::generate::GenerateWorkbook(inputs, definition, generation, services);
     if (!outcome.completed || dialogs.messages != 0) state.SkipWithError("the generation ended on a message");
     pages = generation.sheetNumber;
   }

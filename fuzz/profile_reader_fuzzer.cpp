@@ -5,15 +5,15 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "template/profile_file.h"
+#include "templates/profile_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   // The first byte picks small buffers now and then, so the cutting paths are reached.
-  const std::size_t sectionBuffer = size > 0 && data[0] < 64 ? data[0] : sw::templ::kSectionBufferSize;
-  const std::size_t valueBuffer = size > 1 && data[1] < 64 ? data[1] : sw::templ::kValueBufferSize;
+  const std::size_t sectionBuffer = size > 0 && data[0] < 64 ? data[0] : sw::templates::kSectionBufferSize;
+  const std::size_t valueBuffer = size > 1 && data[1] < 64 ? data[1] : sw::templates::kValueBufferSize;
 
-  const auto profile = sw::templ::ProfileText::Parse(bytes);
+  const auto profile = sw::templates::ProfileText::Parse(bytes);
   for (const char* section : {"Common", "Sheet", "Tabs", "CURREPORT", ""}) {
     const auto result = profile.Section(section, sectionBuffer);
     for (const auto& line : result.lines) {

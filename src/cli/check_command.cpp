@@ -8,9 +8,9 @@
 #include "cli/template_path.h"
 #include "cli/template_workbook_check.h"
 #include "report/report_table.h"
-#include "template/field_panel.h"
-#include "template/template_definition.h"
-#include "template/template_ini.h"
+#include "templates/field_panel.h"
+#include "templates/template_definition.h"
+#include "templates/template_ini.h"
 
 namespace sw::cli {
 
@@ -23,8 +23,8 @@ void AddCheckCommand(CLI::App& app, CheckOptions& options) {
 
 namespace {
 
-void WriteTemplateSummary(std::ostream& out, const templ::TemplateDefinition& definition,
-                          const templ::FieldPanel& fields) {
+void WriteTemplateSummary(std::ostream& out, const templates::TemplateDefinition& definition,
+                          const templates::FieldPanel& fields) {
   out << "ini: " << definition.IniPath << '\n';
   out << "common sheet: " << definition.CommonSheetName << '\n';
   out << "page sheet: " << definition.TemplateSheetName << '\n';
@@ -36,7 +36,7 @@ void WriteTemplateSummary(std::ostream& out, const templ::TemplateDefinition& de
   }
   int written = 0;
   for (auto column : definition.DataColumns) {
-    if (column != templ::kFieldNotWritten) ++written;
+    if (column != templates::kFieldNotWritten) ++written;
   }
   out << "columns: " << written << " of " << definition.DataColumns.size() << " report fields written\n";
   int common = 0;
@@ -53,8 +53,8 @@ void WriteTemplateSummary(std::ostream& out, const templ::TemplateDefinition& de
 
 int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) {
   ConsoleDialogs dialogs(err, /*answerYes=*/false);
-  templ::TemplateDefinition definition;
-  templ::FieldPanel fields;
+  templates::TemplateDefinition definition;
+  templates::FieldPanel fields;
   report::ReportTable preview;
   const TemplateLocation location = SplitTemplatePath(options.workbook);
   // Pairing goes by name alone; generation also needs the workbook itself.
@@ -63,9 +63,9 @@ int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) 
                          base::MessageButtons::kOk});
     return 1;
   }
-  if (!templ::FindIniForTemplate(location.folder, location.file, definition, fields, preview, dialogs))
+  if (!templates::FindIniForTemplate(location.folder, location.file, definition, fields, preview, dialogs))
     return 1;
-  const auto validation = templ::ValidateTemplateIni(definition.IniPath, definition, dialogs);
+  const auto validation = templates::ValidateTemplateIni(definition.IniPath, definition, dialogs);
   if (!validation.Accepted() || definition.IniError) return 1;
   WarnAboutPageLayout(definition, err);
   if (!OpenTemplateAsGenerationWould(options.workbook, definition, dialogs)) return 1;

@@ -10,14 +10,15 @@ std::string ProgramFolderText() {
   return std::string(folder.begin(), folder.end());
 }
 
-app::OverlaySettings::Writes WritesOf(const CliSessionOptions& options) {
-  return options.readOnly ? app::OverlaySettings::Writes::kDropped : app::OverlaySettings::Writes::kPassed;
+settings::OverlaySettings::Writes WritesOf(const CliSessionOptions& options) {
+  return options.readOnly ? settings::OverlaySettings::Writes::kDropped
+                          : settings::OverlaySettings::Writes::kPassed;
 }
 
 }  // namespace
 
 CliSession::CliSession(std::ostream& err, CliSessionOptions options, cadenv::Registry& registry,
-                       app::Settings& stored, const base::Environment& environment)
+                       settings::Settings& stored, const base::Environment& environment)
     : overlay_(stored, WritesOf(options)),
       dialogs_(err, options.answerYes),
       launcher_(base::CreateSystemProcessLauncher()),

@@ -4,14 +4,14 @@
 #include <iosfwd>
 #include <memory>
 
-#include "app/overlay_settings.h"
-#include "app/settings.h"
-#include "app/start_log.h"
 #include "base/environment.h"
 #include "base/process_launcher.h"
 #include "cadenv/registry.h"
 #include "cli/console_dialogs.h"
 #include "session/session.h"
+#include "settings/overlay_settings.h"
+#include "settings/settings.h"
+#include "settings/start_log.h"
 
 namespace sw::cli {
 
@@ -24,19 +24,19 @@ struct CliSessionOptions {
 class CliSession {
  public:
   // Over the user's settings store as the command opened it.
-  CliSession(std::ostream& err, CliSessionOptions options, cadenv::Registry& registry, app::Settings& stored,
-             const base::Environment& environment);
+  CliSession(std::ostream& err, CliSessionOptions options, cadenv::Registry& registry,
+             settings::Settings& stored, const base::Environment& environment);
 
-  app::OverlaySettings& Settings() { return overlay_; }
+  settings::OverlaySettings& Settings() { return overlay_; }
   ConsoleDialogs& Dialogs() { return dialogs_; }
   base::ProcessLauncher& Launcher() { return *launcher_; }
   session::Session& Session() { return session_; }
 
  private:
-  app::OverlaySettings overlay_;
+  settings::OverlaySettings overlay_;
   ConsoleDialogs dialogs_;
   std::unique_ptr<base::ProcessLauncher> launcher_;
-  app::StartLog startLog_;
+  settings::StartLog startLog_;
   session::Session session_;
 };
 

@@ -4,8 +4,6 @@
 #include <cctype>
 #include <iostream>
 
-#include "app/settings.h"
-#include "app/start_log.h"
 #include "base/environment.h"
 #include "base/windows_path.h"
 #include "cadenv/registry.h"
@@ -13,6 +11,8 @@
 #include "cli/console_dialogs.h"
 #include "cli/json_writer.h"
 #include "cli/user_settings.h"
+#include "settings/settings.h"
+#include "settings/start_log.h"
 
 namespace sw::cli {
 namespace {
@@ -85,7 +85,7 @@ void AddEnvironmentCommand(CLI::App& app, EnvironmentOptions& options) {
 DiscoveredInputs DiscoverInputs(std::ostream& err) {
   auto registry = OpenUserSettings(err);
   if (!registry) return {.dump = {}, .templateWorkbook = {}, .settingsReadable = false};
-  app::RegistrySettings stored(*registry);
+  settings::RegistrySettings stored(*registry);
   CliSession cli(err, {.answerYes = false, .readOnly = true}, *registry, stored, base::ProcessEnvironment());
   auto& session = cli.Session();
   session.Start();
@@ -97,12 +97,13 @@ DiscoveredInputs DiscoverInputs(std::ostream& err) {
 int RunEnvironment(const EnvironmentOptions& options, std::ostream& out, std::ostream& err) {
   auto registry = OpenUserSettings(err);
   if (!registry) return 1;
-  app::RegistrySettings settings(*registry);
+  settings::RegistrySettings settings(*registry);
   return RunEnvironmentWith(options, *registry, settings, base::ProcessEnvironment(), out, err);
 }
 
-int RunEnvironmentWith(const EnvironmentOptions& options, cadenv::Registry& registry, app::Settings& settings,
-                       const base::Environment& environment, std::ostream& out, std::ostream& err) {
+int RunEnvironmentWith(const EnvironmentOptions& options, cadenv::Registry& registry,
+                       settings::Settings& settings, const base::Environment& environment, std::ostream& out,
+                       std::ostream& err) {
   if (!MapDrives(options.drives, err)) return 2;
   CliSession cli(err, {.answerYes = false, .readOnly = true}, registry, settings, environment);
   auto& window = cli.Session();

@@ -9,7 +9,7 @@ namespace CLI {
 class App;
 }
 
-namespace sw::app {
+namespace sw::settings {
 class Settings;
 }
 namespace sw::base {
@@ -35,8 +35,9 @@ int RunEnvironment(const EnvironmentOptions& options, std::ostream& out, std::os
 
 // The same over given stores. The settings are only read: the run leaves the remembered choices as
 // they were, although the window would store the dump it chose.
-int RunEnvironmentWith(const EnvironmentOptions& options, cadenv::Registry& registry, app::Settings& settings,
-                       const base::Environment& environment, std::ostream& out, std::ostream& err);
+int RunEnvironmentWith(const EnvironmentOptions& options, cadenv::Registry& registry,
+                       settings::Settings& settings, const base::Environment& environment, std::ostream& out,
+                       std::ostream& err);
 
 // What discovery chooses at start-up, for commands run without naming a dump or template: the dump
 // picker's text and the matched template's path (the template list's folder and its name), each ""

@@ -4,7 +4,6 @@
 #include <charconv>
 #include <iostream>
 
-#include "app/settings.h"
 #include "base/environment.h"
 #include "base/strings.h"
 #include "base/windows_path.h"
@@ -14,7 +13,8 @@
 #include "cli/environment_command.h"
 #include "cli/file_name_option.h"
 #include "cli/user_settings.h"
-#include "template/field_panel.h"
+#include "settings/settings.h"
+#include "templates/field_panel.h"
 
 namespace sw::cli {
 namespace {
@@ -33,7 +33,7 @@ std::optional<FieldValue> ParseFieldValue(std::string_view argument) {
   const auto* last = first + equals;
   const auto parsed = std::from_chars(first, last, value.index);
   if (parsed.ec != std::errc() || parsed.ptr != last || value.index < 0 ||
-      value.index >= templ::kFieldCount) {
+      value.index >= templates::kFieldCount) {
     return std::nullopt;
   }
   value.text = std::string(argument.substr(equals + 1));
@@ -114,7 +114,7 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
 
   auto registry = OpenUserSettings(err);
   if (!registry) return 1;
-  app::RegistrySettings stored(*registry);
+  settings::RegistrySettings stored(*registry);
   // The page-break marks are drawn as the preview draws them, but quietly: the INI file's problems are
   // told once by the pairing and once more by generation's own check, not a third time here.
   std::ostream discard(nullptr);

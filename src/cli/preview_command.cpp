@@ -4,8 +4,6 @@
 #include <iostream>
 #include <optional>
 
-#include "app/overlay_settings.h"
-#include "app/settings.h"
 #include "base/environment.h"
 #include "cadenv/registry.h"
 #include "cli/console_dialogs.h"
@@ -14,14 +12,16 @@
 #include "cli/template_path.h"
 #include "cli/user_settings.h"
 #include "generate/page_count.h"
+#include "preview/export_fixup.h"
+#include "preview/preview_page_breaks.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
-#include "template/current_report.h"
-#include "template/export_fixup.h"
-#include "template/field_panel.h"
-#include "template/preview_page_breaks.h"
-#include "template/template_definition.h"
-#include "template/template_ini.h"
+#include "settings/overlay_settings.h"
+#include "settings/settings.h"
+#include "templates/current_report.h"
+#include "templates/field_panel.h"
+#include "templates/template_definition.h"
+#include "templates/template_ini.h"
 
 namespace sw::cli {
 
@@ -60,11 +60,12 @@ namespace {
 // The pages generation would make, with the page length generation reads (its INI check, which can
 // differ from the preview's); nothing when that check would stop generation. Its messages are not
 // shown again here: the preview has already told what is wrong with the INI file.
-std::optional<int> PagesOfGeneration(const report::ReportTable& table, templ::TemplateDefinition definition) {
+std::optional<int> PagesOfGeneration(const report::ReportTable& table,
+                                     templates::TemplateDefinition definition) {
   std::ostream discard(nullptr);
   ConsoleDialogs quiet(discard, /*answerYes=*/false);
-  if (!templ::ValidateTemplateIni(definition.IniPath, definition, quiet).Accepted()) return std::nullopt;
-  return gen::CountPages(table, definition.EndRow - definition.StartRow + 1, definition.Infinite);
+  if (!templates::ValidateTemplateIni(definition.IniPath, definition, quiet).Accepted()) return std::nullopt;
+  return generate::CountPages(table, definition.EndRow - definition.StartRow + 1, definition.Infinite);
 }
 
 }  // namespace
@@ -72,17 +73,17 @@ std::optional<int> PagesOfGeneration(const report::ReportTable& table, templ::Te
 int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& err) {
   auto registry = OpenUserSettings(err);
   if (!registry) return 1;
-  app::RegistrySettings stored(*registry);
-  app::OverlaySettings settings(stored);
+  settings::RegistrySettings stored(*registry);
+  settings::OverlaySettings settings(stored);
   if (options.includeEmptyRows) settings.Override("IncludeEmptyRows", *options.includeEmptyRows);
   if (options.slashTwo) settings.Override("UseSlashTwo", *options.slashTwo);
   if (options.showPageBreaks) settings.Override("ShowPageBreaks", *options.showPageBreaks);
 
   ConsoleDialogs dialogs(err, options.yes);
   report::ReportTable table;
-  templ::TemplateDefinition definition;
-  templ::FieldPanel fields;
-  templ::PreviewPageLayout layout(definition, dialogs, settings);
+  templates::TemplateDefinition definition;
+  templates::FieldPanel fields;
+  preview::PreviewPageLayout layout(definition, dialogs, settings);
 
   report::PreviewContext context{.dumpPath = options.dump,
                                  .settings = settings,
@@ -94,7 +95,7 @@ int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& e
     // The main window pairs the template before it reads the dump, so the headings are in place.
     const TemplateLocation location = SplitTemplatePath(*options.templateWorkbook);
     layout.SetTemplate(location.folder, location.file);
-    templ::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
+    templates::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
     context.reloadTemplateLayout = [&layout] { layout.ReloadLayout(); };
     context.showPageBreaks = [&layout, &table] { layout.ShowPageBreaks(table); };
   }
@@ -103,16 +104,16 @@ int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& e
   if (read == report::PreviewResult::kNotFound || read == report::PreviewResult::kUnreadable) return 1;
 
   if (options.fixExport) {
-    const auto current = templ::ReadCurrentReport(base::ProcessEnvironment(), {});
+    const auto current = templates::ReadCurrentReport(base::ProcessEnvironment(), {});
     // As in the window, the template check after the repair pairs the INI file again: the inserted
     // column has pushed the headings one place right.
     const auto pairAgain = [&] {
       if (!options.templateWorkbook) return;
       const TemplateLocation location = SplitTemplatePath(*options.templateWorkbook);
-      templ::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
+      templates::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
     };
-    if (templ::AdjustExportFile(true, current.reportId, base::ProcessEnvironment(), dialogs, table,
-                                pairAgain)) {
+    if (preview::AdjustExportFile(true, current.reportId, base::ProcessEnvironment(), dialogs, table,
+                                  pairAgain)) {
       layout.ShowPageBreaks(table);
     }
   }

@@ -2,10 +2,10 @@
 
 #include <ostream>
 
+#include "base/upper_case.h"
 #include "excel/application_factory.h"
 #include "excel/automation.h"
 #include "generate/run_error.h"
-#include "template/upper_case.h"
 
 namespace sw::cli {
 namespace {
@@ -23,17 +23,17 @@ void ReadSheet(const excel::Sheet& sheet) {
 }  // namespace
 
 bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
-                                   const templ::TemplateDefinition& definition, base::Dialogs& dialogs) {
+                                   const templates::TemplateDefinition& definition, base::Dialogs& dialogs) {
   try {
     const auto excel = excel::CreateApplication();
-    const excel::Workbook workbook = excel->Workbooks().Open(gen::EnginePath(workbookPath), true);
-    const std::string commonName = templ::UpperCase(definition.CommonSheetName);
-    const std::string templateName = templ::UpperCase(definition.TemplateSheetName);
+    const excel::Workbook workbook = excel->Workbooks().Open(generate::EnginePath(workbookPath), true);
+    const std::string commonName = base::UpperCase(definition.CommonSheetName);
+    const std::string templateName = base::UpperCase(definition.TemplateSheetName);
     bool commonFound = false, templateFound = false;
     const excel::Sheets sheets = workbook.Sheets();
     for (int i = 1; i <= sheets.Count(); ++i) {
       const excel::Sheet sheet = sheets.Item(i);
-      const std::string name = templ::UpperCase(sheet.Name());
+      const std::string name = base::UpperCase(sheet.Name());
       if (name != commonName && name != templateName) continue;
       ReadSheet(sheet);
       commonFound = commonFound || name == commonName;
@@ -56,7 +56,7 @@ bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
   }
 }
 
-void WarnAboutPageLayout(const templ::TemplateDefinition& definition, std::ostream& err) {
+void WarnAboutPageLayout(const templates::TemplateDefinition& definition, std::ostream& err) {
   const int firstRow = definition.StartRow;
   const int lastRow = definition.EndRow;
   if (!definition.Infinite && lastRow - firstRow + 1 <= 0) {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/dialogs.h"
-#include "template/template_definition.h"
+#include "templates/template_definition.h"
 
 namespace sw::cli {
 
@@ -13,10 +13,10 @@ namespace sw::cli {
 // false where generation would stop: a workbook the engine cannot open (damaged, old format,
 // encrypted) or a missing sheet.
 bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
-                                   const templ::TemplateDefinition& definition, base::Dialogs& dialogs);
+                                   const templates::TemplateDefinition& definition, base::Dialogs& dialogs);
 
 // Plain warnings for layouts generation runs as they are but that are hardly what was meant: a page
 // of no rows, or rows above row 1, which are never written.
-void WarnAboutPageLayout(const templ::TemplateDefinition& definition, std::ostream& err);
+void WarnAboutPageLayout(const templates::TemplateDefinition& definition, std::ostream& err);
 
 }  // namespace sw::cli

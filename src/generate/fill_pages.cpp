@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <string>
 
+#include "base/upper_case.h"
 #include "generate/run_error.h"
 #include "generate/start_new_page.h"
 #include "report/colours.h"
-#include "template/upper_case.h"
 
-namespace sw::gen {
+namespace sw::generate {
 namespace {
 
 std::string RowsAddress(int first, int last) {
@@ -25,7 +25,7 @@ void BreakBeforeNextRow(GenerationRun& run) {
 }
 
 void WriteDataRow(GenerationRun& run, const std::vector<std::string_view>& cells, int tableColumns) {
-  const templ::TemplateDefinition& definition = run.definition;
+  const templates::TemplateDefinition& definition = run.definition;
   GenerationState& state = run.state;
   const int fields = static_cast<int>(definition.DataColumns.size());
   for (int k = 1; k <= fields; ++k) {
@@ -43,7 +43,7 @@ void WriteDataRow(GenerationRun& run, const std::vector<std::string_view>& cells
 
 void FillPages(GenerationRun& run) {
   const report::ReportTable& table = run.inputs.table;
-  const templ::TemplateDefinition& definition = run.definition;
+  const templates::TemplateDefinition& definition = run.definition;
   GenerationState& state = run.state;
   const int pageRows = definition.EndRow - definition.StartRow + 1;
   const int tableColumns = table.Cols();
@@ -53,7 +53,7 @@ void FillPages(GenerationRun& run) {
   for (int r = 1; r < table.Rows(); ++r) {
     if (table.BackColour(r, 0) == report::kTitleGreen) {
       // A placement head names the pages that follow; a manual break keeps the name it interrupts.
-      std::string title = templ::RemoveAll(table.Text(r, 0), "\t");
+      std::string title = base::RemoveAll(table.Text(r, 0), "\t");
       if (!title.empty()) location = std::move(title);
       if (!state.dynamicLength) {
         StartNewPage(run, location);
@@ -74,7 +74,7 @@ void FillPages(GenerationRun& run) {
 }
 
 void FormatDynamicSheet(GenerationRun& run) {
-  const templ::TemplateDefinition& definition = run.definition;
+  const templates::TemplateDefinition& definition = run.definition;
   GenerationState& state = run.state;
   excel::Application& excel = run.Excel();
   excel::Sheet& sheet = state.currentSheet;
@@ -102,4 +102,4 @@ void FormatDynamicSheet(GenerationRun& run) {
   ResumeOn1004([&] { excel.SetCutCopyMode(false); });
 }
 
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -9,11 +9,11 @@
 // closing format pass gives all rows the second data row's formats and a medium bottom border.
 #include "generate/generation_run.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 void FillPages(GenerationRun& run);
 
 // The closing format pass of a dynamic-length sheet.
 void FormatDynamicSheet(GenerationRun& run);
 
-}  // namespace sw::gen
+}  // namespace sw::generate

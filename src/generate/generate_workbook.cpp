@@ -4,6 +4,7 @@
 
 #include "base/own_temp_files.h"
 #include "base/strings.h"
+#include "base/upper_case.h"
 #include "base/windows_path.h"
 #include "excel/application_factory.h"
 #include "generate/fill_pages.h"
@@ -11,10 +12,9 @@
 #include "generate/page_text.h"
 #include "generate/run_error.h"
 #include "generate/start_new_page.h"
-#include "template/template_ini.h"
-#include "template/upper_case.h"
+#include "templates/template_ini.h"
 
-namespace sw::gen {
+namespace sw::generate {
 namespace {
 
 using base::MessageIcon;
@@ -42,7 +42,7 @@ std::string LeftCharacters(std::string_view text, int length) {
 // Steps up to the target file: false when the run ends here.
 bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, const std::string& extension) {
   GenerationState& state = run.state;
-  app::Settings& settings = run.services.settings;
+  settings::Settings& settings = run.services.settings;
   if (base::TrimSpaces(inputs.sheetNumberText).empty()) inputs.sheetNumberText = "1";
   if (base::TrimSpaces(inputs.templateFile).empty()) {
     run.Tell("Ingen Excelmall vald.", "Fel", MessageIcon::kExclamation);
@@ -73,7 +73,7 @@ bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, co
     return false;
   }
   // A name without ".XLS" in it is not taken: the run goes on with the target it had before.
-  if (templ::UpperCase(*chosen).find(".XLS") != std::string::npos) {
+  if (base::UpperCase(*chosen).find(".XLS") != std::string::npos) {
     inputs.targetPath = *chosen;
     settings.SaveAppSetting("ResultPath", FolderOf(*chosen));
   }
@@ -96,11 +96,11 @@ bool KeepsMacros(const GenerationRun& run, const GenerationInputs& inputs, const
 }
 
 // The template's INI file as generation needs it; a failing one is opened for editing.
-bool ValidateIni(GenerationRun& run, templ::TemplateDefinition& definition) {
-  const auto result = templ::ValidateTemplateIni(definition.IniPath, definition, run.services.dialogs);
+bool ValidateIni(GenerationRun& run, templates::TemplateDefinition& definition) {
+  const auto result = templates::ValidateTemplateIni(definition.IniPath, definition, run.services.dialogs);
   run.state.dynamicLength = definition.Infinite;
-  if (result.status == templ::IniValidationStatus::kMissingSheetSection) return false;
-  if (result.status == templ::IniValidationStatus::kTooFewEntries) {
+  if (result.status == templates::IniValidationStatus::kMissingSheetSection) return false;
+  if (result.status == templates::IniValidationStatus::kTooFewEntries) {
     run.state.iniEditRequested = true;
     // The message has already told the user to edit the file; a missing editor adds nothing to it.
     run.services.launcher.EditTextFile(definition.IniPath);
@@ -114,7 +114,7 @@ bool ValidateIni(GenerationRun& run, templ::TemplateDefinition& definition) {
 // Opens the template read-only and finds its two sheets; tells what is missing and quits Excel.
 bool FindTemplateSheets(GenerationRun& run, const std::string& templatePath) {
   GenerationState& state = run.state;
-  const templ::TemplateDefinition& definition = run.definition;
+  const templates::TemplateDefinition& definition = run.definition;
   excel::Application& excel = run.Excel();
   try {
     state.workbook = excel.Workbooks().Open(EnginePath(templatePath), true);
@@ -131,13 +131,13 @@ bool FindTemplateSheets(GenerationRun& run, const std::string& templatePath) {
 
   state.templateSheetIndex = 0;
   state.commonSheetIndex = 0;
-  const std::string commonName = templ::UpperCase(definition.CommonSheetName);
-  const std::string templateName = templ::UpperCase(definition.TemplateSheetName);
+  const std::string commonName = base::UpperCase(definition.CommonSheetName);
+  const std::string templateName = base::UpperCase(definition.TemplateSheetName);
   int count = 0;
   ResumeOn1004([&] { count = state.workbook.Sheets().Count(); });
   for (int i = 1; i <= count; ++i) {
     std::string name;
-    ResumeOn1004([&] { name = templ::UpperCase(state.workbook.Sheets().Item(i).Name()); });
+    ResumeOn1004([&] { name = base::UpperCase(state.workbook.Sheets().Item(i).Name()); });
     if (name == commonName) state.commonSheetIndex = Int16(i);
     if (name == templateName) state.templateSheetIndex = Int16(i);
   }
@@ -209,7 +209,7 @@ void WriteCommonTexts(GenerationRun& run) {
   }
 }
 
-void Run(GenerationRun& run, GenerationInputs& inputs, templ::TemplateDefinition& definition,
+void Run(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefinition& definition,
          GenerationOutcome& outcome) {
   GenerationState& state = run.state;
   const std::string extension = TemplateExtension(inputs.templateFile);
@@ -287,7 +287,7 @@ std::string TemplateExtension(std::string_view templateFile) {
   return base::AsciiLower(extension);
 }
 
-GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templ::TemplateDefinition& definition,
+GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templates::TemplateDefinition& definition,
                                    GenerationState& state, const GenerationServices& services) {
   GenerationRun run{state, definition, inputs, services, {}, {}, {}};
   GenerationOutcome outcome;
@@ -307,4 +307,4 @@ GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templ::TemplateDefi
   return outcome;
 }
 
-}  // namespace sw::gen
+}  // namespace sw::generate

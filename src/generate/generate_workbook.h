@@ -13,16 +13,16 @@
 #include <string_view>
 #include <vector>
 
-#include "app/settings.h"
 #include "base/dialogs.h"
 #include "base/process_launcher.h"
 #include "excel/automation.h"
 #include "generate/generation_state.h"
 #include "generate/single_sheet_warning.h"
 #include "report/report_table.h"
-#include "template/template_definition.h"
+#include "settings/settings.h"
+#include "templates/template_definition.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 enum class MousePointer { kDefault = 0, kHourglass = 11 };
 
@@ -41,7 +41,7 @@ struct GenerationInputs {
 using ApplicationFactory = std::function<std::unique_ptr<excel::Application>()>;
 
 struct GenerationServices {
-  app::Settings& settings;
+  settings::Settings& settings;
   base::Dialogs& dialogs;
   SingleSheetWarning& warning;
   base::ProcessLauncher& launcher;  // opens a faulty INI file for editing
@@ -75,7 +75,7 @@ std::string TemplateExtension(std::string_view templateFile);
 
 // `definition` is the current template's (paired with its INI file when the template was chosen); its
 // [Tabs] and [Sheet] parts are re-read here and its common texts refreshed from inputs.fieldTexts.
-GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templ::TemplateDefinition& definition,
+GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templates::TemplateDefinition& definition,
                                    GenerationState& state, const GenerationServices& services);
 
-}  // namespace sw::gen
+}  // namespace sw::generate

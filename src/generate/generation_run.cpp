@@ -9,7 +9,7 @@
 #include "base/windows_path.h"
 #include "generate/run_error.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 excel::Application& GenerationRun::Excel() const {
   if (!state.excelApp) excel::ThrowObjectNotSet();
@@ -145,9 +145,9 @@ std::string TemplateBackupName(std::string_view templateFile, const std::tm& loc
   return std::string(stem) + " (kopia före körning " + stamp + ")" + std::string(extension);
 }
 
-int FirstDataColumn(const templ::TemplateDefinition& definition) {
+int FirstDataColumn(const templates::TemplateDefinition& definition) {
   if (definition.DataColumns.empty()) RaiseRunError(9);
   return definition.DataColumns.front();
 }
 
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -8,11 +8,11 @@
 
 #include "generate/generate_workbook.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 struct GenerationRun {
   GenerationState& state;
-  const templ::TemplateDefinition& definition;
+  const templates::TemplateDefinition& definition;
   const GenerationInputs& inputs;
   const GenerationServices& services;
   std::string pageFileExtension;  // "." and the template's lower-case extension
@@ -53,6 +53,6 @@ struct GenerationRun {
 std::string TemplateBackupName(std::string_view templateFile, const std::tm& localTime);
 
 // The first COLUMNS entry; error 9 when the template gave none.
-int FirstDataColumn(const templ::TemplateDefinition& definition);
+int FirstDataColumn(const templates::TemplateDefinition& definition);
 
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -7,7 +7,7 @@
 
 #include "excel/automation.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 struct GenerationState {
   std::unique_ptr<excel::Application> excelApp;  // the application the last run started
@@ -29,4 +29,4 @@ struct GenerationState {
   bool warningAccepted = false;  // the single-sheet warning was answered with OK
 };
 
-}  // namespace sw::gen
+}  // namespace sw::generate

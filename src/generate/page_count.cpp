@@ -3,7 +3,7 @@
 #include "report/colours.h"
 #include "report/report_table.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 int CountPages(const report::ReportTable& table, int pageRows, bool dynamicLength) {
   if (dynamicLength) return 1;
@@ -24,4 +24,4 @@ int CountPages(const report::ReportTable& table, int pageRows, bool dynamicLengt
   return pages;
 }
 
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -1,6 +1,6 @@
 #include "generate/page_text.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 std::string PageText(int number, int minimumLength) {
   std::string text = std::to_string(number);
@@ -18,4 +18,4 @@ int CharacterCount(std::string_view utf8) {
   return count;
 }
 
-}  // namespace sw::gen
+}  // namespace sw::generate

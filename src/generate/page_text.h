@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace sw::gen {
+namespace sw::generate {
 
 // `number` in decimal, padded on the left with "0" until it is `minimumLength` characters long;
 // longer numbers are kept whole (start 01: "01" … "09", "10", … "100").
@@ -12,4 +12,4 @@ std::string PageText(int number, int minimumLength);
 // VB's Len on UTF-8 text: the number of characters.
 int CharacterCount(std::string_view utf8);
 
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -7,7 +7,7 @@
 #include "base/windows_path.h"
 #include "excel/error_texts.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 std::string RunErrorDescription(int number) {
   switch (number) {
@@ -63,4 +63,4 @@ std::string EnginePath(std::string_view windowsPath) {
   return std::string(text.begin(), text.end());
 }
 
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -8,7 +8,7 @@
 
 #include "excel/automation.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 // Excel's numbers (68, 70, 429, 1004) and the run's own VB numbers, under one set of names.
 using excel::kApplicationDefined;
@@ -56,4 +56,4 @@ void CheckTargetReplaceable(std::string_view windowsPath);
 // The host path an engine is given for a Windows path text.
 std::string EnginePath(std::string_view windowsPath);
 
-}  // namespace sw::gen
+}  // namespace sw::generate

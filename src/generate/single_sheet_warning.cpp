@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace sw::gen {
+namespace sw::generate {
 
 WarningAnswer MessageSingleSheetWarning::Show() {
   base::Message message;
@@ -13,10 +13,10 @@ WarningAnswer MessageSingleSheetWarning::Show() {
   return WarningAnswer{dialogs_.ShowMessage(message) == base::MessageAnswer::kOk, false};
 }
 
-bool AskSingleSheetWarning(SingleSheetWarning& warning, app::Settings& settings) {
+bool AskSingleSheetWarning(SingleSheetWarning& warning, settings::Settings& settings) {
   const WarningAnswer answer = warning.Show();
   if (answer.showNoMore) settings.SaveAppSetting("ShowSingleSheetWarning", "0");
   return answer.accepted;
 }
 
-}  // namespace sw::gen
+}  // namespace sw::generate

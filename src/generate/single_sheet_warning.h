@@ -1,10 +1,10 @@
 #pragma once
 // The warning shown before a run that writes one workbook file per page ("Varning!"): OK goes on,
 // Avbryt stops, and "Visa inte denna dialog nästa gång" switches the warning off for later runs.
-#include "app/settings.h"
 #include "base/dialogs.h"
+#include "settings/settings.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 inline constexpr const char* kWarningCaption = "Varning!";
 inline constexpr const char* kWarningOverwrite =
@@ -40,6 +40,6 @@ class MessageSingleSheetWarning final : public SingleSheetWarning {
 
 // Shows the warning and applies what closing it means: a ticked box stores "ShowSingleSheetWarning"
 // = "0". Returns whether the run may go on.
-bool AskSingleSheetWarning(SingleSheetWarning& warning, app::Settings& settings);
+bool AskSingleSheetWarning(SingleSheetWarning& warning, settings::Settings& settings);
 
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -6,7 +6,7 @@
 #include "generate/page_text.h"
 #include "generate/run_error.h"
 
-namespace sw::gen {
+namespace sw::generate {
 namespace {
 
 std::string PageFileInUseText(const GenerationRun& run, const std::string& pageText) {
@@ -29,7 +29,7 @@ void SavePreviousPage(GenerationRun& run) {
 
 bool MakePageFile(GenerationRun& run, const std::string& pageText) {
   GenerationState& state = run.state;
-  const templ::TemplateDefinition& definition = run.definition;
+  const templates::TemplateDefinition& definition = run.definition;
   excel::Application& excel = run.Excel();
   if (state.singleSheetSavePending) SavePreviousPage(run);
   const std::string pagePath = state.baseFileName + "-" + pageText + run.pageFileExtension;
@@ -79,7 +79,7 @@ void AppendPageSheet(GenerationRun& run, const std::string& pageText) {
 void StartNewPage(GenerationRun& run, std::string_view location) {
   if (run.services.pageStarted) run.services.pageStarted(++run.pagesStarted);
   GenerationState& state = run.state;
-  const templ::TemplateDefinition& definition = run.definition;
+  const templates::TemplateDefinition& definition = run.definition;
   std::string pageText;
   try {
     state.sheetNumber = Int16(state.sheetNumber + 1);
@@ -128,4 +128,4 @@ void TellPageFileFailure(GenerationRun& run, const excel::AutomationError& error
   run.TellFailure(error.number(), error.description(), PageFileInUseText(run, pageText));
 }
 
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -8,7 +8,7 @@
 
 #include "generate/generation_run.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 // Handles its own failures: tells them (a 1004 is skipped), sets the mouse pointer back and returns,
 // and the caller goes on with the next rows.
@@ -18,4 +18,4 @@ void StartNewPage(GenerationRun& run, std::string_view location);
 void TellPageFileFailure(GenerationRun& run, const excel::AutomationError& error,
                          const std::string& pageText);
 
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -3,7 +3,7 @@
 #include <QKeyEvent>
 #include <QTimer>
 
-#include "template/preview_controls.h"
+#include "preview/preview_controls.h"
 
 namespace sw::gui {
 
@@ -40,7 +40,7 @@ bool SheetNumberKeyFilter::eventFilter(QObject* watched, QEvent* event) {
     int code = typed.isEmpty() ? 0 : typed.at(0).unicode();
     if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) code = 13;
     if (key->key() == Qt::Key_Backspace) code = 8;
-    if (code != 0 && !templ::SheetNumberKeyPasses(code)) return true;
+    if (code != 0 && !preview::SheetNumberKeyPasses(code)) return true;
   }
   return QObject::eventFilter(watched, event);
 }

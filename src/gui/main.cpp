@@ -1,23 +1,23 @@
 // sheetwright: the main window. No command-line arguments are interpreted (Qt's own aside).
 #include <QApplication>
 
-#include "app/settings.h"
-#include "app/start_log.h"
 #include "base/environment.h"
 #include "base/process_launcher.h"
 #include "base/program_folder.h"
 #include "cadenv/registry.h"
 #include "gui/main_window.h"
 #include "gui/qt_dialogs.h"
+#include "settings/settings.h"
+#include "settings/start_log.h"
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setApplicationName(QString::fromUtf8(sw::base::kApplicationTitle));
 
   // The start-log switch is read once, before the window exists.
-  const sw::app::StartLog startLog(sw::base::ProcessEnvironment());
+  const sw::settings::StartLog startLog(sw::base::ProcessEnvironment());
   auto registry = sw::cadenv::OpenUserRegistry();
-  sw::app::RegistrySettings settings(*registry);
+  sw::settings::RegistrySettings settings(*registry);
   sw::gui::QtDialogs dialogs;
   const auto launcher = sw::base::CreateSystemProcessLauncher();
   const auto folder = sw::base::ProgramFolder().u8string();

@@ -23,17 +23,17 @@
 #include <QVBoxLayout>
 #include <cmath>
 
-#include "app/window_placement.h"
 #include "base/windows_path.h"
 #include "gui/busy_state.h"
 #include "gui/field_box.h"
 #include "gui/preview_grid.h"
 #include "gui/report_table_model.h"
 #include "gui/theme_look.h"
+#include "preview/preview_controls.h"
+#include "preview/preview_edits.h"
 #include "session/themes.h"
 #include "session/toolbar_layout.h"
-#include "template/preview_controls.h"
-#include "template/preview_edits.h"
+#include "settings/window_placement.h"
 
 namespace sw::gui {
 namespace {
@@ -101,7 +101,7 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
       .warning = &warning_,
       .createExcel = services_.createExcel,
       .programFolder = services_.programFolder,
-      .setMousePointer = [this](gen::MousePointer pointer) { SetGenerationPointer(pointer); },
+      .setMousePointer = [this](generate::MousePointer pointer) { SetGenerationPointer(pointer); },
       .layoutColumns = [this] { columnsNeedLayout_ = true; }});
   session_->AddObserver(*this);
   model_ = new ReportTableModel(session_->Table(), this);
@@ -117,8 +117,8 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
       layout()->activate();
       centralWidget()->layout()->activate();
       theme_ = session::StartTheme(services_.settings);
-      const QByteArray layout = QByteArray::fromBase64(
-          QByteArray::fromStdString(session::LoadToolbarLayout(services_.settings, app::kMainWindowName)));
+      const QByteArray layout = QByteArray::fromBase64(QByteArray::fromStdString(
+          session::LoadToolbarLayout(services_.settings, settings::kMainWindowName)));
       if (!layout.isEmpty()) restoreState(layout, kToolbarLayoutVersion);
       Command(kCommandStandardToolbar)->setChecked(!bars_.standard()->isHidden());
       ShowTheme(theme_);
@@ -363,14 +363,15 @@ void MainWindow::RestorePlacement() {
   const QScreen* display = screen() ? screen() : QGuiApplication::primaryScreen();
   const QRect area = display ? display->geometry() : QRect(0, 0, 1024, 768);
   const double twips = TwipsPerPixel();
-  const auto placement = app::RestoreWindowPlacement(
-      services_.settings, app::kMainWindowName, app::kMainWindowDefaultSize, app::kMainWindowDefaultSize,
+  const auto placement = settings::RestoreWindowPlacement(
+      services_.settings, settings::kMainWindowName, settings::kMainWindowDefaultSize,
+      settings::kMainWindowDefaultSize,
       {static_cast<float>(area.width() * twips), static_cast<float>(area.height() * twips)});
   auto pixels = [twips](float value) { return static_cast<int>(std::lround(value / twips)); };
   move(pixels(placement.left), pixels(placement.top));
   resize(pixels(placement.width), pixels(placement.height));
-  if (placement.state == app::WindowState::kMaximised) setWindowState(Qt::WindowMaximized);
-  if (placement.state == app::WindowState::kMinimised) setWindowState(Qt::WindowMinimized);
+  if (placement.state == settings::WindowState::kMaximised) setWindowState(Qt::WindowMaximized);
+  if (placement.state == settings::WindowState::kMinimised) setWindowState(Qt::WindowMinimized);
 }
 
 void MainWindow::SavePlacement() {
@@ -378,19 +379,19 @@ void MainWindow::SavePlacement() {
   if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
   const QRect normal = isMaximized() ? normalGeometry() : QRect(pos(), size());
   const double twips = TwipsPerPixel();
-  app::WindowPlacement placement{
+  settings::WindowPlacement placement{
       .top = static_cast<float>(normal.top() * twips),
       .left = static_cast<float>(normal.left() * twips),
       .height = static_cast<float>(normal.height() * twips),
       .width = static_cast<float>(normal.width() * twips),
-      .state = isMaximized() ? app::WindowState::kMaximised : app::WindowState::kNormal};
-  app::SaveMainWindowAtClose(services_.settings, app::PlacementAtClose(placement));
+      .state = isMaximized() ? settings::WindowState::kMaximised : settings::WindowState::kNormal};
+  settings::SaveMainWindowAtClose(services_.settings, settings::PlacementAtClose(placement));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   SavePlacement();
   session_->Close();
-  session::SaveToolbarLayout(services_.settings, app::kMainWindowName,
+  session::SaveToolbarLayout(services_.settings, settings::kMainWindowName,
                              saveState(kToolbarLayoutVersion).toBase64().toStdString());
   event->accept();
   if (defaultsFile_) {
@@ -400,7 +401,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
       platformMerger = session::CreateDefaultsMerger(services_.launcher, services_.settings);
       merger = platformMerger.get();
     }
-    session::RestoreStandardAppearance(services_.settings, *merger, app::kMainWindowName, *defaultsFile_);
+    session::RestoreStandardAppearance(services_.settings, *merger, settings::kMainWindowName,
+                                       *defaultsFile_);
     defaultsFile_.reset();
     restartRequested_ = true;
   }
@@ -452,7 +454,7 @@ void MainWindow::LayOutColumns() {
     widths.push_back(static_cast<int>(std::lround(grid_->columnWidth(c) * twips)));
   // The control's own width, as the layout rule counts it (it leaves room for the borders itself).
   const int gridWidth = static_cast<int>(std::lround(grid_->width() * twips));
-  widths = templ::LayOutColumnWidths(std::move(widths), gridWidth);
+  widths = preview::LayOutColumnWidths(std::move(widths), gridWidth);
   // Then each column grows to its contents (headings, the rows on screen and a sample of the rest).
   for (int c = 0; c < columns; ++c) {
     const int laidOut = static_cast<int>(std::lround(widths[static_cast<std::size_t>(c)] / twips));
@@ -493,7 +495,7 @@ void MainWindow::ShowSession() {
 }
 
 void MainWindow::ShowPopup(int tableRow, int pointerY, const QPoint& globalPos) {
-  if (!templ::ShowsPreviewPopup(2, tableRow)) return;
+  if (!preview::ShowsPreviewPopup(2, tableRow)) return;
   const auto commands = session_->PopupCommands(tableRow, pointerY, grid_->HeadingHeight());
   QMenu popup(this);
   popup.setObjectName(QStringLiteral("Popup"));
@@ -505,13 +507,13 @@ void MainWindow::ShowPopup(int tableRow, int pointerY, const QPoint& globalPos) 
   }
   QAction* chosen = popup.exec(globalPos);
   if (!chosen) return;
-  const auto action = static_cast<templ::PreviewAction>(chosen->data().toInt());
+  const auto action = static_cast<preview::PreviewAction>(chosen->data().toInt());
   Apply([this, tableRow, action] { session_->RunPreviewAction(tableRow, action); });
 }
 
 void MainWindow::DoubleClickRow(int tableRow) {
   const auto action = session_->DoubleClickAction(tableRow);
-  if (action == templ::PreviewAction::kNone) return;
+  if (action == preview::PreviewAction::kNone) return;
   Apply([this, tableRow, action] { session_->RunPreviewAction(tableRow, action); });
 }
 
@@ -542,8 +544,8 @@ void MainWindow::SessionChanged(session::Changes what) {
   if (!busy_) ShowSession();
 }
 
-void MainWindow::SetGenerationPointer(gen::MousePointer pointer) {
-  const bool hourglass = pointer == gen::MousePointer::kHourglass;
+void MainWindow::SetGenerationPointer(generate::MousePointer pointer) {
+  const bool hourglass = pointer == generate::MousePointer::kHourglass;
   if (hourglass == hourglassFromGeneration_) return;
   hourglassFromGeneration_ = hourglass;
   if (hourglass) {
@@ -567,7 +569,7 @@ void MainWindow::Generate() {
     struct Ready {
       MainWindow& window;
       ~Ready() {
-        window.SetGenerationPointer(gen::MousePointer::kDefault);
+        window.SetGenerationPointer(generate::MousePointer::kDefault);
         window.progressBar_->setVisible(false);
         window.SetBusy(false);
         window.busy_ = false;

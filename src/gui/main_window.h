@@ -11,8 +11,6 @@
 #include <optional>
 #include <string>
 
-#include "app/settings.h"
-#include "app/start_log.h"
 #include "base/dialogs.h"
 #include "base/environment.h"
 #include "base/process_launcher.h"
@@ -25,6 +23,8 @@
 #include "gui/command_table.h"
 #include "session/appearance_reset.h"
 #include "session/session.h"
+#include "settings/settings.h"
+#include "settings/start_log.h"
 
 class QAction;
 class QComboBox;
@@ -42,13 +42,13 @@ class ReportTableModel;
 
 struct MainWindowServices {
   cadenv::Registry& registry;
-  app::Settings& settings;
+  settings::Settings& settings;
   const base::Environment& environment;
   base::Dialogs& dialogs;
-  base::ProcessLauncher& launcher;          // a faulty INI file opened for editing
-  const app::StartLog* startLog = nullptr;  // start-up trace, when switched on
-  std::string programFolder;                // the dialogs' folder until one is remembered
-  gen::ApplicationFactory createExcel;      // empty: the workbook engine of this platform
+  base::ProcessLauncher& launcher;               // a faulty INI file opened for editing
+  const settings::StartLog* startLog = nullptr;  // start-up trace, when switched on
+  std::string programFolder;                     // the dialogs' folder until one is remembered
+  generate::ApplicationFactory createExcel;      // empty: the workbook engine of this platform
   // Opens the workbook a generation leaves showing (host path); empty: the desktop's default application.
   std::function<void(const std::string&)> openWorkbook;
   // Writes "Init.reg" into the settings when the standard look is restored; none: this platform's way.
@@ -105,7 +105,7 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   void UpdateGenerateEnabled();
   void Generate();
   void SessionChanged(session::Changes what) override;
-  void SetGenerationPointer(gen::MousePointer pointer);
+  void SetGenerationPointer(generate::MousePointer pointer);
   void SetBusy(bool busy);
   double TwipsPerPixel() const;
 
@@ -114,7 +114,7 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   std::unique_ptr<session::Session> session_;
   session::Changes pending_;       // what the session changed since the window last showed it
   bool iniEditRequested_ = false;  // the last run opened the INI file for editing
-  gen::MessageSingleSheetWarning warning_;
+  generate::MessageSingleSheetWarning warning_;
   CommandDispatcher dispatcher_;
   CommandBars bars_;
   int theme_ = 2;

@@ -14,14 +14,14 @@
 #include <functional>
 #include <vector>
 
-#include "app/settings.h"
-#include "app/start_log.h"
 #include "base/environment.h"
 #include "base/process_launcher.h"
 #include "base/program_folder.h"
 #include "cadenv/registry.h"
 #include "gui/main_window.h"
 #include "gui/qt_dialogs.h"
+#include "settings/settings.h"
+#include "settings/start_log.h"
 
 namespace {
 
@@ -84,9 +84,9 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: sheetwright-screenshot FOLDER\n");
     return 2;
   }
-  const sw::app::StartLog startLog(sw::base::ProcessEnvironment());
+  const sw::settings::StartLog startLog(sw::base::ProcessEnvironment());
   auto registry = sw::cadenv::OpenUserRegistry();
-  sw::app::RegistrySettings settings(*registry);
+  sw::settings::RegistrySettings settings(*registry);
   sw::gui::QtDialogs dialogs;
   const auto launcher = sw::base::CreateSystemProcessLauncher();
   MainWindow window({.registry = *registry,

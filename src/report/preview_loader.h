@@ -4,17 +4,17 @@
 #include <functional>
 #include <string>
 
-#include "app/settings.h"
 #include "base/dialogs.h"
 #include "report/dump_reader.h"
 #include "report/report_table.h"
+#include "settings/settings.h"
 
 namespace sw::report {
 
 struct PreviewContext {
   std::string dumpPath;     // the dump picker's text (UTF-8), as the user sees it; may be empty
   bool refreshing = false;  // the pickers are being filled: a load now would be thrown away
-  app::Settings& settings;
+  settings::Settings& settings;
   base::Dialogs& dialogs;
   LoadProgress* progress = nullptr;  // busy state and progress bar; none in batch use
   // After the reading pass: column widths and auto-size (GUI only).

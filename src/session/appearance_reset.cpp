@@ -1,10 +1,10 @@
 #include "session/appearance_reset.h"
 
-#include "app/settings.h"
 #include "base/file_io.h"
 #include "base/windows_path.h"
 #include "cadenv/reg_file.h"
 #include "session/toolbar_layout.h"
+#include "settings/settings.h"
 
 namespace sw::session {
 
@@ -36,7 +36,7 @@ bool SettingsDefaultsMerger::Merge(std::string_view regFile) {
   cadenv::RegTree tree;
   if (!cadenv::ParseRegFile(*bytes, tree)) return false;
   const cadenv::RegKey* root =
-      tree.FindKey(cadenv::RootKey::kCurrentUser, app::RegistrySettings::KeyPath({}));
+      tree.FindKey(cadenv::RootKey::kCurrentUser, settings::RegistrySettings::KeyPath({}));
   if (!root) return true;
   auto saveTexts = [this](const cadenv::RegKey& key, std::string_view section) {
     for (const auto& value : key.Values()) {
@@ -48,8 +48,8 @@ bool SettingsDefaultsMerger::Merge(std::string_view regFile) {
   return true;
 }
 
-bool RestoreStandardAppearance(app::Settings& settings, DefaultsMerger& merger, std::string_view windowName,
-                               std::string_view regFile) {
+bool RestoreStandardAppearance(settings::Settings& settings, DefaultsMerger& merger,
+                               std::string_view windowName, std::string_view regFile) {
   ForgetToolbarLayout(settings, windowName);
   return merger.Merge(regFile);
 }

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "app/settings.h"
 #include "base/dialogs.h"
 #include "base/process_launcher.h"
+#include "settings/settings.h"
 
 namespace sw::session {
 
@@ -47,20 +47,20 @@ class RegeditDefaultsMerger final : public DefaultsMerger {
 // values of other types are left alone; the file is merged all or nothing.
 class SettingsDefaultsMerger final : public DefaultsMerger {
  public:
-  explicit SettingsDefaultsMerger(app::Settings& settings) : settings_(settings) {}
+  explicit SettingsDefaultsMerger(settings::Settings& settings) : settings_(settings) {}
   bool Merge(std::string_view regFile) override;
 
  private:
-  app::Settings& settings_;
+  settings::Settings& settings_;
 };
 
 // The merger of this platform.
 std::unique_ptr<DefaultsMerger> CreateDefaultsMerger(base::ProcessLauncher& launcher,
-                                                     app::Settings& settings);
+                                                     settings::Settings& settings);
 
 // The part of the reset that runs between closing and opening the window: the toolbar layout of
 // `windowName` forgotten, then the defaults file merged.
-bool RestoreStandardAppearance(app::Settings& settings, DefaultsMerger& merger, std::string_view windowName,
-                               std::string_view regFile);
+bool RestoreStandardAppearance(settings::Settings& settings, DefaultsMerger& merger,
+                               std::string_view windowName, std::string_view regFile);
 
 }  // namespace sw::session

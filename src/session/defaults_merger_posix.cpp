@@ -2,7 +2,7 @@
 
 namespace sw::session {
 
-std::unique_ptr<DefaultsMerger> CreateDefaultsMerger(base::ProcessLauncher&, app::Settings& settings) {
+std::unique_ptr<DefaultsMerger> CreateDefaultsMerger(base::ProcessLauncher&, settings::Settings& settings) {
   return std::make_unique<SettingsDefaultsMerger>(settings);
 }
 

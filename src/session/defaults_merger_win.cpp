@@ -2,7 +2,7 @@
 
 namespace sw::session {
 
-std::unique_ptr<DefaultsMerger> CreateDefaultsMerger(base::ProcessLauncher& launcher, app::Settings&) {
+std::unique_ptr<DefaultsMerger> CreateDefaultsMerger(base::ProcessLauncher& launcher, settings::Settings&) {
   return std::make_unique<RegeditDefaultsMerger>(launcher);
 }
 

@@ -2,14 +2,14 @@
 
 #include <string>
 
-#include "template/template_ini.h"
+#include "templates/template_ini.h"
 
 namespace sw::session {
 
-int IntegerSetting(app::Settings& settings, std::string_view key, std::string_view defaultValue) {
+int IntegerSetting(settings::Settings& settings, std::string_view key, std::string_view defaultValue) {
   int value = 0;
-  if (templ::ParseIniNumber(settings.GetAppSetting(key, defaultValue), value)) return value;
-  if (templ::ParseIniNumber(defaultValue, value)) return value;
+  if (templates::ParseIniNumber(settings.GetAppSetting(key, defaultValue), value)) return value;
+  if (templates::ParseIniNumber(defaultValue, value)) return value;
   return 0;
 }
 

@@ -3,16 +3,16 @@
 #include <algorithm>
 
 #include "base/windows_path.h"
-#include "cadenv/discovery/refresh_files.h"
+#include "discovery/refresh_files.h"
 #include "generate/page_count.h"
+#include "preview/export_fixup.h"
+#include "preview/preview_controls.h"
+#include "preview/report_dump_dialog.h"
 #include "report/cleanup.h"
 #include "report/preview_loader.h"
 #include "session/integer_setting.h"
-#include "template/current_report.h"
-#include "template/export_fixup.h"
-#include "template/preview_controls.h"
-#include "template/report_dump_dialog.h"
-#include "template/template_ini.h"
+#include "templates/current_report.h"
+#include "templates/template_ini.h"
 
 namespace sw::session {
 namespace {
@@ -88,10 +88,10 @@ std::string Session::TemplatePath() const {
 
 std::optional<int> Session::PagesOfGeneration() const {
   if (definition_.IniPath.empty()) return std::nullopt;
-  templ::TemplateDefinition copy = definition_;
+  templates::TemplateDefinition copy = definition_;
   SilentDialogs quiet;
-  if (!templ::ValidateTemplateIni(copy.IniPath, copy, quiet).Accepted()) return std::nullopt;
-  return gen::CountPages(table_, copy.EndRow - copy.StartRow + 1, copy.Infinite);
+  if (!templates::ValidateTemplateIni(copy.IniPath, copy, quiet).Accepted()) return std::nullopt;
+  return generate::CountPages(table_, copy.EndRow - copy.StartRow + 1, copy.Infinite);
 }
 
 PreviewSummary Session::Summary() const {
@@ -148,7 +148,7 @@ void Session::RefreshFiles() {
 
 void Session::ReadCurrentReport() {
   const auto report =
-      templ::ReadCurrentReport(services_.environment, [this](std::string_view line) { Log(line); });
+      templates::ReadCurrentReport(services_.environment, [this](std::string_view line) { Log(line); });
   currentReportId_ = report.reportId;
   sheetNo_.Clear();
   for (const auto& item : report.sheetNumberItems) sheetNo_.Add(item);
@@ -157,7 +157,7 @@ void Session::ReadCurrentReport() {
 }
 
 void Session::RefillTemplates() {
-  if (!templ::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) return;
+  if (!templates::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) return;
   templateListFolder_ = rdsDir_.text;
   // Paired even without a match: the empty name finds no INI file, so the field panel and IniPath are
   // cleared and the previous template cannot stay in use.
@@ -167,8 +167,8 @@ void Session::RefillTemplates() {
 }
 
 void Session::PairTemplate() {
-  templ::FindIniForTemplate(templateListFolder_, rdsFile_.text, definition_, fields_, table_,
-                            services_.dialogs);
+  templates::FindIniForTemplate(templateListFolder_, rdsFile_.text, definition_, fields_, table_,
+                                services_.dialogs);
   Notify(Change::kFields | Change::kTable);
 }
 
@@ -262,35 +262,36 @@ report::PreviewResult Session::OpenReportDump(std::string path) {
 }
 
 void Session::ChooseDumpFile() {
-  const auto chosen = templ::ChooseReportDump(services_.dialogs, services_.settings, services_.programFolder);
+  const auto chosen =
+      preview::ChooseReportDump(services_.dialogs, services_.settings, services_.programFolder);
   if (!chosen) return;
   TypeReportDump(*chosen);
 }
 
-std::array<templ::PopupCommand, 3> Session::PopupCommands(int row, int pointerY, int headingHeight) const {
-  return templ::PreviewPopupCommands(table_, row, pointerY, headingHeight);
+std::array<preview::PopupCommand, 3> Session::PopupCommands(int row, int pointerY, int headingHeight) const {
+  return preview::PreviewPopupCommands(table_, row, pointerY, headingHeight);
 }
 
-templ::PreviewAction Session::DoubleClickAction(int row) const {
-  return templ::DoubleClickAction(table_, row);
+preview::PreviewAction Session::DoubleClickAction(int row) const {
+  return preview::DoubleClickAction(table_, row);
 }
 
 void Session::DeletePlacement(int row) {
-  RunPreviewAction(row, templ::PreviewAction::kDeletePlacement);
+  RunPreviewAction(row, preview::PreviewAction::kDeletePlacement);
 }
 
 void Session::InsertManualBreak(int row) {
-  RunPreviewAction(row, templ::PreviewAction::kInsertManualBreak);
+  RunPreviewAction(row, preview::PreviewAction::kInsertManualBreak);
 }
 
 void Session::RemoveManualBreak(int row) {
-  RunPreviewAction(row, templ::PreviewAction::kRemoveManualBreak);
+  RunPreviewAction(row, preview::PreviewAction::kRemoveManualBreak);
 }
 
-void Session::RunPreviewAction(int row, templ::PreviewAction action) {
-  if (action == templ::PreviewAction::kNone) return;
+void Session::RunPreviewAction(int row, preview::PreviewAction action) {
+  if (action == preview::PreviewAction::kNone) return;
   bool marksDrawn = false;
-  templ::RunPreviewAction(table_, row, action, [this, &marksDrawn] {
+  preview::RunPreviewAction(table_, row, action, [this, &marksDrawn] {
     layout_.ShowPageBreaks(table_);
     marksDrawn = true;
   });
@@ -300,9 +301,9 @@ void Session::RunPreviewAction(int row, templ::PreviewAction action) {
 bool Session::FixExport(bool force) {
   // The template check after the repair lists, matches and pairs again, so the headings and the field
   // panel follow the INI file; choosing the template again would reload the dump and undo the repair.
-  const bool fixed = templ::AdjustExportFile(
+  const bool fixed = preview::AdjustExportFile(
       force, currentReportId_, services_.environment, services_.dialogs, table_, [this] {
-        if (!templ::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) return;
+        if (!templates::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) return;
         templateListFolder_ = rdsDir_.text;
         PairTemplate();
       });
@@ -316,23 +317,23 @@ void Session::ShowPageBreaks() {
 }
 
 void Session::SetFieldText(int index, std::string text) {
-  if (index < 0 || index >= templ::kFieldCount) return;
+  if (index < 0 || index >= templates::kFieldCount) return;
   fields_.entries[static_cast<std::size_t>(index)].text = std::move(text);
   Notify(Change::kFields);
 }
 
 void Session::CommitFieldText(int index) {
-  if (index < 0 || index >= templ::kFieldCount) return;
+  if (index < 0 || index >= templates::kFieldCount) return;
   auto& entry = fields_.entries[static_cast<std::size_t>(index)];
-  const std::string committed = templ::FieldTextOnCommit(entry.text, services_.today);
+  const std::string committed = preview::FieldTextOnCommit(entry.text, services_.today);
   if (committed == entry.text) return;
   entry.text = committed;
   Notify(Change::kFields);
 }
 
 int Session::PressEnterInField(int index) {
-  if (index < 0 || index >= templ::kFieldCount) return 0;
-  const int next = templ::PressEnterInField(fields_, index, services_.today);
+  if (index < 0 || index >= templates::kFieldCount) return 0;
+  const int next = preview::PressEnterInField(fields_, index, services_.today);
   Notify(Change::kFields);
   return next;
 }
@@ -392,34 +393,35 @@ GenerationResult Session::Generate() {
   std::vector<std::string> fieldTexts;
   fieldTexts.reserve(fields_.entries.size());
   for (const auto& entry : fields_.entries) fieldTexts.push_back(entry.text);
-  gen::GenerationInputs inputs{.table = table_,
-                               .sheetNumberText = sheetNo_.text,
-                               .templateFolder = templateListFolder_,
-                               .templateFile = rdsFile_.text,
-                               .dumpPickerText = voltDump_.text,
-                               .templateDirPickerText = rdsDir_.text,
-                               .fieldTexts = std::move(fieldTexts),
-                               .singleSheet = singleSheet_,
-                               .targetPath = txtExcelFilename_};
+  generate::GenerationInputs inputs{.table = table_,
+                                    .sheetNumberText = sheetNo_.text,
+                                    .templateFolder = templateListFolder_,
+                                    .templateFile = rdsFile_.text,
+                                    .dumpPickerText = voltDump_.text,
+                                    .templateDirPickerText = rdsDir_.text,
+                                    .fieldTexts = std::move(fieldTexts),
+                                    .singleSheet = singleSheet_,
+                                    .targetPath = txtExcelFilename_};
 
   RecordingDialogs dialogs(services_.dialogs);
-  gen::MessageSingleSheetWarning plainWarning(dialogs);
-  gen::GenerationServices generation{.settings = services_.settings,
-                                     .dialogs = dialogs,
-                                     .warning = services_.warning ? *services_.warning : plainWarning,
-                                     .launcher = services_.launcher,
-                                     .createExcel = services_.createExcel,
-                                     .programFolder = services_.programFolder,
-                                     .setMousePointer = services_.setMousePointer,
-                                     .pageStarted = [this](int pages) {
-                                       if (services_.progress) services_.progress->Step(pages);
-                                     },
-                                     .findTopLevelWindow = {},
-                                     .mayWriteIntoTemplate = services_.mayWriteIntoTemplate};
-  gen::GenerationState state;
+  generate::MessageSingleSheetWarning plainWarning(dialogs);
+  generate::GenerationServices generation{.settings = services_.settings,
+                                          .dialogs = dialogs,
+                                          .warning = services_.warning ? *services_.warning : plainWarning,
+                                          .launcher = services_.launcher,
+                                          .createExcel = services_.createExcel,
+                                          .programFolder = services_.programFolder,
+                                          .setMousePointer = services_.setMousePointer,
+                                          .pageStarted =
+                                              [this](int pages) {
+                                                if (services_.progress) services_.progress->Step(pages);
+                                              },
+                                          .findTopLevelWindow = {},
+                                          .mayWriteIntoTemplate = services_.mayWriteIntoTemplate};
+  generate::GenerationState state;
   // The progress bar counts the pages the run will make, as the status bar shows them.
   if (services_.progress) services_.progress->Begin(PagesOfGeneration().value_or(0) + 1);
-  const auto outcome = gen::GenerateWorkbook(inputs, definition_, state, generation);
+  const auto outcome = generate::GenerateWorkbook(inputs, definition_, state, generation);
   if (services_.progress) services_.progress->End();
 
   sheetNo_.SetText(inputs.sheetNumberText);

@@ -15,42 +15,42 @@
 #include <string>
 #include <vector>
 
-#include "app/settings.h"
-#include "app/start_log.h"
 #include "base/dialogs.h"
 #include "base/environment.h"
 #include "base/process_launcher.h"
-#include "cadenv/discovery/combo_picker.h"
 #include "cadenv/registry.h"
+#include "discovery/combo_picker.h"
 #include "generate/generate_workbook.h"
 #include "generate/single_sheet_warning.h"
+#include "preview/preview_edits.h"
+#include "preview/preview_page_breaks.h"
 #include "report/dump_reader.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
 #include "session/session_observer.h"
-#include "template/field_panel.h"
-#include "template/preview_edits.h"
-#include "template/preview_page_breaks.h"
-#include "template/short_date.h"
-#include "template/template_definition.h"
-#include "template/template_list.h"
+#include "settings/settings.h"
+#include "settings/start_log.h"
+#include "templates/field_panel.h"
+#include "templates/short_date.h"
+#include "templates/template_definition.h"
+#include "templates/template_list.h"
 
 namespace sw::session {
 
 struct SessionServices {
   cadenv::Registry& registry;
-  app::Settings& settings;
+  settings::Settings& settings;
   const base::Environment& environment;
   base::Dialogs& dialogs;
-  base::ProcessLauncher& launcher;             // opens a faulty INI file for editing
-  const app::StartLog* startLog = nullptr;     // lines are written only while it is enabled
-  report::LoadProgress* progress = nullptr;    // busy state and progress bar of a load
-  gen::SingleSheetWarning* warning = nullptr;  // none: the warning as a plain OK/Avbryt message
-  gen::ApplicationFactory createExcel;         // none: the built-in workbook engine
-  std::string programFolder;                   // the target dialog's folder until "ResultPath" exists
-  templ::ShortDateSource today = templ::TodayShortDate;
-  std::function<void(gen::MousePointer)> setMousePointer;  // hourglass during generation
-  std::function<void()> layoutColumns;                     // column widths after a load (window only)
+  base::ProcessLauncher& launcher;                  // opens a faulty INI file for editing
+  const settings::StartLog* startLog = nullptr;     // lines are written only while it is enabled
+  report::LoadProgress* progress = nullptr;         // busy state and progress bar of a load
+  generate::SingleSheetWarning* warning = nullptr;  // none: the warning as a plain OK/Avbryt message
+  generate::ApplicationFactory createExcel;         // none: the built-in workbook engine
+  std::string programFolder;                        // the target dialog's folder until "ResultPath" exists
+  templates::ShortDateSource today = templates::TodayShortDate;
+  std::function<void(generate::MousePointer)> setMousePointer;  // hourglass during generation
+  std::function<void()> layoutColumns;                          // column widths after a load (window only)
   // Where the page layout's messages go when a load draws the marks; none: `dialogs`. The command
   // line's generate passes a silent one: generation's own INI check tells the same problems once.
   base::Dialogs* layoutDialogs = nullptr;
@@ -95,13 +95,13 @@ class Session {
 
   // --- State, as the window shows it.
   const discovery::ComboPicker& TemplateDirectories() const { return rdsDir_; }  // cboRdsDir
-  const templ::TemplatePicker& Templates() const { return rdsFile_; }            // cboRdsFile, lblError
+  const templates::TemplatePicker& Templates() const { return rdsFile_; }        // cboRdsFile, lblError
   const std::string& TemplateListFolder() const { return templateListFolder_; }
   const discovery::ComboPicker& ReportDumps() const { return voltDump_; }  // cboVoltDump
   const discovery::ComboPicker& SheetNumbers() const { return sheetNo_; }  // cboSheetNo
-  const templ::FieldPanel& Fields() const { return fields_; }              // lblField / txtField
+  const templates::FieldPanel& Fields() const { return fields_; }          // lblField / txtField
   const report::ReportTable& Table() const { return table_; }              // fgPreView
-  const templ::TemplateDefinition& Definition() const { return definition_; }
+  const templates::TemplateDefinition& Definition() const { return definition_; }
   const std::string& CurrentReportId() const { return currentReportId_; }
   const std::string& LastWorkbook() const { return txtExcelFilename_; }
   bool IncludeEmptyRows() const { return includeEmptyRows_; }  // command 305 checked
@@ -146,12 +146,12 @@ class Session {
   report::PreviewResult ReloadPreview();
 
   // --- The preview grid.
-  std::array<templ::PopupCommand, 3> PopupCommands(int row, int pointerY, int headingHeight) const;
-  templ::PreviewAction DoubleClickAction(int row) const;
+  std::array<preview::PopupCommand, 3> PopupCommands(int row, int pointerY, int headingHeight) const;
+  preview::PreviewAction DoubleClickAction(int row) const;
   void DeletePlacement(int row);
   void InsertManualBreak(int row);
   void RemoveManualBreak(int row);
-  void RunPreviewAction(int row, templ::PreviewAction action);
+  void RunPreviewAction(int row, preview::PreviewAction action);
   // The export-file repair of the outer connection table; offered without `force` only for that report.
   bool FixExport(bool force);
   // The page-break marks drawn again (command 308 after the repair, the options dialog's OK).
@@ -201,11 +201,11 @@ class Session {
   std::vector<SessionObserver*> observers_;
 
   discovery::ComboPicker rdsDir_;
-  templ::TemplatePicker rdsFile_;
+  templates::TemplatePicker rdsFile_;
   std::string templateListFolder_;  // the folder the template list shows (FileXls.Path)
   discovery::ComboPicker voltDump_;
   discovery::ComboPicker sheetNo_;
-  templ::FieldPanel fields_;
+  templates::FieldPanel fields_;
   std::string txtExcelFilename_;
   bool includeEmptyRows_ = false;
   bool useSlashTwo_ = false;
@@ -213,9 +213,9 @@ class Session {
   bool singleSheetEnabled_ = true;
   bool refreshing_ = false;
   std::string currentReportId_;
-  templ::TemplateDefinition definition_;
+  templates::TemplateDefinition definition_;
   report::ReportTable table_;
-  templ::PreviewPageLayout layout_;
+  preview::PreviewPageLayout layout_;
 };
 
 }  // namespace sw::session

@@ -38,7 +38,7 @@ std::optional<ThemeEntry> ThemeByNumber(int number) {
   return std::nullopt;
 }
 
-int StartTheme(app::Settings& settings) {
+int StartTheme(settings::Settings& settings) {
   const int theme = IntegerSetting(settings, "Theme", "2");
   return theme > kHighestStartTheme ? kDefaultTheme : theme;
 }

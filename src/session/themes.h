@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "app/settings.h"
+#include "settings/settings.h"
 
 namespace sw::session {
 
@@ -29,7 +29,7 @@ std::optional<ThemeEntry> ThemeByNumber(int number);
 
 // The theme a start shows: "Theme" (default "2") as a whole number; above 5 it becomes 2, so a start
 // never comes up in Office 2007's look even though choosing it stores "6".
-int StartTheme(app::Settings& settings);
+int StartTheme(settings::Settings& settings);
 
 // The theme a stored number stands for; a number no command chooses looks like theme 2.
 ThemeEntry ThemeOrDefault(int number);

@@ -5,16 +5,16 @@
 #include <string>
 #include <string_view>
 
-#include "app/settings.h"
+#include "settings/settings.h"
 
 namespace sw::session {
 
 inline constexpr std::string_view kLayoutSection = "Layout";
 
 // The saved layout text of `windowName`, "" when none was saved.
-std::string LoadToolbarLayout(app::Settings& settings, std::string_view windowName);
-void SaveToolbarLayout(app::Settings& settings, std::string_view windowName, std::string_view layout);
+std::string LoadToolbarLayout(settings::Settings& settings, std::string_view windowName);
+void SaveToolbarLayout(settings::Settings& settings, std::string_view windowName, std::string_view layout);
 // Every stored layout gone, the old single value included: the next start shows the toolbars as built.
-void ForgetToolbarLayout(app::Settings& settings, std::string_view windowName);
+void ForgetToolbarLayout(settings::Settings& settings, std::string_view windowName);
 
 }  // namespace sw::session

@@ -1,8 +1,8 @@
-#include "cadenv/discovery/project_template_dir.h"
+#include "discovery/project_template_dir.h"
 
 #include <gtest/gtest.h>
 
-#include "cadenv/discovery/step_failure.h"
+#include "discovery/step_failure.h"
 #include "fake_installation.h"
 
 namespace sw::discovery {

@@ -1,8 +1,8 @@
-#include "cadenv/discovery/refresh_files.h"
+#include "discovery/refresh_files.h"
 
 #include <gtest/gtest.h>
 
-#include "cadenv/discovery/step_failure.h"
+#include "discovery/step_failure.h"
 #include "fake_installation.h"
 
 namespace sw::discovery {

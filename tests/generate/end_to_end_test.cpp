@@ -15,7 +15,7 @@
 #include "process_variable.h"
 #include "temp_dir.h"
 
-namespace sw::gen {
+namespace sw::generate {
 namespace {
 
 namespace fs = std::filesystem;
@@ -229,4 +229,4 @@ TEST_F(EndToEndTest, MacroTemplateRefusesAnXlsxTarget) {
 }
 
 }  // namespace
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -9,7 +9,7 @@
 #include "generate/page_text.h"
 #include "generation_fixture.h"
 
-namespace sw::gen {
+namespace sw::generate {
 namespace {
 
 using ::testing::ElementsAre;
@@ -449,9 +449,9 @@ TEST_F(GenerateWorkbookTest, PageFileInUseIsToldAndTheRunGoesOn) {
 }
 
 }  // namespace
-}  // namespace sw::gen
+}  // namespace sw::generate
 
-namespace sw::gen {
+namespace sw::generate {
 namespace {
 
 TEST(StartNumberValueTest, ReadsNumbersAsVbDoesInArithmetic) {
@@ -504,4 +504,4 @@ TEST_F(GenerateWorkbookTest, PageNumberPastTheIntegerRangeIsToldPerPage) {
 }
 
 }  // namespace
-}  // namespace sw::gen
+}  // namespace sw::generate

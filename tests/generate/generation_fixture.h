@@ -13,9 +13,9 @@
 #include "report/add_grid_row.h"
 #include "report/colours.h"
 #include "scripted_dialogs.h"
-#include "template/template_ini.h"
+#include "templates/template_ini.h"
 
-namespace sw::gen {
+namespace sw::generate {
 
 class FakeWarning final : public SingleSheetWarning {
  public:
@@ -49,10 +49,10 @@ class GenerationFixture {
 
   // Pairs the template with `name` as choosing the template does: the common fields come from it.
   void UseIni(const std::string& name) {
-    templ::FieldPanel fields;
+    templates::FieldPanel fields;
     testing::ScriptedDialogs quiet;
-    templ::ReadCommonFields(std::string(kFolder) + "\\" + name, definition, fields, table, quiet,
-                            [] { return std::string("2026-11-20"); });
+    templates::ReadCommonFields(std::string(kFolder) + "\\" + name, definition, fields, table, quiet,
+                                [] { return std::string("2026-11-20"); });
     definition.IniPath = std::string(kFolder) + "\\" + name;
     inputs.fieldTexts.clear();
     for (const auto& entry : fields.entries) inputs.fieldTexts.push_back(entry.text);
@@ -102,8 +102,8 @@ class GenerationFixture {
   std::vector<MousePointer> pointers;
   GenerationServices services{settings, dialogs, warning, launcher, {}, {}, {}, {}};
   GenerationInputs inputs{table, {}, {}, {}, {}, {}, {}, false, {}};
-  templ::TemplateDefinition definition;
+  templates::TemplateDefinition definition;
   GenerationState state;
 };
 
-}  // namespace sw::gen
+}  // namespace sw::generate

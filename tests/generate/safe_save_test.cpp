@@ -17,7 +17,7 @@
 #include "generation_fixture.h"
 #include "temp_dir.h"
 
-namespace sw::gen {
+namespace sw::generate {
 namespace {
 
 namespace fs = std::filesystem;
@@ -83,11 +83,11 @@ class SafeSaveRun : public GenerationFixture {
 
   void UseTemplateIni() {
     const std::string iniPath = (templates / "Lista.ini").string();
-    templ::FieldPanel fields;
+    templates::FieldPanel fields;
     testing::ScriptedDialogs quiet;
     definition = {};
-    templ::ReadCommonFields(iniPath, definition, fields, table, quiet,
-                            [] { return std::string("2026-11-20"); });
+    templates::ReadCommonFields(iniPath, definition, fields, table, quiet,
+                                [] { return std::string("2026-11-20"); });
     definition.IniPath = iniPath;
     inputs.fieldTexts.clear();
     for (const auto& entry : fields.entries) inputs.fieldTexts.push_back(entry.text);
@@ -293,4 +293,4 @@ TEST(SafeSaveTest, CommandLineRefusesRunsThatWouldWriteIntoTheTemplate) {
 }
 
 }  // namespace
-}  // namespace sw::gen
+}  // namespace sw::generate

@@ -19,7 +19,7 @@
 #include "gui/report_table_model.h"
 #include "report/colours.h"
 #include "started_window.h"
-#include "template/short_date.h"
+#include "templates/short_date.h"
 
 using sw::testing::StartedWindow;
 using List = std::vector<std::string>;
@@ -304,7 +304,7 @@ void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {
   QTest::keyClicks(box1, QStringLiteral("."));
   QTest::keyClick(box1, Qt::Key_Return);  // box 2 is disabled: back to box 0
   QTRY_VERIFY(box0->hasFocus());
-  const QString today = QString::fromStdString(sw::templ::TodayShortDate());
+  const QString today = QString::fromStdString(sw::templates::TodayShortDate());
   QCOMPARE(box1->text(), today);
   QCOMPARE(window->Session().Fields().entries[0].text, std::string("Kraftverket"));
   QCOMPARE(window->Session().Fields().entries[1].text, today.toStdString());

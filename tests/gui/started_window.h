@@ -5,18 +5,18 @@
 #include <string>
 #include <vector>
 
-#include "app/start_log.h"
 #include "base/process_launcher.h"
 #include "fake_installation.h"
 #include "gui/main_window.h"
 #include "gui/preview_grid.h"
+#include "settings/start_log.h"
 
 namespace sw::testing {
 
 // Settings that remember the order of every save ("Section\Key" or "Key").
-class RecordingSettings final : public app::Settings {
+class RecordingSettings final : public settings::Settings {
  public:
-  explicit RecordingSettings(app::Settings& inner) : inner_(inner) {}
+  explicit RecordingSettings(settings::Settings& inner) : inner_(inner) {}
   std::vector<std::string> saved;
 
   std::string GetAppSetting(std::string_view key, std::string_view defaultValue,
@@ -32,7 +32,7 @@ class RecordingSettings final : public app::Settings {
   }
 
  private:
-  app::Settings& inner_;
+  settings::Settings& inner_;
 };
 
 class NoLauncher final : public base::ProcessLauncher {
@@ -59,8 +59,8 @@ struct StartedWindow {
   QPoint RowPoint(int tableRow, int column = 1) const;
 
   FakeInstallation install;
-  base::FakeEnvironment logSwitch{{std::string(app::kStartLogVariable), "1"}};
-  app::StartLog log{logSwitch, install.temp.path()};
+  base::FakeEnvironment logSwitch{{std::string(settings::kStartLogVariable), "1"}};
+  settings::StartLog log{logSwitch, install.temp.path()};
   RecordingSettings settings{install.settings};
   NoLauncher launcher;
   std::vector<std::string> opened;  // workbooks handed to the desktop

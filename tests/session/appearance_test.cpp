@@ -4,7 +4,6 @@
 
 #include <filesystem>
 
-#include "app/settings.h"
 #include "base/windows_path.h"
 #include "cadenv/portable_registry.h"
 #include "memory_settings.h"
@@ -13,6 +12,7 @@
 #include "session/appearance_reset.h"
 #include "session/themes.h"
 #include "session/toolbar_layout.h"
+#include "settings/settings.h"
 #include "temp_dir.h"
 
 namespace sw::session {
@@ -156,7 +156,7 @@ TEST_F(ResetAppearanceTest, OnWindowsRegeditMergesTheFileAndIsWaitedFor) {
 
 TEST_F(ResetAppearanceTest, TheShippedFileWritesTheKeyTheSettingsRead) {
   cadenv::PortableRegistry registry(temp.path() / "registry.reg");
-  app::RegistrySettings settings(registry);
+  settings::RegistrySettings settings(registry);
   settings.SaveAppSetting("Theme", "6");
   settings.SaveAppSetting("frmMain", "moved", "Layout");
   ASSERT_TRUE(registry.MergeRegFile(kShippedDefaults));

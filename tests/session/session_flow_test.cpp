@@ -137,7 +137,7 @@ TEST_F(SessionFlowTest, PopupAndDoubleClickFollowTheRowUnderThePointer) {
   // Over the heading row nothing is enabled.
   const auto overHeading = session_.PopupCommands(1, /*pointerY=*/100, /*headingHeight=*/240);
   for (const auto& command : overHeading) EXPECT_FALSE(command.enabled);
-  EXPECT_EQ(session_.DoubleClickAction(1), templ::PreviewAction::kDeletePlacement);
+  EXPECT_EQ(session_.DoubleClickAction(1), preview::PreviewAction::kDeletePlacement);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include "base/file_io.h"
 #include "fake_installation.h"
 #include "recording_launcher.h"
-#include "template/template_list.h"
+#include "templates/template_list.h"
 
 namespace sw::session {
 namespace {
@@ -53,8 +53,8 @@ class SessionTest : public ::testing::Test {
 
   testing::FakeInstallation install_;
   testing::RecordingLauncher launcher_;
-  base::FakeEnvironment logEnvironment_{{std::string(app::kStartLogVariable), "1"}};
-  app::StartLog log_;
+  base::FakeEnvironment logEnvironment_{{std::string(settings::kStartLogVariable), "1"}};
+  settings::StartLog log_;
   CountingProgress progress_;
   Session session_;
 };
@@ -73,7 +73,7 @@ TEST_F(SessionTest, StartUpOverTheInstallation) {
   EXPECT_EQ(session_.TemplateDirectories().text, "C:\\Projektmallar\\");
   EXPECT_EQ(session_.Templates().items, (List{"Oversikt.xls", "PANEL.xlsx"}));
   EXPECT_EQ(session_.Templates().text, "PANEL.xlsx");
-  EXPECT_EQ(session_.Templates().backColour, templ::kPickerLightYellow);
+  EXPECT_EQ(session_.Templates().backColour, templates::kPickerLightYellow);
   EXPECT_FALSE(session_.Templates().errorLabelVisible);
   EXPECT_EQ(session_.Definition().IniPath, "C:\\Projektmallar\\\\PANEL.ini");
   EXPECT_EQ(session_.Fields().entries[1].caption, "Ritad av");

@@ -4,11 +4,11 @@
 #include <string>
 #include <utility>
 
-#include "app/settings.h"
+#include "settings/settings.h"
 
 namespace sw::testing {
 
-class MemorySettings final : public app::Settings {
+class MemorySettings final : public settings::Settings {
  public:
   // (section, key) -> value; section "" is the top level.
   std::map<std::pair<std::string, std::string>, std::string> values;

@@ -1,0 +1,34 @@
+#include "preview/report_dump_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include "memory_settings.h"
+#include "scripted_dialogs.h"
+
+namespace sw::preview {
+namespace {
+
+TEST(ReportDumpDialogTest, ChoosingSavesTheFolderAndCancellingChangesNothing) {
+  testing::ScriptedDialogs dialogs;
+  testing::MemorySettings settings;
+  dialogs.fileAnswers = {std::nullopt, std::string("C:\\Dumpar\\rapport.txt")};
+
+  EXPECT_FALSE(ChooseReportDump(dialogs, settings, "C:\\Program\\Sheetwright").has_value());
+  EXPECT_TRUE(settings.values.empty());
+  ASSERT_EQ(dialogs.fileRequests.size(), 1u);
+  const auto& request = dialogs.fileRequests[0];
+  EXPECT_FALSE(request.save);
+  EXPECT_EQ(request.title, "Välj textfil");
+  EXPECT_EQ(request.filter, "(Textfil *.txt)|*.txt");
+  EXPECT_EQ(request.initialFolder, "C:\\Program\\Sheetwright");
+  EXPECT_EQ(request.fileName, "");
+  EXPECT_EQ(request.flags, 563202u);
+
+  EXPECT_EQ(ChooseReportDump(dialogs, settings, "C:\\Program\\Sheetwright"), "C:\\Dumpar\\rapport.txt");
+  EXPECT_EQ(settings.GetAppSetting("DumpPath", ""), "C:\\Dumpar\\");
+  ChooseReportDump(dialogs, settings, "C:\\Program\\Sheetwright");
+  EXPECT_EQ(dialogs.fileRequests[2].initialFolder, "C:\\Dumpar\\");
+}
+
+}  // namespace
+}  // namespace sw::preview

@@ -1,0 +1,230 @@
+// Our profile reader against the Windows calls it stands in for, GetPrivateProfileSectionA and
+// GetPrivateProfileStringA, on the same files: the quirks the CAD system's files are known to have and
+// a few thousand generated files mixing them.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "base/text_codec.h"
+#include "temp_dir.h"
+#include "templates/profile_file.h"
+
+namespace sw::templates {
+namespace {
+
+std::vector<std::string> SplitSectionBuffer(const std::vector<char>& buffer, DWORD length) {
+  std::vector<std::string> lines;
+  std::string line;
+  for (DWORD i = 0; i < length; ++i) {
+    if (buffer[i] == '\0') {
+      lines.push_back(base::DecodeWindows1252(line));
+      line.clear();
+    } else {
+      line += buffer[i];
+    }
+  }
+  if (!line.empty()) lines.push_back(base::DecodeWindows1252(line));
+  return lines;
+}
+
+std::vector<std::string> ApiSection(const std::string& section, std::size_t size, const std::string& file) {
+  std::vector<char> buffer(size + 2, '\x7f');
+  const DWORD length =
+      GetPrivateProfileSectionA(section.c_str(), buffer.data(), static_cast<DWORD>(size), file.c_str());
+  return SplitSectionBuffer(buffer, length);
+}
+
+std::string ApiValue(const std::string& section, const std::string& key, std::size_t size,
+                     const std::string& file) {
+  std::vector<char> buffer(size + 2, '\x7f');
+  const DWORD length = GetPrivateProfileStringA(section.c_str(), key.c_str(), "", buffer.data(),
+                                                static_cast<DWORD>(size), file.c_str());
+  return base::DecodeWindows1252(std::string(buffer.data(), length));
+}
+
+struct Query {
+  std::string section;  // Windows-1252, as the program passes it
+  std::string key;      // empty: the section call
+  std::size_t size;
+};
+
+// Compares every query on one file; returns the number of differences.
+int CompareFile(const std::string& name, const std::string& bytes, const std::vector<Query>& queries,
+                const testing::TempDir& folder) {
+  const auto file = folder.Write(name, bytes).string();
+  const auto ours = ProfileText::Parse(bytes);
+  int differences = 0;
+  for (const auto& query : queries) {
+    const std::string section = base::DecodeWindows1252(query.section);
+    if (query.key.empty()) {
+      const auto expected = ApiSection(query.section, query.size, file);
+      const auto actual = ours.Section(section, query.size).lines;
+      if (actual != expected) ++differences;
+      EXPECT_EQ(actual, expected) << name << " [" << section << "] size " << query.size;
+    } else {
+      const auto expected = ApiValue(query.section, query.key, query.size, file);
+      const auto actual = ours.Value(section, base::DecodeWindows1252(query.key), query.size).value;
+      if (actual != expected) ++differences;
+      EXPECT_EQ(actual, expected) << name << " [" << section << "] " << query.key << " size " << query.size;
+    }
+  }
+  return differences;
+}
+
+std::vector<Query> StandardQueries(const std::vector<std::string>& sections,
+                                   const std::vector<std::string>& keys) {
+  std::vector<Query> queries;
+  for (const auto& section : sections) {
+    for (std::size_t size : {std::size_t{8192}, std::size_t{24}, std::size_t{7}})
+      queries.push_back({section, "", size});
+    for (const auto& key : keys) {
+      for (std::size_t size : {std::size_t{2047}, std::size_t{5}}) queries.push_back({section, key, size});
+    }
+  }
+  return queries;
+}
+
+// Files known to show a quirk of the Windows reader, by name.
+struct QuirkFile {
+  const char* name;
+  std::string bytes;
+};
+
+const std::vector<QuirkFile>& QuirkFiles() {
+  static const std::vector<QuirkFile> files{
+      {"section_example.ini", "[section1]\r\nname1=val1\r\nname2=\r\nname3\r\nname4=val4\r\n"},
+      {"names_ignore_case.ini", "[sHeEt]\r\nStartRow=10\r\n"},
+      {"first_key_wins.ini", "[Sheet]\r\nA=1\r\nA=2\r\n"},
+      {"first_section_wins.ini", "[Sheet]\r\nA=1\r\n[sheet]\r\nA=2\r\nB=3\r\n"},
+      {"blanks_trimmed.ini", "  [ Sheet ]  \r\n \t A \t = \t 1 \t \r\n\vB\f=\f2\v\r\n"},
+      {"text_after_bracket.ini", "[Sheet]junk\r\nA=1\r\n"},
+      {"comments.ini", "[Sheet]\r\n;A=1\r\n  ;B=2\r\n#C=3\r\nD=4 ;x\r\n"},
+      {"before_first_section.ini", "A=0\r\n[Sheet]\r\nB=1\r\n"},
+      {"quotes.ini", "[Sheet]\r\nA=\"1\"\r\nB='2'\r\nC=\"3'\r\nD=  \"   4   \"\r\nE=\"\r\nF=\"\"\r\n"},
+      {"lone_cr.ini", "[Sheet]\rA=1\rB=2\r"},
+      {"lone_lf.ini", "[Sheet]\nA=1\nB=2\n"},
+      {"mixed_breaks.ini", "[Sheet]\r\r\nA=1\n\r\nB=2\r\r\r\nC=3"},
+      {"windows_1252.ini", "[\xC5TG\xC4RD]\r\n\xF6l=\xE5\xE4\xF6\x80\r\n"},
+      {"utf16_bom.ini",
+       std::string("\xFF\xFE", 2) + base::EncodeUtf16Le("[Sheet]\r\nA=1\r\n[Next]\r\nB=\xC3\xA5\r\n")},
+      {"empty_value_and_key.ini", "[Sheet]\r\n=1\r\nA=\r\n = \r\n"},
+      {"long_value.ini", "[Sheet]\r\nA=" + std::string(3000, 'x') + "\r\nB=2\r\n"},
+  };
+  return files;
+}
+
+const std::vector<Query>& QuirkQueries() {
+  static const auto queries =
+      StandardQueries({"Sheet", "SHEET", "section1", "Next", "\xC5TG\xC4RD", "Missing"},
+                      {"A", "b", "C", "D", "E", "F", "name3", "\xF6L", "Missing"});
+  return queries;
+}
+
+TEST(WindowsOnlyProfileApiComparison, KnownQuirksReadAsWindowsReadsThem) {
+  testing::TempDir folder;
+  for (const auto& quirk : QuirkFiles()) {
+    EXPECT_EQ(CompareFile(quirk.name, quirk.bytes, QuirkQueries(), folder), 0) << quirk.name;
+  }
+}
+
+// Where Wine's reader is known to differ from Windows'; ours follows Windows (see profile_file_test.cpp).
+// Should Wine ever read one of these as Windows does, the file moves to the list above.
+TEST(WindowsOnlyProfileApiComparison, WineDiffersFromWindowsOnTheseFilesOnly) {
+  const std::vector<QuirkFile> wineDiffers{
+      // Windows opens section "Sheet" at a line without "]"; Wine skips the line.
+      {"missing_bracket.ini", "[Sheet\r\nA=1\r\n"},
+      // Windows does not know the UTF-8 byte order mark: it stays part of the first line.
+      {"utf8_bom.ini", "\xEF\xBB\xBF[Sheet]\r\nA=1\r\n[Next]\r\nB=2\r\n"},
+      // Windows matches the Windows-1252 letters of names ignoring case ("\xC5tg\xE4rd" for "\xC5TG\xC4RD",
+      // "\xD6l" for "\xF6L"); Wine ignores the case of ASCII letters only.
+      // Wine drops a line with an empty key name that directly follows another; Windows lists every
+      // line of the section.
+      {"consecutive_empty_keys.ini", "[Sheet]\r\n=1\r\n=2\r\nA=3\r\n"},
+      {"windows_1252_case.ini", "[\xC5tg\xE4rd]\r\n\xD6l=\xE5\xE4\xF6\x80\r\n"},
+  };
+  testing::TempDir folder;
+  for (const auto& file : wineDiffers) {
+    const auto bytes = folder.Write(file.name, file.bytes).string();
+    int differences = 0;
+    for (const auto& query : QuirkQueries()) {
+      const auto ours = ProfileText::Parse(file.bytes);
+      if (query.key.empty() && ours.Section(base::DecodeWindows1252(query.section), query.size).lines !=
+                                   ApiSection(query.section, query.size, bytes)) {
+        ++differences;
+      }
+    }
+    EXPECT_GT(differences, 0) << file.name;
+  }
+}
+
+// One generated file: sections, keys, comments, quotes, blanks and long lines in random order, with
+// random line breaks and Windows-1252 letters.
+std::string GeneratedFile(std::mt19937& random) {
+  static const std::vector<std::string> pieces{"[S1]",
+                                               "[ s1 ]",
+                                               "[S2]",
+                                               "  [S2]x",
+                                               "[S3]",
+                                               "[\xC5R]",
+                                               "[]",
+                                               "k1=v1",
+                                               " K1 = other ",
+                                               "k2=\"q q\"",
+                                               "k2='single'",
+                                               "k3=\"mixed'",
+                                               "k3 =  \"  blank  \"  ",
+                                               "noequals",
+                                               "=novalue",
+                                               "k4=",
+                                               "k5=a=b",
+                                               ";k1=comment",
+                                               "  ;k2=comment",
+                                               "#k3=hash",
+                                               "k4=value ;not a comment",
+                                               "\t\vk5\f=\ttabbed\t",
+                                               "\xD6k=\xE5\xE4\xF6",
+                                               "\xD6K=\xC5",
+                                               "k1",
+                                               "",
+                                               "   "};
+  static const std::vector<std::string> breaks{"\r\n", "\n", "\r", "\r\r\n", "\n\n"};
+  std::string file;
+  const int lines = std::uniform_int_distribution<int>(1, 30)(random);
+  for (int i = 0; i < lines; ++i) {
+    const int choice = std::uniform_int_distribution<int>(0, static_cast<int>(pieces.size()))(random);
+    if (choice == static_cast<int>(pieces.size())) {
+      file += "k" + std::to_string(random() % 6) + "=" +
+              std::string(std::uniform_int_distribution<std::size_t>(1, 400)(random), 'L');
+    } else {
+      const auto& piece = pieces[static_cast<std::size_t>(choice)];
+      // Wine drops an empty-named key right after another (listed below), so the corpus keeps them apart.
+      if (piece.starts_with('=') && file.find("=novalue") != std::string::npos) continue;
+      file += piece;
+    }
+    file += breaks[random() % breaks.size()];
+  }
+  return file;
+}
+
+TEST(WindowsOnlyProfileApiComparison, GeneratedFilesReadAsWindowsReadsThem) {
+  testing::TempDir folder;
+  const auto queries = StandardQueries({"S1", "s2", "S3", "\xC5R", "Missing"},
+                                       {"k1", "K2", "k3", "k4", "k5", "\xD6K", "noequals", "Missing"});
+  std::mt19937 random(20260101);
+  int differences = 0;
+  int differingFiles = 0;
+  constexpr int kFiles = 2000;
+  for (int i = 0; i < kFiles && differingFiles < 20; ++i) {
+    const int found =
+        CompareFile("generated_" + std::to_string(i) + ".ini", GeneratedFile(random), queries, folder);
+    differences += found;
+    if (found) ++differingFiles;
+  }
+  EXPECT_EQ(differences, 0);
+}
+
+}  // namespace
+}  // namespace sw::templates
