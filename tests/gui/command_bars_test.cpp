@@ -120,6 +120,7 @@ class CommandBarsTest : public QObject {
   void themesStoreTheirNumbersAndCheckOneEntry();
   void aStartedThemeAboveFiveShowsAsTwo();
   void viewSwitchSetsTheEnabledStates();
+  void generateStaysDisabledWhileTheIniFileIsToBeEdited();
   void standardToolbarIsShownAndHiddenFromTheMenu();
   void toolbarLayoutComesBackAtTheNextStart();
   void resetAnsweredNoChangesNothing();
@@ -357,6 +358,41 @@ void CommandBarsTest::viewSwitchSetsTheEnabledStates() {
   Command(started, 402)->trigger();
   QVERIFY(Command(started, 401)->isEnabled());
   QVERIFY(!Command(started, 402)->isEnabled());
+  QVERIFY(Command(started, 403)->isEnabled());
+}
+
+void CommandBarsTest::generateStaysDisabledWhileTheIniFileIsToBeEdited() {
+  const std::filesystem::path examples = std::filesystem::path(SW_SOURCE_DIR) / "examples";
+  StartedWindow started([&examples](sw::testing::FakeInstallation& install) {
+    std::filesystem::copy_file(examples / "yttre_forbindningstabell.xlsx",
+                               install.Host("Projektmallar/PANEL.xlsx"),
+                               std::filesystem::copy_options::overwrite_existing);
+    // Too few [Sheet] entries: generation tells so and opens the file for editing.
+    install.Write(
+        "Projektmallar/PANEL.ini",
+        "[Tabs]\r\nTemplate=Mall\r\nCommon=Mall\r\n[Common]\r\nProjekt=C6\r\n[Sheet]\r\nSTARTROW=7\r\n");
+    std::filesystem::create_directories(install.Host("Ut"));
+  });
+  auto* window = started.window.get();
+  started.install.dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
+  window->Dispatcher().Dispatch(sw::gui::kCommandGenerate);
+  QVERIFY(!started.install.dialogs.messages.empty());
+  QVERIFY(!std::filesystem::exists(started.install.Host("Ut/Panel.xlsx")));
+
+  // Until the file is put right and a run gets past the INI check, the view switch keeps generation off.
+  Command(started, 401)->trigger();
+  QVERIFY(!Command(started, 403)->isEnabled());
+  Command(started, 402)->trigger();
+  QVERIFY(!Command(started, 403)->isEnabled());
+  std::filesystem::copy_file(examples / "yttre_forbindningstabell.ini",
+                             started.install.Host("Projektmallar/PANEL.ini"),
+                             std::filesystem::copy_options::overwrite_existing);
+
+  // A run that gets past the INI check clears it.
+  started.install.dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
+  window->Dispatcher().Dispatch(sw::gui::kCommandGenerate);
+  QVERIFY(std::filesystem::exists(started.install.Host("Ut/Panel.xlsx")));
+  Command(started, 401)->trigger();
   QVERIFY(Command(started, 403)->isEnabled());
 }
 
