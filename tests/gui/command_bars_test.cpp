@@ -117,6 +117,7 @@ class CommandBarsTest : public QObject {
   void includeEmptyRowsStoresAndReloadsOrTidies();
   void slashTwoStoresAndReloadsOrTidies();
   void singleSheetStoresItsStateAndFollowsTheSession();
+  void fixExportAsksInsertsTheColumnAndDrawsTheMarks();
   void themesStoreTheirNumbersAndCheckOneEntry();
   void aStartedThemeAboveFiveShowsAsTwo();
   void viewSwitchSetsTheEnabledStates();
@@ -306,6 +307,28 @@ void CommandBarsTest::singleSheetStoresItsStateAndFollowsTheSession() {
   QVERIFY(!toggle->isChecked());
   started.window->Session().UseSingleSheet(true);
   QVERIFY(toggle->isChecked());
+}
+
+void CommandBarsTest::fixExportAsksInsertsTheColumnAndDrawsTheMarks() {
+  StartedWindow started;
+  auto* model = started.Grid()->model();
+  const int columns = model->columnCount();
+  started.install.dialogs.answers = {sw::base::MessageAnswer::kNo};
+  Command(started, 308)->trigger();
+  QCOMPARE(started.install.dialogs.messages.back().text,
+           std::string("Infoga kolumn i yttre förbindningstabell?"));
+  QCOMPARE(model->columnCount(), columns);
+
+  started.install.dialogs.answers = {sw::base::MessageAnswer::kYes};
+  Command(started, 308)->trigger();
+  QCOMPARE(model->columnCount(), columns + 1);
+  // The placement's name moved into the new first column, and the marks are drawn on the new table.
+  QCOMPARE(model->index(0, 0).data().toString(), QStringLiteral("+A1 Panel"));
+  bool marked = false;
+  for (int r = 0; r < model->rowCount(); ++r)
+    marked = marked ||
+             model->index(r, 0).data(Qt::BackgroundRole).value<QBrush>().color() == QColor(0xFF, 0xFF, 0xC0);
+  QVERIFY(marked);
 }
 
 void CommandBarsTest::themesStoreTheirNumbersAndCheckOneEntry() {
