@@ -24,7 +24,8 @@ void StartedWindow::Reopen() {
                               .startLog = &log,
                               .programFolder = "C:\\Program\\",
                               .createExcel = {},
-                              .openWorkbook = [this](const std::string& path) { opened.push_back(path); }});
+                              .openWorkbook = [this](const std::string& path) { opened.push_back(path); },
+                              .defaultsMerger = &defaults});
   window->resize(900, 600);
   window->show();
   if (!QTest::qWaitForWindowExposed(window.get())) throw std::runtime_error("the window is not shown");

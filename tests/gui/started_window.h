@@ -63,6 +63,8 @@ struct StartedWindow {
   settings::StartLog log{logSwitch, install.temp.path()};
   RecordingSettings settings{install.settings};
   NoLauncher launcher;
+  // "Init.reg" read by the program itself on every platform, so the reset is seen in `settings`.
+  session::SettingsDefaultsMerger defaults{settings};
   std::vector<std::string> opened;  // workbooks handed to the desktop
   std::unique_ptr<gui::MainWindow> window;
 };
