@@ -22,6 +22,7 @@ class NoLauncher final : public sw::base::ProcessLauncher {
  public:
   bool EditTextFile(std::string_view) override { return false; }
   bool OpenWithDefaultApplication(std::string_view) override { return false; }
+  bool RunMinimisedAndWait(std::string_view) override { return false; }
 };
 
 struct BenchWindow {

@@ -24,6 +24,10 @@ class ProcessLauncher {
   // program wants them), in a normal window with the focus. False when nothing could be started;
   // where no Windows programs run, nothing is.
   virtual bool StartCommandLine(std::string_view /*commandLine*/) { return false; }
+  // Runs `commandLine` (program and arguments as Windows takes them, split at blanks elsewhere) in a
+  // minimised window and waits until it has ended: the one case where the program needs the result
+  // in place before it goes on. False when it could not be started or did not end with status 0.
+  virtual bool RunMinimisedAndWait(std::string_view commandLine) = 0;
 };
 
 // The launcher of this platform.

@@ -40,8 +40,32 @@ bool StartDetached(const char* program, const std::string& argument) {
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
+// Runs the blank-separated words of `commandLine` (the first found on PATH) and waits for it.
+bool RunAndWait(std::string_view commandLine) {
+  std::vector<std::string> words;
+  std::size_t start = commandLine.find_first_not_of(' ');
+  while (start != std::string_view::npos) {
+    const std::size_t end = commandLine.find(' ', start);
+    words.emplace_back(commandLine.substr(start, end - start));
+    start = commandLine.find_first_not_of(' ', end);
+  }
+  if (words.empty()) return false;
+  std::vector<char*> argv;
+  for (auto& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  pid_t child = 0;
+  if (posix_spawnp(&child, argv[0], nullptr, nullptr, argv.data(), environ) != 0) return false;
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) return false;
+  }
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
 class PosixProcessLauncher final : public ProcessLauncher {
  public:
+  // There are no windows to minimise for a program started from here.
+  bool RunMinimisedAndWait(std::string_view commandLine) override { return RunAndWait(commandLine); }
   bool EditTextFile(std::string_view windowsPath) override { return Open(windowsPath); }
   bool OpenWithDefaultApplication(std::string_view windowsPath) override { return Open(windowsPath); }
 

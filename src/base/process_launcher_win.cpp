@@ -40,6 +40,25 @@ class WindowsProcessLauncher final : public ProcessLauncher {
     return true;
   }
 
+  bool RunMinimisedAndWait(std::string_view commandLine) override {
+    std::wstring line = Wide(commandLine);
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESHOWWINDOW;
+    startup.wShowWindow = SW_SHOWMINNOACTIVE;
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                        &process)) {
+      return false;
+    }
+    CloseHandle(process.hThread);
+    WaitForSingleObject(process.hProcess, INFINITE);
+    DWORD status = 1;
+    GetExitCodeProcess(process.hProcess, &status);
+    CloseHandle(process.hProcess);
+    return status == 0;
+  }
+
   bool OpenWithDefaultApplication(std::string_view windowsPath) override {
     const std::wstring path = Wide(windowsPath);
     const auto result = reinterpret_cast<INT_PTR>(

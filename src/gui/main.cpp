@@ -22,16 +22,21 @@ int main(int argc, char** argv) {
   const auto launcher = sw::base::CreateSystemProcessLauncher();
   const auto folder = sw::base::ProgramFolder().u8string();
 
-  sw::gui::MainWindow window({.registry = *registry,
-                              .settings = settings,
-                              .environment = sw::base::ProcessEnvironment(),
-                              .dialogs = dialogs,
-                              .launcher = *launcher,
-                              .startLog = &startLog,
-                              .programFolder = std::string(folder.begin(), folder.end()),
-                              .createExcel = {},
-                              .openWorkbook = {}});
-  dialogs.SetOwner(&window);
-  window.show();
-  return QApplication::exec();
+  // The window opens again after restoring the standard look, from the settings that wrote.
+  for (;;) {
+    sw::gui::MainWindow window({.registry = *registry,
+                                .settings = settings,
+                                .environment = sw::base::ProcessEnvironment(),
+                                .dialogs = dialogs,
+                                .launcher = *launcher,
+                                .startLog = &startLog,
+                                .programFolder = std::string(folder.begin(), folder.end()),
+                                .createExcel = {},
+                                .openWorkbook = {}});
+    dialogs.SetOwner(&window);
+    window.show();
+    const int status = QApplication::exec();
+    dialogs.SetOwner(nullptr);
+    if (!window.RestartRequested()) return status;
+  }
 }

@@ -24,12 +24,17 @@
 #include <cmath>
 
 #include "base/windows_path.h"
+#include "gui/about_box.h"
 #include "gui/busy_state.h"
 #include "gui/field_box.h"
+#include "gui/options_dialog.h"
 #include "gui/preview_grid.h"
 #include "gui/report_table_model.h"
+#include "gui/theme_look.h"
 #include "preview/preview_controls.h"
 #include "preview/preview_edits.h"
+#include "session/themes.h"
+#include "session/toolbar_layout.h"
 #include "settings/window_placement.h"
 
 namespace sw::gui {
@@ -68,10 +73,20 @@ QString StartLabel(const char* text) {
   return QString::fromUtf8(text);
 }
 
+// The version the toolbar layout is saved with; a layout of another version is not restored.
+constexpr int kToolbarLayoutVersion = 1;
+
+void FillBackground(QWidget* widget, const QColor& colour) {
+  QPalette palette = widget->palette();
+  palette.setColor(QPalette::Window, colour);
+  widget->setPalette(palette);
+  widget->setAutoFillBackground(true);
+}
+
 }  // namespace
 
 MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
-    : QMainWindow(parent), services_(std::move(services)), warning_(services_.dialogs) {
+    : QMainWindow(parent), services_(std::move(services)), warning_(services_.settings, this) {
   setObjectName(QStringLiteral("frmMain"));
   setWindowTitle(QString::fromUtf8(base::kApplicationTitle));
   BuildWidgets();
@@ -103,14 +118,20 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
       // the width the user will see.
       layout()->activate();
       centralWidget()->layout()->activate();
-      const QByteArray layout =
-          QByteArray::fromBase64(QByteArray::fromStdString(services_.settings.GetAppSetting("Layout", "")));
-      if (!layout.isEmpty()) restoreState(layout);
+      theme_ = session::StartTheme(services_.settings);
+      const QByteArray layout = QByteArray::fromBase64(QByteArray::fromStdString(
+          session::LoadToolbarLayout(services_.settings, settings::kMainWindowName)));
+      if (!layout.isEmpty()) restoreState(layout, kToolbarLayoutVersion);
+      Command(kCommandStandardToolbar)->setChecked(!bars_.standard()->isHidden());
+      ShowTheme(theme_);
     });
   });
 }
 
 MainWindow::~MainWindow() {
+  // Children losing the focus while they are destroyed (an edited picker, a field box) must not reach
+  // a window that is no longer one.
+  for (QObject* child : findChildren<QObject*>()) QObject::disconnect(child, nullptr, this, nullptr);
   // The grid reads the session's table to the end, so it goes before the session does.
   delete grid_;
   delete model_;
@@ -137,10 +158,6 @@ void MainWindow::BuildWidgets() {
   fraFiles_ = new QGroupBox(StartLabel("Filer"), central);
   fraFiles_->setObjectName(QStringLiteral("fraFiles"));
   auto* files = new QGridLayout(fraFiles_);
-  cboRdsDir_ = new QComboBox(fraFiles_);
-  cboRdsDir_->setObjectName(QStringLiteral("cboRdsDir"));
-  cboRdsDir_->setEditable(true);
-  cboRdsDir_->setInsertPolicy(QComboBox::NoInsert);
   cboRdsFile_ = new QComboBox(fraFiles_);
   cboRdsFile_->setObjectName(QStringLiteral("cboRdsFile"));
   lblError_ = new QLabel(fraFiles_);
@@ -151,12 +168,10 @@ void MainWindow::BuildWidgets() {
   cboVoltDump_->setObjectName(QStringLiteral("cboVoltDump"));
   cboVoltDump_->setEditable(true);
   cboVoltDump_->setInsertPolicy(QComboBox::NoInsert);
-  for (QComboBox* combo : {cboRdsDir_, cboRdsFile_, cboVoltDump_}) {
+  for (QComboBox* combo : {cboRdsFile_, cboVoltDump_}) {
     combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     combo->setMinimumContentsLength(20);
   }
-  files->addWidget(new QLabel(StartLabel("Katalog rapportmallar(RDS)"), fraFiles_), 0, 0);
-  files->addWidget(cboRdsDir_, 0, 1);
   files->addWidget(new QLabel(StartLabel("Rapportmall"), fraFiles_), 1, 0);
   files->addWidget(cboRdsFile_, 1, 1);
   files->addWidget(lblError_, 2, 1);
@@ -200,46 +215,108 @@ void MainWindow::BuildWidgets() {
   statusBar()->addPermanentWidget(summary_);
 }
 
+QWidget* MainWindow::BuildTemplateDirectoryControl() {
+  auto* control = new QWidget(this);
+  control->setObjectName(QStringLiteral("ctlRdsDir"));
+  auto* row = new QHBoxLayout(control);
+  row->setContentsMargins(2, 0, 2, 0);
+  cboRdsDir_ = new QComboBox(control);
+  cboRdsDir_->setObjectName(QStringLiteral("cboRdsDir"));
+  cboRdsDir_->setEditable(true);
+  cboRdsDir_->setInsertPolicy(QComboBox::NoInsert);
+  cboRdsDir_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  cboRdsDir_->setMinimumContentsLength(16);
+  auto* caption = new QLabel(StartLabel("Katalog rapportmallar(RDS)"), control);
+  caption->setObjectName(QStringLiteral("lblRdsDir"));
+  caption->setBuddy(cboRdsDir_);
+  row->addWidget(caption);
+  row->addWidget(cboRdsDir_, 1);
+  return control;
+}
+
 void MainWindow::BuildCommands() {
-  auto command = [this](int id, const char* caption, const char* toolTip) {
-    auto* action = new QAction(QString::fromUtf8(caption), this);
-    action->setObjectName(QStringLiteral("cmd%1").arg(id));
-    if (toolTip) action->setToolTip(QString::fromUtf8(toolTip));
-    return action;
-  };
-  QAction* exit = command(kCommandExit, "&Avsluta", nullptr);
-  QAction* next = command(kCommandNext, "&Nästa", "Gå till vy med textfält för ritningshuvud");
-  QAction* previous = command(kCommandPrevious, "&Föregående", "Gå till vy med rapportinnehåll");
-  QAction* generate = command(kCommandGenerate, "Generera Excel-dokument",
-                              "Starta generering av Excel-dokument av rapporten");
-  // The toolbar button has its own caption and a description.
-  generate->setIconText(QString::fromUtf8("&Generera Excel-dokument"));
-  generate->setStatusTip(QString::fromUtf8("Genererar Excel-dokument"));
-  QAction* refresh = command(kCommandRefresh, "Uppdatera VOLTARIS-rapport", "Uppdatera VOLTARIS-rapport");
-  QAction* choose = command(kCommandChooseTextFile, "Välj textfil...", nullptr);
-  previous->setEnabled(false);
+  bars_ = BuildCommandBars(*this, dispatcher_, BuildTemplateDirectoryControl());
+  Command(kCommandPrevious)->setEnabled(false);
+  ConnectCommands();
+}
 
-  QMenu* file = menuBar()->addMenu(QString::fromUtf8("&Arkiv"));
-  file->setObjectName(QStringLiteral("mnuArkiv"));
-  file->addAction(generate);
-  file->addAction(exit);
+void MainWindow::ConnectCommands() {
+  auto& on = dispatcher_;
+  on.On(kCommandExit, [this] { close(); });
+  for (const auto& theme : session::Themes()) {
+    on.On(theme.commandId, [this, number = theme.number] { ApplyTheme(number); });
+  }
+  on.On(kCommandStandardToolbar, [this] { ToggleStandardToolbar(); });
+  on.On(kCommandIncludeEmptyRows, [this] { Apply([this] { session_->ToggleIncludeEmptyRows(); }); });
+  on.On(kCommandSlashTwo, [this] { Apply([this] { session_->ToggleUseSlashTwo(); }); });
+  on.On(kCommandSingleSheet, [this] { Apply([this] { session_->ToggleSingleSheet(); }); });
+  on.On(kCommandFixExport, [this] {
+    Apply([this] {
+      session_->FixExport(true);
+      session_->ShowPageBreaks();
+    });
+  });
+  on.On(kCommandNext, [this] { SwitchView(true); });
+  on.On(kCommandPrevious, [this] { SwitchView(false); });
+  on.On(kCommandGenerate, [this] { Generate(); });
+  on.On(kCommandResetAppearance, [this] { ResetAppearance(); });
+  on.On(kCommandRefresh, [this] { Apply([this] { session_->Refresh(); }); });
+  on.On(kCommandChooseTextFile, [this] { Apply([this] { session_->ChooseDumpFile(); }); });
+  on.On(kCommandEditIni, [this] { session_->EditTemplateIni(); });
+  on.On(kCommandEditTemplate, [this] { session_->EditTemplateWorkbook(); });
+  on.On(kCommandEditDump, [this] { session_->EditReportDump(); });
+  on.On(kCommandOptions, [this] {
+    RunOptionsDialog(this, *session_, services_.settings,
+                     [this](const std::function<void()>& op) { Apply(op); });
+  });
+  on.On(kCommandAbout, [this] { RunAboutBox(this, ThemeColour()); });
+  // Ctrl+V (902) and Ctrl+A (901) have no action by design.
+}
 
-  runBar_ = addToolBar(QString::fromUtf8("Utför"));
-  runBar_->setObjectName(QStringLiteral("barUtfor"));
-  runBar_->addAction(previous);
-  runBar_->addAction(next);
-  runBar_->addAction(generate);
-  reportBar_ = addToolBar(QString::fromUtf8("VOLTARIS-rapport"));
-  reportBar_->setObjectName(QStringLiteral("barVoltarisRapport"));
-  reportBar_->addAction(refresh);
-  reportBar_->addAction(choose);
+std::int32_t MainWindow::ThemeColour() const {
+  return session::ThemeOrDefault(theme_).colour;
+}
 
-  connect(exit, &QAction::triggered, this, &QWidget::close);
-  connect(next, &QAction::triggered, this, [this] { SwitchView(true); });
-  connect(previous, &QAction::triggered, this, [this] { SwitchView(false); });
-  connect(generate, &QAction::triggered, this, &MainWindow::Generate);
-  connect(refresh, &QAction::triggered, this, [this] { Apply([this] { session_->Refresh(); }); });
-  connect(choose, &QAction::triggered, this, [this] { Apply([this] { session_->ChooseDumpFile(); }); });
+void MainWindow::ApplyTheme(int themeNumber) {
+  services_.settings.SaveAppSetting("Theme", std::to_string(themeNumber));
+  ShowTheme(themeNumber);
+}
+
+void MainWindow::ShowTheme(int themeNumber) {
+  theme_ = themeNumber;
+  const session::ThemeEntry look = session::ThemeOrDefault(themeNumber);
+  ApplyThemeLook(look);
+  const QColor colour = FromPackedColour(look.colour);
+  FillBackground(this, colour);
+  FillBackground(fraFiles_, colour);
+  FillBackground(fraFields_, colour);
+  for (QLabel* label : lblField_) FillBackground(label, colour);
+  // Exactly one entry checked, the chosen one; a stored number no command chooses checks none.
+  for (const auto& theme : session::Themes())
+    Command(theme.commandId)->setChecked(theme.number == themeNumber);
+}
+
+void MainWindow::ShowCommands() {
+  const session::Session& ws = *session_;
+  Command(kCommandIncludeEmptyRows)->setChecked(ws.IncludeEmptyRows());
+  Command(kCommandSlashTwo)->setChecked(ws.UseSlashTwo());
+  Command(kCommandSingleSheet)->setChecked(ws.SingleSheet());
+  Command(kCommandSingleSheet)->setEnabled(ws.SingleSheetEnabled());
+}
+
+void MainWindow::ToggleStandardToolbar() {
+  QToolBar* standard = bars_.standard();
+  standard->setVisible(standard->isHidden());
+  Command(kCommandStandardToolbar)->setChecked(!standard->isHidden());
+}
+
+void MainWindow::ResetAppearance() {
+  const auto defaults = session::AskResetAppearance(services_.dialogs, services_.programFolder);
+  if (!defaults) return;
+  // The window closes with its usual saves; closing finishes the reset, and the program opens the
+  // window again from the settings the defaults file wrote.
+  defaultsFile_ = *defaults;
+  close();
 }
 
 QAction* MainWindow::Command(int id) const {
@@ -323,8 +400,21 @@ void MainWindow::SavePlacement() {
 void MainWindow::closeEvent(QCloseEvent* event) {
   SavePlacement();
   session_->Close();
-  services_.settings.SaveAppSetting("Layout", saveState().toBase64().toStdString());
+  session::SaveToolbarLayout(services_.settings, settings::kMainWindowName,
+                             saveState(kToolbarLayoutVersion).toBase64().toStdString());
   event->accept();
+  if (defaultsFile_) {
+    std::unique_ptr<session::DefaultsMerger> platformMerger;
+    session::DefaultsMerger* merger = services_.defaultsMerger;
+    if (!merger) {
+      platformMerger = session::CreateDefaultsMerger(services_.launcher, services_.settings);
+      merger = platformMerger.get();
+    }
+    session::RestoreStandardAppearance(services_.settings, *merger, settings::kMainWindowName,
+                                       *defaultsFile_);
+    defaultsFile_.reset();
+    restartRequested_ = true;
+  }
 }
 
 void MainWindow::Apply(const std::function<void()>& operation) {
@@ -337,10 +427,18 @@ void MainWindow::Apply(const std::function<void()>& operation) {
   for (int c = 0; c < model_->columnCount(); ++c) widths.push_back(grid_->columnWidth(c));
   columnsNeedLayout_ = false;
 
-  model_->Freeze();
-  operation();
-  model_->Thaw();
-  busy_ = false;
+  {
+    // A failing operation still leaves the grid attached and the window ready for the next one.
+    struct Attached {
+      MainWindow& window;
+      ~Attached() {
+        window.model_->Thaw();
+        window.busy_ = false;
+      }
+    } attached{*this};
+    model_->Freeze();
+    operation();
+  }
 
   if (columnsNeedLayout_) {
     LayOutColumns();
@@ -402,6 +500,7 @@ void MainWindow::ShowSession() {
   QString text = QString::fromUtf8("Rader: %1   Placeringar: %2").arg(summary.rows).arg(summary.placements);
   if (summary.pages) text += QString::fromUtf8("   Sidor: %1").arg(*summary.pages);
   summary_->setText(text);
+  ShowCommands();
 }
 
 void MainWindow::ShowPopup(int tableRow, int pointerY, const QPoint& globalPos) {
@@ -444,8 +543,7 @@ void MainWindow::UpdateGenerateEnabled() {
 }
 
 void MainWindow::SetBusy(bool busy) {
-  runBar_->setEnabled(!busy);
-  reportBar_->setEnabled(!busy);
+  for (QToolBar* bar : bars_.toolbars) bar->setEnabled(!busy);
   menuBar()->setEnabled(!busy);
 }
 
@@ -474,12 +572,21 @@ void MainWindow::Generate() {
   progressBar_->setRange(0, 0);
   progressBar_->setVisible(true);
   RepaintPending();
-  const auto result = session_->Generate();
+  session::GenerationResult result;
+  {
+    // However the run ends, the pointer, the progress bar and the command bars come back.
+    struct Ready {
+      MainWindow& window;
+      ~Ready() {
+        window.SetGenerationPointer(generate::MousePointer::kDefault);
+        window.progressBar_->setVisible(false);
+        window.SetBusy(false);
+        window.busy_ = false;
+      }
+    } ready{*this};
+    result = session_->Generate();
+  }
   iniEditRequested_ = result.iniEditRequested;
-  SetGenerationPointer(generate::MousePointer::kDefault);
-  progressBar_->setVisible(false);
-  SetBusy(false);
-  busy_ = false;
   if (!pending_.Empty()) ShowSession();
 
   const std::string shown = result.ShownWorkbook();

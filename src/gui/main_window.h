@@ -5,8 +5,10 @@
 // the status bar hold nothing of their own.
 #include <QMainWindow>
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "base/dialogs.h"
@@ -16,6 +18,11 @@
 #include "generate/generate_workbook.h"
 #include "generate/generation_state.h"
 #include "generate/single_sheet_warning.h"
+#include "gui/command_bars.h"
+#include "gui/command_dispatcher.h"
+#include "gui/command_table.h"
+#include "gui/warning_dialog.h"
+#include "session/appearance_reset.h"
 #include "session/session.h"
 #include "settings/settings.h"
 #include "settings/start_log.h"
@@ -45,15 +52,9 @@ struct MainWindowServices {
   generate::ApplicationFactory createExcel;      // empty: the workbook engine of this platform
   // Opens the workbook a generation leaves showing (host path); empty: the desktop's default application.
   std::function<void(const std::string&)> openWorkbook;
+  // Writes "Init.reg" into the settings when the standard look is restored; none: this platform's way.
+  session::DefaultsMerger* defaultsMerger = nullptr;
 };
-
-// Command ids of the window's menus and toolbars; each QAction is named "cmd<id>".
-inline constexpr int kCommandExit = 100;
-inline constexpr int kCommandNext = 401;
-inline constexpr int kCommandPrevious = 402;
-inline constexpr int kCommandGenerate = 403;
-inline constexpr int kCommandRefresh = 704;
-inline constexpr int kCommandChooseTextFile = 706;
 
 class MainWindow final : public QMainWindow, private session::SessionObserver {
   Q_OBJECT
@@ -64,6 +65,18 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
 
   session::Session& Session() { return *session_; }
   QAction* Command(int id) const;
+  // Every command of the menus, toolbars and taken keys runs through here.
+  CommandDispatcher& Dispatcher() { return dispatcher_; }
+
+  // The current theme's number and its command-bar colour (0x00BBGGRR), the background the window's
+  // frames and labels have and the dialogs are coloured with.
+  int Theme() const { return theme_; }
+  std::int32_t ThemeColour() const;
+  // Stores `themeNumber` as "Theme", shows its look and checks exactly its entry.
+  void ApplyTheme(int themeNumber);
+
+  // The window closed to restore the standard look and is to be opened again from the settings.
+  bool RestartRequested() const { return restartRequested_; }
 
   // Shows what the session holds now.
   void ShowSession();
@@ -73,8 +86,15 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
 
  private:
   void BuildWidgets();
+  QWidget* BuildTemplateDirectoryControl();
   void BuildCommands();
+  // Every command id and its action, in one place.
+  void ConnectCommands();
   void ConnectWidgets();
+  void ShowTheme(int themeNumber);
+  void ShowCommands();
+  void ToggleStandardToolbar();
+  void ResetAppearance();
   void RestorePlacement();
   void SavePlacement();
   // Runs one session operation with the grid detached from the table, then shows the result.
@@ -95,7 +115,12 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   std::unique_ptr<session::Session> session_;
   session::Changes pending_;       // what the session changed since the window last showed it
   bool iniEditRequested_ = false;  // the last run opened the INI file for editing
-  generate::MessageSingleSheetWarning warning_;
+  DialogSingleSheetWarning warning_;
+  CommandDispatcher dispatcher_;
+  CommandBars bars_;
+  int theme_ = 2;
+  std::optional<std::string> defaultsFile_;  // set when closing to restore the standard look
+  bool restartRequested_ = false;
 
   QComboBox* cboRdsDir_ = nullptr;
   QComboBox* cboRdsFile_ = nullptr;
@@ -110,8 +135,6 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   ReportTableModel* model_ = nullptr;
   QProgressBar* progressBar_ = nullptr;
   QLabel* summary_ = nullptr;
-  QToolBar* runBar_ = nullptr;
-  QToolBar* reportBar_ = nullptr;
   bool fieldsShown_ = false;
   bool busy_ = false;
   bool columnsNeedLayout_ = false;

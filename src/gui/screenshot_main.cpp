@@ -1,11 +1,19 @@
-// sheetwright-screenshot OUT.png [--options-dialog OPTIONS.png]: starts the main window as `sheetwright`
-// does (same settings, same environment, its placement included), waits until it is painted and saves
-// a picture of it, and of the options dialog over it when asked. Run offscreen by scripts/screenshot.sh
-// for the README.
+// sheetwright-screenshot FOLDER: starts the main window as `sheetwright` does (same settings, same
+// environment, its placement included), waits until it is painted and saves the README's pictures in
+// FOLDER: the window (main_window.png), the window with the menu "Verktyg" open
+// (main_window_tools_menu.png), two themes side by side (themes.png) and the options dialog over the
+// window (options_dialog.png). Run offscreen by
+// scripts/screenshot.sh, against settings of its own: choosing the themes stores "Theme" there.
+#include <QAction>
 #include <QApplication>
-#include <QCommandLineParser>
+#include <QDir>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
 #include <QTimer>
 #include <cstdio>
+#include <functional>
+#include <vector>
 
 #include "base/environment.h"
 #include "base/process_launcher.h"
@@ -17,41 +25,113 @@
 #include "settings/settings.h"
 #include "settings/start_log.h"
 
+namespace {
+
+using sw::gui::MainWindow;
+
+// Lets the window settle: layouts, repaints and popups happen on the event loop.
+void Settle() {
+  for (int i = 0; i < 5; ++i) QApplication::processEvents();
+}
+
+// The window with its open menu drawn where it stands on the screen (a popup is a window of its own,
+// so grabbing the main window alone leaves it out).
+QImage WindowWithMenu(MainWindow& window, const QString& title) {
+  QMenu* menu = nullptr;
+  for (QAction* action : window.menuBar()->actions()) {
+    if (action->text() == title) {
+      menu = action->menu();
+      window.menuBar()->setActiveAction(action);
+    }
+  }
+  Settle();
+  QImage shot = window.grab().toImage();
+  if (menu && menu->isVisible()) {
+    const QPoint at = window.mapFromGlobal(menu->mapToGlobal(QPoint(0, 0)));
+    QPainter painter(&shot);
+    painter.drawPixmap(at, menu->grab());
+  }
+  if (menu) menu->close();
+  Settle();
+  return shot;
+}
+
+QImage WindowInTheme(MainWindow& window, int themeNumber) {
+  window.ApplyTheme(themeNumber);
+  Settle();
+  return window.grab().toImage();
+}
+
+QImage SideBySide(const QImage& left, const QImage& right) {
+  constexpr int kGap = 16;
+  QImage both(left.width() + kGap + right.width(), std::max(left.height(), right.height()),
+              QImage::Format_RGB32);
+  both.fill(Qt::white);
+  QPainter painter(&both);
+  painter.drawImage(0, 0, left);
+  painter.drawImage(left.width() + kGap, 0, right);
+  return both;
+}
+
+struct Shot {
+  const char* file;
+  std::function<QImage(MainWindow&)> take;
+};
+
+}  // namespace
+
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  QCommandLineParser parser;
-  parser.addPositionalArgument(QStringLiteral("OUT.png"), QStringLiteral("picture of the main window"));
-  const QCommandLineOption optionsDialog(QStringLiteral("options-dialog"),
-                                         QStringLiteral("also a picture of the options dialog"),
-                                         QStringLiteral("OPTIONS.png"));
-  parser.addOption(optionsDialog);
-  parser.process(application);
-  if (parser.positionalArguments().size() != 1) {
-    std::fprintf(stderr, "usage: sheetwright-screenshot OUT.png [--options-dialog OPTIONS.png]\n");
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: sheetwright-screenshot FOLDER\n");
     return 2;
   }
-  const QString windowPicture = parser.positionalArguments().front();
-
   const sw::settings::StartLog startLog(sw::base::ProcessEnvironment());
   auto registry = sw::cadenv::OpenUserRegistry();
   sw::settings::RegistrySettings settings(*registry);
   sw::gui::QtDialogs dialogs;
   const auto launcher = sw::base::CreateSystemProcessLauncher();
-  sw::gui::MainWindow window({.registry = *registry,
-                              .settings = settings,
-                              .environment = sw::base::ProcessEnvironment(),
-                              .dialogs = dialogs,
-                              .launcher = *launcher,
-                              .startLog = &startLog,
-                              .programFolder = {},
-                              .createExcel = {},
-                              .openWorkbook = {}});
+  MainWindow window({.registry = *registry,
+                     .settings = settings,
+                     .environment = sw::base::ProcessEnvironment(),
+                     .dialogs = dialogs,
+                     .launcher = *launcher,
+                     .startLog = &startLog,
+                     .programFolder = {},
+                     .createExcel = {},
+                     .openWorkbook = {}});
   window.show();
-  int status = 1;
+  // The offscreen screen is 800 pixels wide, which cuts the restored width; the README shows the
+  // window as wide as the settings ask, where every toolbar button has room.
+  window.resize(1000, window.height());
+
+  // In this order: the plain window first, in the theme the settings start it with. A dialog's picture
+  // is one more entry here.
+  const std::vector<Shot> shots{
+      {"main_window.png", [](MainWindow& w) { return w.grab().toImage(); }},
+      {"main_window_tools_menu.png",
+       [](MainWindow& w) { return WindowWithMenu(w, QStringLiteral("Ver&ktyg")); }},
+      {"themes.png",
+       [](MainWindow& w) {
+         const QImage classic = WindowInTheme(w, 0);  // "Standard"
+         const QImage office = WindowInTheme(w, 6);   // "Office 2007"
+         return SideBySide(classic, office);
+       }},
+  };
+  const QDir folder(QString::fromLocal8Bit(argv[1]));
+  int status = 0;
   QTimer::singleShot(500, &window, [&] {
-    status = window.grab().save(windowPicture) ? 0 : 1;
-    if (status == 0 && parser.isSet(optionsDialog)) {
-      status = sw::gui::SaveOptionsDialogPicture(window, settings, parser.value(optionsDialog)) ? 0 : 1;
+    for (const Shot& shot : shots) {
+      const QString path = folder.filePath(QString::fromUtf8(shot.file));
+      if (!shot.take(window).save(path)) {
+        std::fprintf(stderr, "cannot write %s\n", path.toLocal8Bit().constData());
+        status = 1;
+      }
+    }
+    const QString options = folder.filePath(QStringLiteral("options_dialog.png"));
+    if (!sw::gui::SaveOptionsDialogPicture(window, settings, options)) {
+      std::fprintf(stderr, "cannot write %s\n", options.toLocal8Bit().constData());
+      status = 1;
     }
     QApplication::quit();
   });

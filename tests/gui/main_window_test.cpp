@@ -152,7 +152,7 @@ void MainWindowTest::startUpShowsTheLastDumpAndCloseSavesInOrder() {
   QVERIFY(window->close());
   QCOMPARE(started.settings.saved,
            (List{"frmMain\\Top", "frmMain\\Left", "frmMain\\Height", "frmMain\\Width", "frmMain\\WinState",
-                 "Width", "Height", "WinState", "LastVoltDmp", "LastRdsDir", "Layout"}));
+                 "Width", "Height", "WinState", "LastVoltDmp", "LastRdsDir", "Layout\\frmMain"}));
   QCOMPARE(started.install.settings.GetAppSetting("WinState", "", "frmMain"), std::string("0"));
   QCOMPARE(started.install.settings.GetAppSetting("LastRdsDir", ""), std::string("C:\\Projektmallar\\"));
 

@@ -9,6 +9,12 @@ namespace sw::testing {
 
 StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepare) {
   if (prepare) prepare(install);
+  Reopen();
+}
+
+void StartedWindow::Reopen() {
+  if (window && window->isVisible()) window->close();
+  window.reset();
   window = std::make_unique<gui::MainWindow>(
       gui::MainWindowServices{.registry = install.registry,
                               .settings = settings,
@@ -18,7 +24,8 @@ StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepa
                               .startLog = &log,
                               .programFolder = "C:\\Program\\",
                               .createExcel = {},
-                              .openWorkbook = [this](const std::string& path) { opened.push_back(path); }});
+                              .openWorkbook = [this](const std::string& path) { opened.push_back(path); },
+                              .defaultsMerger = &defaults});
   window->resize(900, 600);
   window->show();
   if (!QTest::qWaitForWindowExposed(window.get())) throw std::runtime_error("the window is not shown");

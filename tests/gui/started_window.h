@@ -39,12 +39,17 @@ class NoLauncher final : public base::ProcessLauncher {
  public:
   bool EditTextFile(std::string_view) override { return false; }
   bool OpenWithDefaultApplication(std::string_view) override { return false; }
+  bool RunMinimisedAndWait(std::string_view) override { return false; }
 };
 
 struct StartedWindow {
   // `prepare` changes the installation before the window starts.
   explicit StartedWindow(const std::function<void(FakeInstallation&)>& prepare = {});
   ~StartedWindow();
+
+  // Starts the program's window again over the same installation and settings, as the next run (or
+  // the restart after restoring the standard look) does; the previous window is closed first if open.
+  void Reopen();
 
   // The message column of the start log.
   std::vector<std::string> LogMessages() const;
@@ -58,6 +63,8 @@ struct StartedWindow {
   settings::StartLog log{logSwitch, install.temp.path()};
   RecordingSettings settings{install.settings};
   NoLauncher launcher;
+  // "Init.reg" read by the program itself on every platform, so the reset is seen in `settings`.
+  session::SettingsDefaultsMerger defaults{settings};
   std::vector<std::string> opened;  // workbooks handed to the desktop
   std::unique_ptr<gui::MainWindow> window;
 };

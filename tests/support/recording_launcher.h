@@ -14,6 +14,8 @@ class RecordingLauncher final : public base::ProcessLauncher {
   std::vector<std::string> opened;
   std::vector<std::string> commandLines;
   bool starts = true;  // false: as if no program could be started (still recorded)
+  std::vector<std::string> waitedFor;  // command lines run minimised and waited for
+  bool runSucceeds = true;
   bool EditTextFile(std::string_view path) override {
     edited.emplace_back(path);
     return starts;
@@ -25,6 +27,10 @@ class RecordingLauncher final : public base::ProcessLauncher {
   bool StartCommandLine(std::string_view commandLine) override {
     commandLines.emplace_back(commandLine);
     return starts;
+  }
+  bool RunMinimisedAndWait(std::string_view commandLine) override {
+    waitedFor.emplace_back(commandLine);
+    return runSucceeds;
   }
 };
 
