@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/dialogs.h"
+#include "base/environment.h"
 #include "settings/settings.h"
 
 namespace sw::bench {
@@ -32,6 +33,12 @@ class SilentDialogs final : public base::Dialogs {
     return base::MessageAnswer::kOk;
   }
   std::optional<std::string> ShowFileDialog(const base::FileDialogRequest&) override { return target; }
+};
+
+// No variables at all: no CAD installation, no start log.
+class EmptyEnvironment final : public base::Environment {
+ public:
+  std::optional<std::string> Get(std::string_view) const override { return std::nullopt; }
 };
 
 }  // namespace sw::bench

@@ -50,7 +50,7 @@ struct BenchWindow {
   }
 
   sw::cadenv::PortableRegistry registry;
-  sw::base::FakeEnvironment environment;
+  sw::bench::EmptyEnvironment environment;
   sw::bench::DefaultSettings settings;
   sw::bench::SilentDialogs dialogs;
   NoLauncher launcher;

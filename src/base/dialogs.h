@@ -3,6 +3,7 @@
 // command line prints "<title>: <text>" and answers from --yes, tests script the answers.
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace sw::base {
 
@@ -20,13 +21,22 @@ struct Message {
   MessageButtons buttons = MessageButtons::kOk;
 };
 
+// One entry of a file dialog's type list: the text the user reads and the name patterns it stands for.
+struct FileFilter {
+  std::string label;     // "(Textfil *.txt)", shown as the program writes it
+  std::string patterns;  // "*.txt"; several separated by ";"
+  bool operator==(const FileFilter&) const = default;
+};
+
 struct FileDialogRequest {
-  bool save = false;  // save dialog (target file) or open dialog
+  enum class Kind { kOpen, kSave };
+  Kind kind = Kind::kOpen;
   std::string title;
-  std::string filter;  // "(Textfil *.txt)|*.txt" as the program writes it
+  std::vector<FileFilter> filters;
   std::string initialFolder;
-  std::string fileName;
-  unsigned long flags = 0;  // the Windows OFN_* flags the program passes
+  std::string fileName;           // the name the dialog starts with
+  bool mustExist = false;         // only a file that exists, in a folder that exists, can be chosen
+  bool confirmOverwrite = false;  // choosing an existing file asks before it is taken
 };
 
 class Dialogs {

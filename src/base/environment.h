@@ -20,18 +20,6 @@ class SystemEnvironment final : public Environment {
   std::optional<std::string> Get(std::string_view name) const override;
 };
 
-// A fixed set of variables; names match ignoring case, as on Windows.
-class FakeEnvironment final : public Environment {
- public:
-  FakeEnvironment() = default;
-  FakeEnvironment(std::initializer_list<std::pair<const std::string, std::string>> values);
-  void Set(std::string name, std::string value);
-  std::optional<std::string> Get(std::string_view name) const override;
-
- private:
-  std::map<std::string, std::string> values_;  // keys upper-cased
-};
-
 // The process-wide environment object.
 Environment& ProcessEnvironment();
 

@@ -15,7 +15,7 @@ char32_t NextFolded(std::string_view s, std::size_t& pos) {
   const auto b0 = static_cast<unsigned char>(s[pos]);
   if (b0 < 0x80) {
     ++pos;
-    return (b0 >= 'A' && b0 <= 'Z') ? b0 + 32 : b0;
+    return static_cast<unsigned char>(AsciiLowerChar(static_cast<char>(b0)));
   }
   if ((b0 & 0xE0) == 0xC0 && pos + 1 < s.size() && (static_cast<unsigned char>(s[pos + 1]) & 0xC0) == 0x80) {
     char32_t cp = ((b0 & 0x1F) << 6) | (static_cast<unsigned char>(s[pos + 1]) & 0x3F);
@@ -45,15 +45,13 @@ std::string_view TrimBlanks(std::string_view text) {
 
 std::string AsciiUpper(std::string_view text) {
   std::string out(text);
-  std::transform(out.begin(), out.end(), out.begin(),
-                 [](char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c; });
+  std::transform(out.begin(), out.end(), out.begin(), AsciiUpperChar);
   return out;
 }
 
 std::string AsciiLower(std::string_view text) {
   std::string out(text);
-  std::transform(out.begin(), out.end(), out.begin(),
-                 [](char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; });
+  std::transform(out.begin(), out.end(), out.begin(), AsciiLowerChar);
   return out;
 }
 

@@ -12,6 +12,13 @@ std::string_view TrimSpaces(std::string_view text);
 // Removes the blanks the Windows profile and registry readers strip: space, tab, CR, LF, VT, FF.
 std::string_view TrimBlanks(std::string_view text);
 
+// ASCII letters only; every other byte, UTF-8 included, is kept.
+constexpr char AsciiUpperChar(char c) {
+  return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
+}
+constexpr char AsciiLowerChar(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
 std::string AsciiUpper(std::string_view text);
 std::string AsciiLower(std::string_view text);
 

@@ -7,7 +7,7 @@
 namespace sw::base {
 
 void WindowsPathResolver::MapDrive(char letter, std::filesystem::path folder) {
-  const char key = (letter >= 'a' && letter <= 'z') ? static_cast<char>(letter - 32) : letter;
+  const char key = AsciiUpperChar(letter);
   if (folder.empty()) {
     drives_.erase(key);
   } else {

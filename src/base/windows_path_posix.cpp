@@ -4,14 +4,11 @@
 #include <vector>
 
 #include "base/strings.h"
+#include "base/utf8_path.h"
 #include "base/windows_path.h"
 
 namespace sw::base {
 namespace {
-
-std::filesystem::path FromUtf8(std::string_view text) {
-  return std::filesystem::path(std::u8string(text.begin(), text.end()));
-}
 
 bool Exists(const std::filesystem::path& path) {
   std::error_code error;
@@ -33,7 +30,7 @@ std::optional<std::filesystem::path> FindIgnoringCase(const std::filesystem::pat
     if (EqualsIgnoreCase(entryName, name) && (!best || entryName < *best)) best = std::string(entryName);
   }
   if (!best) return std::nullopt;
-  return folder / FromUtf8(*best);
+  return folder / PathFromUtf8(*best);
 }
 
 }  // namespace
@@ -43,7 +40,7 @@ std::filesystem::path WindowsPathResolver::Resolve(std::string_view windowsPath)
   std::string_view rest = windowsPath;
   if (rest.size() >= 2 && rest[1] == ':' &&
       ((rest[0] >= 'A' && rest[0] <= 'Z') || (rest[0] >= 'a' && rest[0] <= 'z'))) {
-    const char letter = rest[0] >= 'a' ? static_cast<char>(rest[0] - 32) : rest[0];
+    const char letter = AsciiUpperChar(rest[0]);
     if (auto it = drives_.find(letter); it != drives_.end()) {
       result = it->second;
       rest.remove_prefix(2);
@@ -59,7 +56,7 @@ std::filesystem::path WindowsPathResolver::Resolve(std::string_view windowsPath)
     const std::string_view part = rest.substr(start, end - start);
     start = end + 1;
     if (part.empty()) continue;
-    const auto spelled = result / FromUtf8(part);
+    const auto spelled = result / PathFromUtf8(part);
     if (!lookUp || part == "." || part == ".." || Exists(spelled)) {
       result = spelled;
       continue;

@@ -12,6 +12,7 @@
 #include "base/environment.h"
 #include "base/file_io.h"
 #include "base/program_folder.h"
+#include "base/utf8_path.h"
 #include "cadenv/enumeration_buffer.h"
 #include "cadenv/file_lock.h"
 
@@ -21,10 +22,6 @@ namespace {
 // A name the registration file could not hold: its lines cannot carry a line break.
 bool HasLineBreak(std::string_view name) {
   return name.find_first_of("\r\n") != std::string_view::npos;
-}
-
-std::filesystem::path PathFromUtf8(const std::string& text) {
-  return std::filesystem::path(std::u8string(text.begin(), text.end()));
 }
 
 std::string Timestamp() {
@@ -40,15 +37,15 @@ PortableRegistry::PortableRegistry(std::filesystem::path file) : file_(std::move
 
 std::filesystem::path PortableRegistry::DefaultPath(const base::Environment& environment) {
   if (auto explicitPath = environment.Get("SHEETWRIGHT_REGISTRY"); explicitPath && !explicitPath->empty()) {
-    return PathFromUtf8(*explicitPath);
+    return base::PathFromUtf8(*explicitPath);
   }
   const std::filesystem::path relative = std::filesystem::path("sheetwright") / "registry.reg";
   if (auto config = environment.Get("XDG_CONFIG_HOME"); config && !config->empty()) {
-    const auto folder = PathFromUtf8(*config);
+    const auto folder = base::PathFromUtf8(*config);
     if (folder.is_absolute()) return folder / relative;
   }
   if (auto home = environment.Get("HOME"); home && !home->empty()) {
-    return PathFromUtf8(*home) / ".config" / relative;
+    return base::PathFromUtf8(*home) / ".config" / relative;
   }
   return base::ProgramFolder() / "registry.reg";
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/strings.h"
+
 namespace sw::cadenv {
 namespace {
 
@@ -11,7 +13,7 @@ char32_t NextUpper(std::string_view s, std::size_t& pos) {
   const auto b0 = static_cast<unsigned char>(s[pos]);
   if (b0 < 0x80) {
     ++pos;
-    return (b0 >= 'a' && b0 <= 'z') ? b0 - 32 : b0;
+    return static_cast<unsigned char>(base::AsciiUpperChar(static_cast<char>(b0)));
   }
   std::size_t length = (b0 & 0xE0) == 0xC0 ? 2 : (b0 & 0xF0) == 0xE0 ? 3 : (b0 & 0xF8) == 0xF0 ? 4 : 0;
   if (length == 0 || pos + length > s.size()) {

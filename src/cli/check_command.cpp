@@ -3,14 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <ostream>
 
-#include "base/windows_path.h"
-#include "cli/console_dialogs.h"
-#include "cli/template_path.h"
-#include "cli/template_workbook_check.h"
-#include "report/report_table.h"
+#include "base/environment.h"
+#include "cli/cli_session.h"
+#include "cli/user_settings.h"
+#include "settings/settings.h"
 #include "templates/field_panel.h"
 #include "templates/template_definition.h"
-#include "templates/template_ini.h"
 
 namespace sw::cli {
 
@@ -52,24 +50,14 @@ void WriteTemplateSummary(std::ostream& out, const templates::TemplateDefinition
 }  // namespace
 
 int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) {
-  ConsoleDialogs dialogs(err, /*answerYes=*/false);
-  templates::TemplateDefinition definition;
-  templates::FieldPanel fields;
-  report::ReportTable preview;
-  const TemplateLocation location = SplitTemplatePath(options.workbook);
-  // Pairing goes by name alone; generation also needs the workbook itself.
-  if (!base::WindowsFileExists(options.workbook)) {
-    dialogs.ShowMessage({"Hittar ej filen " + options.workbook + ".", "Fel", base::MessageIcon::kInformation,
-                         base::MessageButtons::kOk});
+  auto registry = OpenUserSettings(err);
+  if (!registry) return 1;
+  settings::RegistrySettings stored(*registry);
+  CliSession cli(err, {.answerYes = false, .readOnly = true}, *registry, stored, base::ProcessEnvironment());
+  auto& session = cli.Session();
+  if (!session.CheckTemplate(options.workbook, [&err](std::string_view warning) { err << warning << '\n'; }))
     return 1;
-  }
-  if (!templates::FindIniForTemplate(location.folder, location.file, definition, fields, preview, dialogs))
-    return 1;
-  const auto validation = templates::ValidateTemplateIni(definition.IniPath, definition, dialogs);
-  if (!validation.Accepted() || definition.IniError) return 1;
-  WarnAboutPageLayout(definition, err);
-  if (!OpenTemplateAsGenerationWould(options.workbook, definition, dialogs)) return 1;
-  WriteTemplateSummary(out, definition, fields);
+  WriteTemplateSummary(out, session.Definition(), session.Fields());
   return 0;
 }
 

@@ -5,23 +5,13 @@
 #include <optional>
 
 #include "base/environment.h"
-#include "cadenv/registry.h"
-#include "cli/console_dialogs.h"
+#include "cli/cli_session.h"
 #include "cli/file_name_option.h"
 #include "cli/table_output.h"
-#include "cli/template_path.h"
 #include "cli/user_settings.h"
-#include "generate/page_count.h"
-#include "preview/export_fixup.h"
-#include "preview/preview_page_breaks.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
-#include "settings/overlay_settings.h"
 #include "settings/settings.h"
-#include "templates/current_report.h"
-#include "templates/field_panel.h"
-#include "templates/template_definition.h"
-#include "templates/template_ini.h"
 
 namespace sw::cli {
 
@@ -55,78 +45,39 @@ void AddPreviewCommand(CLI::App& app, PreviewOptions& options) {
       ->check(zeroOrOne);
 }
 
-namespace {
-
-// The pages generation would make, with the page length generation reads (its INI check, which can
-// differ from the preview's); nothing when that check would stop generation. Its messages are not
-// shown again here: the preview has already told what is wrong with the INI file.
-std::optional<int> PagesOfGeneration(const report::ReportTable& table,
-                                     templates::TemplateDefinition definition) {
-  std::ostream discard(nullptr);
-  ConsoleDialogs quiet(discard, /*answerYes=*/false);
-  if (!templates::ValidateTemplateIni(definition.IniPath, definition, quiet).Accepted()) return std::nullopt;
-  return generate::CountPages(table, definition.EndRow - definition.StartRow + 1, definition.Infinite);
-}
-
-}  // namespace
-
 int RunPreview(const PreviewOptions& options, std::ostream& out, std::ostream& err) {
   auto registry = OpenUserSettings(err);
   if (!registry) return 1;
   settings::RegistrySettings stored(*registry);
-  settings::OverlaySettings settings(stored);
+  CliSession cli(err, {.answerYes = options.yes, .readOnly = false}, *registry, stored,
+                 base::ProcessEnvironment());
+  auto& settings = cli.Settings();
   if (options.includeEmptyRows) settings.Override("IncludeEmptyRows", *options.includeEmptyRows);
   if (options.slashTwo) settings.Override("UseSlashTwo", *options.slashTwo);
   if (options.showPageBreaks) settings.Override("ShowPageBreaks", *options.showPageBreaks);
 
-  ConsoleDialogs dialogs(err, options.yes);
-  report::ReportTable table;
-  templates::TemplateDefinition definition;
-  templates::FieldPanel fields;
-  preview::PreviewPageLayout layout(definition, dialogs, settings);
-
-  report::PreviewContext context{.dumpPath = options.dump,
-                                 .settings = settings,
-                                 .dialogs = dialogs,
-                                 .layoutColumns = {},
-                                 .reloadTemplateLayout = {},
-                                 .showPageBreaks = {}};
-  if (options.templateWorkbook) {
-    // The main window pairs the template before it reads the dump, so the headings are in place.
-    const TemplateLocation location = SplitTemplatePath(*options.templateWorkbook);
-    layout.SetTemplate(location.folder, location.file);
-    templates::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
-    context.reloadTemplateLayout = [&layout] { layout.ReloadLayout(); };
-    context.showPageBreaks = [&layout, &table] { layout.ShowPageBreaks(table); };
-  }
+  auto& session = cli.Session();
+  // The main window pairs the template before it reads the dump, so the headings are in place.
+  if (options.templateWorkbook) session.UseTemplateWorkbook(*options.templateWorkbook);
   // A dump that could not be read ends the run; the template's messages alone do not.
-  const auto read = report::PreviewVoltDump(table, context);
+  const auto read = session.OpenReportDump(options.dump);
   if (read == report::PreviewResult::kNotFound || read == report::PreviewResult::kUnreadable) return 1;
 
   if (options.fixExport) {
-    const auto current = templates::ReadCurrentReport(base::ProcessEnvironment(), {});
-    // As in the window, the template check after the repair pairs the INI file again: the inserted
-    // column has pushed the headings one place right.
-    const auto pairAgain = [&] {
-      if (!options.templateWorkbook) return;
-      const TemplateLocation location = SplitTemplatePath(*options.templateWorkbook);
-      templates::FindIniForTemplate(location.folder, location.file, definition, fields, table, dialogs);
-    };
-    if (preview::AdjustExportFile(true, current.reportId, base::ProcessEnvironment(), dialogs, table,
-                                  pairAgain)) {
-      layout.ShowPageBreaks(table);
-    }
+    session.ReadCurrentReport();
+    if (session.FixExport(true)) session.ShowPageBreaks();
   }
 
   if (options.json) {
-    WriteRowsAsJson(out, table);
+    WriteRowsAsJson(out, session.Table());
   } else if (options.summary) {
-    TableSummary summary = Summarize(table);
-    if (options.templateWorkbook && !definition.IniPath.empty())
-      summary.pages = PagesOfGeneration(table, definition);
-    WriteSummary(out, summary);
+    const auto counted = session.Summary();
+    WriteSummary(out, {.rows = counted.rows,
+                       .columns = session.Table().Cols(),
+                       .placements = counted.placements,
+                       .pages = counted.pages});
   } else {
-    WriteRowsAsText(out, table);
+    WriteRowsAsText(out, session.Table());
   }
   return out.good() ? 0 : 1;
 }

@@ -5,16 +5,15 @@
 #include <string>
 #include <vector>
 
-namespace sw::discovery {
+#include "base/system_colours.h"
 
-// The system window-background colour (&H80000005) the pickers are drawn with.
-inline constexpr std::uint32_t kWindowBackground = 0x80000005;
+namespace sw::discovery {
 
 struct ComboPicker {
   std::vector<std::string> items;
   std::string text;
   int selected = -1;  // index into items, −1 when the text is no list entry
-  std::uint32_t backColour = kWindowBackground;
+  std::uint32_t backColour = base::kSystemWindowBackground;  // the pickers' own colour
 
   int Count() const { return static_cast<int>(items.size()); }
   // Empties the list and the text; clearing is no choice, so it raises no change handling.

@@ -11,7 +11,7 @@ StepFailure DescribeFailure(std::exception_ptr error) {
   } catch (const NumberedError& numbered) {
     return {numbered.number(), numbered.what()};
   } catch (const std::filesystem::filesystem_error&) {
-    return {kPathFileAccessError, "Fel vid åtkomst till sökväg/fil"};
+    return {kPathFileAccess, "Fel vid åtkomst till sökväg/fil"};
   } catch (const std::bad_alloc&) {
     return {kOutOfMemory, "Slut på minne"};
   } catch (const std::exception& other) {
@@ -22,7 +22,7 @@ StepFailure DescribeFailure(std::exception_ptr error) {
 }
 
 void ReportStepFailure(base::Dialogs& dialogs, const StepFailure& failure) {
-  if (failure.number == kApplicationDefinedError) return;
+  if (failure.number == kApplicationDefined) return;
   dialogs.ShowMessage({.text = std::to_string(failure.number) + " - " + failure.description,
                        .title = {},
                        .icon = base::MessageIcon::kExclamation,

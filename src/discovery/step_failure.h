@@ -7,15 +7,16 @@
 #include <string>
 
 #include "base/dialogs.h"
+#include "base/error_numbers.h"
 
 namespace sw::discovery {
 
-inline constexpr int kInvalidProcedureCall = 5;
-inline constexpr int kOutOfMemory = 7;
-inline constexpr int kPermissionDenied = 70;
-inline constexpr int kPathFileAccessError = 75;
+using base::kInvalidProcedureCall;
+using base::kOutOfMemory;
+using base::kPathFileAccess;
+using base::kPermissionDenied;
 // An error raised by Excel; a refresh step skips it without a word.
-inline constexpr int kApplicationDefinedError = 1004;
+using base::kApplicationDefined;
 
 class NumberedError : public std::runtime_error {
  public:

@@ -1,6 +1,8 @@
 #pragma once
 // Excel's enumeration values, under Excel's own names so calls read like the automation code they
 // stand for.
+#include "base/error_numbers.h"
+
 namespace sw::excel {
 
 enum class XlPasteType : int { xlPasteAll = -4104, xlPasteFormats = -4122, xlPasteValues = -4163 };
@@ -25,13 +27,11 @@ enum class XlTextQualifier : int {
 enum class XlColumnDataType : int { xlGeneralFormat = 1, xlTextFormat = 2, xlSkipColumn = 9 };
 
 // The run-time error numbers callers tell apart.
-enum ErrorNumber : int {
-  kSubscriptOutOfRange = 9,
-  kDeviceUnavailable = 68,
-  kPermissionDenied = 70,
-  kObjectNotSet = 91,
-  kCannotCreateObject = 429,
-  kApplicationDefined = 1004,
-};
+using base::kApplicationDefined;
+using base::kCannotCreateObject;
+using base::kDeviceUnavailable;
+using base::kObjectNotSet;
+using base::kPermissionDenied;
+using base::kSubscriptOutOfRange;
 
 }  // namespace sw::excel

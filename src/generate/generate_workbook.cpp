@@ -20,8 +20,6 @@ namespace {
 using base::MessageIcon;
 
 // OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOREADONLYRETURN | OFN_EXPLORER
-constexpr unsigned long kTargetDialogFlags = 0x89802;
-
 // Windows' save dialog answers with "\"; a path typed on the command line elsewhere has "/".
 std::string FolderOf(std::string_view path) {
   const auto cut = path.find_last_of("\\/");
@@ -30,7 +28,7 @@ std::string FolderOf(std::string_view path) {
 
 // VB's Left(text, length): a negative length is error 5, as it always was.
 std::string LeftCharacters(std::string_view text, int length) {
-  if (length < 0) RaiseRunError(5);
+  if (length < 0) RaiseRunError(base::kInvalidProcedureCall);
   std::size_t end = 0;
   for (int taken = 0; end < text.size() && taken < length; ++taken) {
     ++end;
@@ -62,11 +60,12 @@ bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, co
   }
 
   base::FileDialogRequest request;
-  request.save = true;
+  request.kind = base::FileDialogRequest::Kind::kSave;
   request.title = "Ange filnamn för fil som skall skapas";
-  request.filter = TargetFilter(extension);
+  request.filters = {TargetFilter(extension)};
   request.initialFolder = settings.GetAppSetting("ResultPath", run.services.programFolder);
-  request.flags = kTargetDialogFlags;
+  // Asked before anything is written: replacing a workbook the user already has is confirmed first.
+  request.confirmOverwrite = true;
   const auto chosen = run.services.dialogs.ShowFileDialog(request);
   if (!chosen || chosen->empty()) {
     inputs.targetPath.clear();
@@ -275,9 +274,9 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefini
 
 }  // namespace
 
-std::string TargetFilter(std::string_view extension) {
+base::FileFilter TargetFilter(std::string_view extension) {
   const std::string ext(extension);
-  return "(Kalkylblad *." + ext + ")|*." + ext;
+  return {"(Kalkylblad *." + ext + ")", "*." + ext};
 }
 
 std::string TemplateExtension(std::string_view templateFile) {

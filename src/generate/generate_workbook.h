@@ -68,8 +68,8 @@ struct GenerationOutcome {
   std::string templateBackup;
 };
 
-// The target dialog's filter for a template extension ("xlsx" → "(Kalkylblad *.xlsx)|*.xlsx").
-std::string TargetFilter(std::string_view extension);
+// The target dialog's filter for a template extension ("xlsx" → "(Kalkylblad *.xlsx)" for *.xlsx).
+base::FileFilter TargetFilter(std::string_view extension);
 // The template's extension: everything after its last ".", lower-cased.
 std::string TemplateExtension(std::string_view templateFile);
 

@@ -6,6 +6,7 @@
 
 #include "base/file_identity.h"
 #include "base/file_io.h"
+#include "base/utf8_path.h"
 #include "base/windows_path.h"
 #include "generate/run_error.h"
 
@@ -93,13 +94,12 @@ bool BackUpTemplate(GenerationRun& run) {
 #endif
   const std::string name = TemplateBackupName(run.inputs.templateFile, local);
   std::string shown = run.inputs.templateFolder + "\\" + name;
-  std::filesystem::path backup =
-      source.parent_path() / std::filesystem::path(std::u8string(name.begin(), name.end()));
+  std::filesystem::path backup = source.parent_path() / base::PathFromUtf8(name);
   for (int n = 2; std::filesystem::exists(backup, error) && n < 100; ++n) {
     const std::string numbered =
         name.substr(0, name.rfind(')')) + " " + std::to_string(n) + name.substr(name.rfind(')'));
     shown = run.inputs.templateFolder + "\\" + numbered;
-    backup = source.parent_path() / std::filesystem::path(std::u8string(numbered.begin(), numbered.end()));
+    backup = source.parent_path() / base::PathFromUtf8(numbered);
   }
   if (base::CopyFileKeepingExisting(source, backup)) {
     run.Tell("Mallen " + run.templatePath +
@@ -146,7 +146,7 @@ std::string TemplateBackupName(std::string_view templateFile, const std::tm& loc
 }
 
 int FirstDataColumn(const templates::TemplateDefinition& definition) {
-  if (definition.DataColumns.empty()) RaiseRunError(9);
+  if (definition.DataColumns.empty()) RaiseRunError(base::kSubscriptOutOfRange);
   return definition.DataColumns.front();
 }
 

@@ -6,22 +6,20 @@
 #include <string>
 #include <string_view>
 
+#include "base/error_numbers.h"
 #include "excel/automation.h"
 
 namespace sw::generate {
 
-// Excel's numbers (68, 70, 429, 1004) and the run's own VB numbers, under one set of names.
-using excel::kApplicationDefined;
-using excel::kCannotCreateObject;
-using excel::kDeviceUnavailable;
-using excel::kPermissionDenied;
-
-enum RunErrorNumber : int {
-  kOverflow = 6,
-  kTypeMismatch = 13,
-  kFileNotFound = 53,
-  kPathFileAccess = 75,
-};
+// Excel's numbers (68, 70, 429, 1004) and the run's own (6, 13, 53, 75), under one set of names.
+using base::kApplicationDefined;
+using base::kCannotCreateObject;
+using base::kDeviceUnavailable;
+using base::kFileNotFound;
+using base::kOverflow;
+using base::kPathFileAccess;
+using base::kPermissionDenied;
+using base::kTypeMismatch;
 
 // The description that goes with `number`, in the program's language.
 std::string RunErrorDescription(int number);

@@ -76,15 +76,13 @@ QString MessageText(const std::string& text) {
 
 }  // namespace
 
-QString QtNameFilter(const std::string& programFilter) {
-  const QStringList parts = FromUtf8(programFilter).split(QLatin1Char('|'));
-  QStringList filters;
-  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
-    filters << parts[i] + QStringLiteral(" (") +
-                   QString(parts[i + 1]).replace(QLatin1Char(';'), QLatin1Char(' ')) + QLatin1Char(')');
+QString QtNameFilter(const std::vector<base::FileFilter>& filters) {
+  QStringList names;
+  for (const auto& filter : filters) {
+    names << FromUtf8(filter.label) + QStringLiteral(" (") +
+                 FromUtf8(filter.patterns).replace(QLatin1Char(';'), QLatin1Char(' ')) + QLatin1Char(')');
   }
-  if (filters.isEmpty()) return FromUtf8(programFilter);
-  return filters.join(QStringLiteral(";;"));
+  return names.join(QStringLiteral(";;"));
 }
 
 base::MessageAnswer QtDialogs::ShowMessage(const base::Message& message) {
@@ -96,13 +94,14 @@ base::MessageAnswer QtDialogs::ShowMessage(const base::Message& message) {
 std::optional<std::string> QtDialogs::ShowFileDialog(const base::FileDialogRequest& request) {
   const auto folder = base::ResolveWindowsPath(request.initialFolder);
   QFileDialog dialog(owner_, FromUtf8(request.title), QString::fromStdString(folder.string()),
-                     QtNameFilter(request.filter));
-  if (request.save) {
+                     QtNameFilter(request.filters));
+  if (request.kind == base::FileDialogRequest::Kind::kSave) {
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, !request.confirmOverwrite);
   } else {
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
   }
   if (!request.fileName.empty()) dialog.selectFile(FromUtf8(request.fileName));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;

@@ -7,9 +7,9 @@
 
 namespace sw::gui {
 
-// "(Textfil *.txt)|*.txt" as a Qt name filter: the description as the program wrote it, followed by
-// the pattern in parentheses, one filter per description/pattern pair.
-QString QtNameFilter(const std::string& programFilter);
+// A file dialog's filters as a Qt name filter: each label as the program wrote it, followed by its
+// patterns in parentheses.
+QString QtNameFilter(const std::vector<base::FileFilter>& filters);
 
 class QtDialogs final : public base::Dialogs {
  public:

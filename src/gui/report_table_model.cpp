@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QPixmap>
 
+#include "base/system_colours.h"
 #include "report/colours.h"
 
 namespace sw::gui {
@@ -37,7 +38,7 @@ QString ToQString(std::string_view text) {
 }  // namespace
 
 QColor GridColour(report::Colour colour) {
-  if (colour == report::kDefaultBack || colour == report::kWindowBackground) return {};
+  if (colour == report::kDefaultBack || colour == base::kSystemWindowBackground) return {};
   return QColor(static_cast<int>(colour & 0xFF), static_cast<int>((colour >> 8) & 0xFF),
                 static_cast<int>((colour >> 16) & 0xFF));
 }

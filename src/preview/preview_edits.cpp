@@ -1,5 +1,7 @@
 #include "preview/preview_edits.h"
 
+#include "base/system_colours.h"
+
 namespace sw::preview {
 namespace {
 
@@ -10,7 +12,7 @@ bool IsGreen(const report::ReportTable& table, int row) {
 // Column 0 as an ordinary row has it: the grid's default or the window background a reset leaves.
 bool IsPlain(const report::ReportTable& table, int row) {
   const auto colour = table.BackColour(row, 0);
-  return colour == report::kWindowBackground || colour == report::kDefaultBack;
+  return colour == base::kSystemWindowBackground || colour == report::kDefaultBack;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "base/strings.h"
+#include "base/system_colours.h"
 #include "base/windows_path.h"
 #include "templates/template_ini.h"
 
@@ -19,7 +20,7 @@ void MarkRow(report::ReportTable& table, int row) {
 void ResetPageBreakMarks(report::ReportTable& table) {
   for (int row = 1; row < table.Rows(); ++row) {
     if (table.BackColour(row, 0) != report::kPageBreakYellow) continue;
-    table.SetBackColour(row, 0, report::kWindowBackground);
+    table.SetBackColour(row, 0, base::kSystemWindowBackground);
     table.SetPicture(row, 0, report::CellPicture::kBlank);
     table.SetPicture(row, 1, report::CellPicture::kBlank);
   }

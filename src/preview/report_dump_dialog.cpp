@@ -5,12 +5,12 @@ namespace sw::preview {
 std::optional<std::string> ChooseReportDump(base::Dialogs& dialogs, settings::Settings& settings,
                                             std::string_view programFolder) {
   base::FileDialogRequest request;
-  request.save = false;
+  request.kind = base::FileDialogRequest::Kind::kOpen;
   request.title = "Välj textfil";
-  request.filter = "(Textfil *.txt)|*.txt";
+  request.filters = {{"(Textfil *.txt)", "*.txt"}};
   request.initialFolder = settings.GetAppSetting("DumpPath", programFolder);
   request.fileName = "";
-  request.flags = kReportDumpDialogFlags;
+  request.mustExist = true;  // only a dump that exists can be read
   auto chosen = dialogs.ShowFileDialog(request);
   if (!chosen || chosen->empty()) return std::nullopt;
   // Windows names end their folder at "\"; a host dialog elsewhere may use "/".

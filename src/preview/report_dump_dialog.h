@@ -9,11 +9,7 @@
 
 namespace sw::preview {
 
-// The flags the program passes: overwrite prompt, path and file must exist, no read-only return,
-// explorer style.
-inline constexpr unsigned long kReportDumpDialogFlags = 563202;
-
-// Shows the open dialog ("Välj textfil", "(Textfil *.txt)|*.txt", starting in the setting "DumpPath",
+// Shows the open dialog ("Välj textfil", "(Textfil *.txt)" for *.txt, starting in the setting "DumpPath",
 // default `programFolder`). A chosen file's folder (up to and including its last "\") is saved as
 // "DumpPath" and its full path returned; the caller puts it in the dump picker and loads it.
 // Cancelling returns nothing and changes nothing.

@@ -6,6 +6,7 @@
 #include "base/windows_path.h"
 #include "discovery/refresh_files.h"
 #include "generate/page_count.h"
+#include "generate/template_check.h"
 #include "preview/export_fixup.h"
 #include "preview/preview_controls.h"
 #include "preview/report_dump_dialog.h"
@@ -15,6 +16,7 @@
 #include "session/template_ini_path.h"
 #include "templates/current_report.h"
 #include "templates/template_ini.h"
+#include "templates/template_path.h"
 
 namespace sw::session {
 namespace {
@@ -206,6 +208,7 @@ void Session::TemplateChanged() {
 }
 
 void Session::TemplateDirectoryChanged() {
+  templateNamedByPath_ = false;
   RefillTemplates();
   Notify(Change::kPickers);
 }
@@ -231,9 +234,8 @@ void Session::ChooseTemplate(int index) {
 }
 
 void Session::UseTemplateWorkbook(std::string_view path) {
-  const auto cut = path.find_last_of("\\/");
-  const std::string folder = cut == std::string_view::npos ? "." : std::string(path.substr(0, cut));
-  const std::string file(cut == std::string_view::npos ? path : path.substr(cut + 1));
+  const auto [folder, file] = templates::SplitTemplatePath(path);
+  templateNamedByPath_ = true;
   rdsDir_.SetText(folder);
   templateListFolder_ = folder;
   rdsFile_.items = {file};
@@ -305,12 +307,34 @@ bool Session::FixExport(bool force) {
   // panel follow the INI file; choosing the template again would reload the dump and undo the repair.
   const bool fixed = preview::AdjustExportFile(
       force, currentReportId_, services_.environment, services_.dialogs, table_, [this] {
+        if (templateNamedByPath_) {
+          PairTemplate();
+          return;
+        }
         if (!templates::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) return;
         templateListFolder_ = rdsDir_.text;
         PairTemplate();
       });
   if (fixed) Notify(Change::kTable | Change::kPickers);
   return fixed;
+}
+
+bool Session::CheckTemplate(std::string_view workbookPath,
+                            const std::function<void(std::string_view)>& warn) {
+  // Pairing goes by name alone; generation also needs the workbook itself.
+  if (!base::WindowsFileExists(workbookPath)) {
+    services_.dialogs.ShowMessage({"Hittar ej filen " + std::string(workbookPath) + ".", "Fel",
+                                   base::MessageIcon::kInformation, base::MessageButtons::kOk});
+    return false;
+  }
+  UseTemplateWorkbook(workbookPath);
+  if (definition_.IniPath.empty()) return false;
+  const auto validation = templates::ValidateTemplateIni(definition_.IniPath, definition_, services_.dialogs);
+  if (!validation.Accepted() || definition_.IniError) return false;
+  if (warn) {
+    for (const auto& warning : generate::PageLayoutWarnings(definition_)) warn(warning);
+  }
+  return generate::OpenTemplateAsGenerationWould(std::string(workbookPath), definition_, services_.dialogs);
 }
 
 void Session::ShowPageBreaks() {

@@ -13,6 +13,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/dialogs.h"
@@ -133,8 +134,15 @@ class Session {
   void ChooseTemplateDirectory(int index);
   void ChooseTemplate(int index);
   // A template named by path, as the command line gives it: its folder stands in the directory
-  // picker (without listing it) and the workbook is paired as if chosen.
+  // picker (without listing it) and the workbook is paired as if chosen. Until another directory is
+  // chosen the template stays as named: the export repair's template check pairs it again instead of
+  // listing the folder, which would pick the current report's template.
   void UseTemplateWorkbook(std::string_view path);
+  // The checks generation makes on a template named by path before it writes anything: the workbook
+  // exists, its INI file pairs and passes generation's INI check, and the workbook opens with both
+  // sheets [Tabs] names. Problems are told through the dialogs, layouts that are hardly what was meant
+  // through `warn`; the template stays in use. Whether generation would go on.
+  bool CheckTemplate(std::string_view workbookPath, const std::function<void(std::string_view)>& warn);
   void TypeReportDump(std::string text);
   void ChooseReportDump(int index);
   // A dump named by path, as the command line gives it: shown in the dump picker and loaded, but not
@@ -229,7 +237,8 @@ class Session {
 
   discovery::ComboPicker rdsDir_;
   templates::TemplatePicker rdsFile_;
-  std::string templateListFolder_;  // the folder the template list shows (FileXls.Path)
+  std::string templateListFolder_;    // the folder the template list shows (FileXls.Path)
+  bool templateNamedByPath_ = false;  // UseTemplateWorkbook: the folder was not listed
   discovery::ComboPicker voltDump_;
   discovery::ComboPicker sheetNo_;
   templates::FieldPanel fields_;

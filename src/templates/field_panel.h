@@ -9,9 +9,6 @@ namespace sw::templates {
 
 inline constexpr int kFieldCount = 30;
 
-// The system window background (&H80000005) a field box gets once the template enables it.
-inline constexpr std::uint32_t kFieldWindowBackground = 0x80000005;
-
 struct FieldEntry {
   std::string caption;  // the label's text
   std::string text;     // the box's text

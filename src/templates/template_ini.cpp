@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/strings.h"
+#include "base/system_colours.h"
 #include "base/upper_case.h"
 #include "base/windows_path.h"
 #include "templates/cell_reference.h"
@@ -127,7 +128,7 @@ bool ReadCommonFields(std::string_view iniPath, TemplateDefinition& definition, 
     entry.caption = record.Label;
     entry.text = record.DefaultText == "." ? today() : record.DefaultText;
     entry.enabled = true;
-    entry.backColour = kFieldWindowBackground;
+    entry.backColour = base::kSystemWindowBackground;  // enabled by the template
   }
 
   const std::string columns = ReadIniValue("Sheet", "Columns", iniPath);

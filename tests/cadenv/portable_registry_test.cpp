@@ -8,6 +8,7 @@
 
 #include "base/environment.h"
 #include "base/file_io.h"
+#include "fake_environment.h"
 #include "temp_dir.h"
 
 namespace sw::cadenv {
@@ -148,7 +149,7 @@ TEST(PortableRegistry, MergeOfABadFileChangesNothing) {
 }
 
 struct PathCase {
-  base::FakeEnvironment environment;
+  testing::FakeEnvironment environment;
   std::filesystem::path expected;
 };
 

@@ -120,7 +120,7 @@ TEST_F(RefreshFilesTest, ErrorsFromExcelAreSkippedSilently) {
                                  .environment = install_.environment,
                                  .dialogs = install_.dialogs,
                                  .startLog = {}};
-  const RefreshHooks hooks{.refreshTemplates = [] { throw NumberedError(kApplicationDefinedError, "Excel"); },
+  const RefreshHooks hooks{.refreshTemplates = [] { throw NumberedError(kApplicationDefined, "Excel"); },
                            .dumpChosen = [] { throw std::runtime_error("Trasig"); }};
   RefreshFiles(sources, rdsDir_, voltDump_, hooks);
   ASSERT_EQ(install_.dialogs.messages.size(), 1u);

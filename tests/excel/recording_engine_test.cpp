@@ -1,4 +1,4 @@
-#include "excel/recording_engine.h"
+#include "recording_engine.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "excel/recording_engine.h"
 #include "generate/generate_workbook.h"
 #include "generate/run_error.h"
 #include "memory_settings.h"
+#include "recording_engine.h"
 #include "recording_launcher.h"
 #include "report/add_grid_row.h"
 #include "report/colours.h"

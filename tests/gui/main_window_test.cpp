@@ -15,6 +15,7 @@
 #include <fstream>
 
 #include "base/file_io.h"
+#include "base/system_colours.h"
 #include "gui/field_box.h"
 #include "gui/report_table_model.h"
 #include "report/colours.h"
@@ -174,7 +175,7 @@ void MainWindowTest::gridShowsColoursPicturesAndHeadings() {
   QVERIFY(!HasPicture(model, 4, 1));
   QVERIFY(!HasPicture(model, 3, 0));
   QCOMPARE(model->index(2, 3).data().toString(), QString::fromUtf8("Fläkt"));
-  QCOMPARE(sw::gui::GridColour(sw::report::kWindowBackground).isValid(), false);
+  QCOMPARE(sw::gui::GridColour(sw::base::kSystemWindowBackground).isValid(), false);
   QCOMPARE(sw::gui::GridColour(0x00C0FFFF), kYellow);
 }
 
@@ -339,7 +340,8 @@ void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
   started.window->Command(sw::gui::kCommandGenerate)->trigger();
   QCOMPARE(dialogs.fileRequests.size(), std::size_t{1});
   QCOMPARE(dialogs.fileRequests[0].title, std::string("Ange filnamn för fil som skall skapas"));
-  QCOMPARE(dialogs.fileRequests[0].filter, std::string("(Kalkylblad *.xlsx)|*.xlsx"));
+  QCOMPARE(dialogs.fileRequests[0].filters,
+           (std::vector<sw::base::FileFilter>{{"(Kalkylblad *.xlsx)", "*.xlsx"}}));
   QCOMPARE(dialogs.fileRequests[0].initialFolder, std::string("C:\\Program\\"));
   QVERIFY(!std::filesystem::exists(target));
   QVERIFY(started.opened.empty());

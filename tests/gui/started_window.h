@@ -59,7 +59,7 @@ struct StartedWindow {
   QPoint RowPoint(int tableRow, int column = 1) const;
 
   FakeInstallation install;
-  base::FakeEnvironment logSwitch{{std::string(settings::kStartLogVariable), "1"}};
+  testing::FakeEnvironment logSwitch{{std::string(settings::kStartLogVariable), "1"}};
   settings::StartLog log{logSwitch, install.temp.path()};
   RecordingSettings settings{install.settings};
   NoLauncher launcher;

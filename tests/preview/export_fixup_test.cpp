@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "fake_environment.h"
 #include "scripted_dialogs.h"
 #include "temp_dir.h"
 
@@ -31,7 +32,7 @@ class ExportFixupTest : public ::testing::Test {
   }
 
   testing::TempDir windir_;
-  base::FakeEnvironment environment_{{"windir", windir_.path().string()}};
+  testing::FakeEnvironment environment_{{"windir", windir_.path().string()}};
   testing::ScriptedDialogs dialogs_;
   report::ReportTable table_ = ExportTable();
   int rechecks_ = 0;

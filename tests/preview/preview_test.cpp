@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "base/system_colours.h"
 #include "memory_settings.h"
 #include "preview/preview_controls.h"
 #include "preview/preview_edits.h"
@@ -13,7 +14,6 @@ namespace {
 using report::CellPicture;
 using report::kPageBreakYellow;
 using report::kTitleGreen;
-using report::kWindowBackground;
 
 // One character per report row: 'G' placement head (green, named after its row), 'B' manual break
 // (green, empty), 'Y' page-break mark, '.' ordinary row with text in column 1.
@@ -88,7 +88,7 @@ TEST(PageBreakMarksTest, ResetClearsColumnZeroOnly) {
   EXPECT_EQ(YellowRows(table), (std::vector<int>{2, 3}));
   ResetPageBreakMarks(table);
   EXPECT_TRUE(YellowRows(table).empty());
-  EXPECT_EQ(table.BackColour(3, 0), kWindowBackground);
+  EXPECT_EQ(table.BackColour(3, 0), base::kSystemWindowBackground);
   EXPECT_EQ(table.BackColour(3, 2), kPageBreakYellow);  // the rest of a former mark stays yellow
   EXPECT_EQ(table.Picture(3, 0), CellPicture::kBlank);
   EXPECT_EQ(table.Picture(3, 1), CellPicture::kBlank);
@@ -194,7 +194,7 @@ TEST(PreviewEditsTest, PopupEntriesFollowTheCurrentRow) {
 
 TEST(PreviewEditsTest, DoubleClickChoosesByRowState) {
   auto table = Table("G.BY..");
-  table.SetBackColour(6, 0, kWindowBackground);
+  table.SetBackColour(6, 0, base::kSystemWindowBackground);
   const std::vector<PreviewAction> expected{
       PreviewAction::kDeletePlacement,   PreviewAction::kNone,
       PreviewAction::kRemoveManualBreak, PreviewAction::kNone,

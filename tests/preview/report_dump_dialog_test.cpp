@@ -17,12 +17,12 @@ TEST(ReportDumpDialogTest, ChoosingSavesTheFolderAndCancellingChangesNothing) {
   EXPECT_TRUE(settings.values.empty());
   ASSERT_EQ(dialogs.fileRequests.size(), 1u);
   const auto& request = dialogs.fileRequests[0];
-  EXPECT_FALSE(request.save);
+  EXPECT_EQ(request.kind, base::FileDialogRequest::Kind::kOpen);
   EXPECT_EQ(request.title, "Välj textfil");
-  EXPECT_EQ(request.filter, "(Textfil *.txt)|*.txt");
+  EXPECT_EQ(request.filters, (std::vector<base::FileFilter>{{"(Textfil *.txt)", "*.txt"}}));
   EXPECT_EQ(request.initialFolder, "C:\\Program\\Sheetwright");
   EXPECT_EQ(request.fileName, "");
-  EXPECT_EQ(request.flags, 563202u);
+  EXPECT_TRUE(request.mustExist);
 
   EXPECT_EQ(ChooseReportDump(dialogs, settings, "C:\\Program\\Sheetwright"), "C:\\Dumpar\\rapport.txt");
   EXPECT_EQ(settings.GetAppSetting("DumpPath", ""), "C:\\Dumpar\\");

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/system_colours.h"
 #include "report/add_grid_row.h"
 #include "table_rows.h"
 
@@ -101,9 +102,9 @@ TEST(ReportTable, ColoursCoverTheirRunAndLaterColumnsStartDefault) {
   table.SetCols(3);
   table.SetRows(2);
   table.SetRowBackColour(1, 0, 2, kTitleGreen);
-  table.SetBackColour(1, 0, kWindowBackground);
+  table.SetBackColour(1, 0, base::kSystemWindowBackground);
   table.SetCols(5);
-  EXPECT_EQ(table.BackColour(1, 0), kWindowBackground);
+  EXPECT_EQ(table.BackColour(1, 0), base::kSystemWindowBackground);
   EXPECT_EQ(PaintedColumns(table, 1, kTitleGreen), "01100");
   table.SetRowBackColour(1, 0, 4, kPageBreakYellow);
   EXPECT_EQ(PaintedColumns(table, 1, kPageBreakYellow), "11111");

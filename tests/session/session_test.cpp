@@ -5,6 +5,7 @@
 #include "base/file_io.h"
 #include "fake_installation.h"
 #include "recording_launcher.h"
+#include "temp_dir.h"
 #include "templates/template_list.h"
 
 namespace sw::session {
@@ -53,7 +54,7 @@ class SessionTest : public ::testing::Test {
 
   testing::FakeInstallation install_;
   testing::RecordingLauncher launcher_;
-  base::FakeEnvironment logEnvironment_{{std::string(settings::kStartLogVariable), "1"}};
+  testing::FakeEnvironment logEnvironment_{{std::string(settings::kStartLogVariable), "1"}};
   settings::StartLog log_;
   CountingProgress progress_;
   Session session_;
@@ -171,7 +172,8 @@ TEST_F(SessionTest, ChoosingADumpFileRemembersItsFolder) {
   session_.ChooseDumpFile();
   ASSERT_EQ(install_.dialogs.fileRequests.size(), 2u);
   EXPECT_EQ(install_.dialogs.fileRequests[0].title, "Välj textfil");
-  EXPECT_EQ(install_.dialogs.fileRequests[0].filter, "(Textfil *.txt)|*.txt");
+  EXPECT_EQ(install_.dialogs.fileRequests[0].filters,
+            (std::vector<base::FileFilter>{{"(Textfil *.txt)", "*.txt"}}));
   EXPECT_EQ(session_.ReportDumps().text, kRegistryDump);
   EXPECT_EQ(session_.Table().Text(1, 0), "+B1 Rapport");
   EXPECT_EQ(install_.settings.GetAppSetting("DumpPath", ""), "C:\\VOLTARIS\\Rapport\\");
@@ -233,6 +235,50 @@ TEST_F(SessionTest, RepairPairsTheIniAgainSoTheHeadingsFollowIt) {
   EXPECT_EQ(session_.Table().Text(0, 2), "Kabel ");
   EXPECT_EQ(session_.Table().Text(0, 3), "Typ ");
   EXPECT_EQ(session_.Table().Text(1, 0), "+A1 Panel");  // the repair itself stays
+}
+
+TEST_F(SessionTest, RepairPairsATemplateNamedByPathAgainInsteadOfListingItsFolder) {
+  install_.Write("Projektmallar/Oversikt.ini",
+                 "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n[Common]\r\nProjekt=C3\r\n"
+                 "[Sheet]\r\nSTARTROW=10\r\nENDROW=40\r\nCOLUMNS=Plats,Kabel,Typ\r\n");
+  session_.Start();  // lists the folder: the current report's PANEL.xlsx is chosen
+  session_.UseTemplateWorkbook("C:\\Projektmallar\\Oversikt.xls");
+  ASSERT_EQ(session_.Table().Text(0, 1), "Plats ");
+  install_.dialogs.answers = {base::MessageAnswer::kYes};
+
+  ASSERT_TRUE(session_.FixExport(true));
+  // Listing the folder again would have gone back to PANEL.xlsx and its headings.
+  EXPECT_EQ(session_.Templates().items, (List{"Oversikt.xls"}));
+  EXPECT_EQ(session_.TemplatePath(), "C:\\Projektmallar\\Oversikt.xls");
+  EXPECT_EQ(session_.Definition().IniPath, "C:\\Projektmallar\\Oversikt.ini");
+  EXPECT_EQ(session_.Table().Text(0, 1), "Plats ");
+  EXPECT_EQ(session_.Table().Text(1, 0), "+A1 Panel");  // the repair itself stays
+}
+
+TEST_F(SessionTest, CheckTemplateTellsWhatGenerationWouldFindAndKeepsTheTemplate) {
+  install_.Write("Projektmallar/Mall.xlsx",
+                 base::ReadWholeFile(testing::DataFile("templates/title_block.xlsx")).value());
+  install_.Write("Projektmallar/Mall.ini",
+                 "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n[Common]\r\nProjekt=C3\r\n"
+                 "[Sheet]\r\nSHEETNO=H2\r\nNEXTSHEET=H3\r\nLOCATION=B5\r\nSTARTROW=0\r\nENDROW=40\r\n"
+                 "COLUMNS=A,B\r\n");
+  List warnings;
+  const auto warn = [&warnings](std::string_view warning) { warnings.emplace_back(warning); };
+
+  EXPECT_TRUE(session_.CheckTemplate("C:\\Projektmallar\\Mall.xlsx", warn));
+  EXPECT_EQ(warnings, (List{"Varning: STARTROW är 0; rader ovanför rad 1 hoppas över."}));
+  EXPECT_TRUE(install_.dialogs.messages.empty());
+  EXPECT_EQ(session_.TemplatePath(), "C:\\Projektmallar\\Mall.xlsx");
+  EXPECT_EQ(session_.Definition().TemplateSheetName, "Mall");
+  EXPECT_EQ(session_.Fields().entries[0].caption, "Projekt");
+
+  // A workbook the engine cannot read stops generation, in generation's words.
+  EXPECT_FALSE(session_.CheckTemplate("C:\\Projektmallar\\PANEL.xlsx", warn));
+  ASSERT_FALSE(install_.dialogs.messages.empty());
+  EXPECT_EQ(install_.dialogs.messages.back().title, "Filfel");
+
+  EXPECT_FALSE(session_.CheckTemplate("C:\\Projektmallar\\Saknas.xlsx", warn));
+  EXPECT_EQ(install_.dialogs.messages.back().text, "Hittar ej filen C:\\Projektmallar\\Saknas.xlsx.");
 }
 
 TEST_F(SessionTest, SummaryCountsRowsPlacementsAndThePagesGenerationWouldMake) {

@@ -6,6 +6,7 @@
 
 #include "base/environment.h"
 #include "base/file_io.h"
+#include "fake_environment.h"
 #include "temp_dir.h"
 
 namespace sw::settings {
@@ -14,7 +15,7 @@ namespace {
 TEST(StartLog, OffWritesNothing) {
   sw::testing::TempDir dir;
   for (const auto& environment :
-       {base::FakeEnvironment{}, base::FakeEnvironment{{"SHEETWRIGHT_STARTLOG", ""}}}) {
+       {testing::FakeEnvironment{}, testing::FakeEnvironment{{"SHEETWRIGHT_STARTLOG", ""}}}) {
     const StartLog log(environment, dir.path());
     EXPECT_FALSE(log.Enabled());
     log.WriteStartLog("Restore Mainform");
@@ -24,7 +25,7 @@ TEST(StartLog, OffWritesNothing) {
 
 TEST(StartLog, OnAppendsTimestampedLinesAcrossRuns) {
   sw::testing::TempDir dir;
-  const base::FakeEnvironment environment{{"SHEETWRIGHT_STARTLOG", "1"}};
+  const testing::FakeEnvironment environment{{"SHEETWRIGHT_STARTLOG", "1"}};
   {
     const StartLog firstRun(environment, dir.path());
     ASSERT_TRUE(firstRun.Enabled());
@@ -50,7 +51,7 @@ TEST(StartLog, OnAppendsTimestampedLinesAcrossRuns) {
 }
 
 TEST(StartLog, UnwritableFolderIsReported) {
-  const StartLog log(base::FakeEnvironment{{"SHEETWRIGHT_STARTLOG", "on"}}, "/nonexistent/folder");
+  const StartLog log(testing::FakeEnvironment{{"SHEETWRIGHT_STARTLOG", "on"}}, "/nonexistent/folder");
   EXPECT_FALSE(log.WriteStartLog("x"));
 }
 

@@ -7,6 +7,7 @@
 
 #include "base/environment.h"
 #include "cadenv/portable_registry.h"
+#include "fake_environment.h"
 #include "memory_settings.h"
 #include "scripted_dialogs.h"
 #include "temp_dir.h"
@@ -31,7 +32,7 @@ class FakeInstallation {
   TempDir temp;
   std::filesystem::path drive_;
   cadenv::PortableRegistry registry;
-  base::FakeEnvironment environment;
+  testing::FakeEnvironment environment;
   MemorySettings settings;
   ScriptedDialogs dialogs;
 };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "fake_environment.h"
 #include "memory_settings.h"
 #include "scripted_dialogs.h"
 #include "temp_dir.h"
@@ -16,7 +17,7 @@ TEST(CurrentReportTest, ReadsTheCadIniInTheWindowsFolder) {
   testing::TempDir windir;
   windir.Write("voltaris.ini",
                "[Other]\nREPORT_ID=NO\n[CurReport]\nreport_id=PANEL\nREPORT_FIRST=12\nREPORT_ID=FBLTAY\nX\n");
-  const base::FakeEnvironment environment{{"windir", windir.path().string()}};
+  const testing::FakeEnvironment environment{{"windir", windir.path().string()}};
   std::vector<std::string> log;
   const auto report = ReadCurrentReport(environment, [&](std::string_view line) { log.emplace_back(line); });
   EXPECT_EQ(report.reportId, "FBLTAY");  // the last of equal keys
@@ -28,7 +29,7 @@ TEST(CurrentReportTest, ReadsTheCadIniInTheWindowsFolder) {
 TEST(CurrentReportTest, MissingFileLeavesTheIdentifierEmpty) {
   testing::TempDir windir;
   for (const auto& environment :
-       {base::FakeEnvironment{{"windir", windir.path().string()}}, base::FakeEnvironment{}}) {
+       {testing::FakeEnvironment{{"windir", windir.path().string()}}, testing::FakeEnvironment{}}) {
     std::vector<std::string> log;
     const auto report =
         ReadCurrentReport(environment, [&](std::string_view line) { log.emplace_back(line); });

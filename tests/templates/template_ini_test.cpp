@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/system_colours.h"
 #include "base/text_codec.h"
 #include "scripted_dialogs.h"
 #include "temp_dir.h"
@@ -54,7 +55,7 @@ TEST_F(TemplateIniTest, CommonFieldsFillRecordsPanelAndPreviewHeadings) {
   EXPECT_EQ(fields_.entries[1].text, "2024-05-01");
   EXPECT_EQ(fields_.entries[2].text, "AB");
   for (int i = 0; i < kFieldCount; ++i) EXPECT_EQ(fields_.entries[i].enabled, i < 3) << i;
-  EXPECT_EQ(fields_.entries[0].backColour, kFieldWindowBackground);
+  EXPECT_EQ(fields_.entries[0].backColour, base::kSystemWindowBackground);
 
   ASSERT_EQ(preview_.Cols(), 5);
   EXPECT_EQ(preview_.Text(0, 0), "");

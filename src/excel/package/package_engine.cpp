@@ -6,8 +6,10 @@
 #include <tuple>
 #include <vector>
 
+#include "base/error_numbers.h"
 #include "base/file_io.h"
 #include "base/strings.h"
+#include "base/utf8_path.h"
 #include "excel/automation.h"
 #include "excel/cell_address.h"
 #include "excel/error_texts.h"
@@ -20,12 +22,9 @@ namespace sw::excel {
 
 namespace {
 
-std::filesystem::path PathFromUtf8(const std::string& path) {
-  return std::filesystem::path(std::u8string(path.begin(), path.end()));
-}
-
 std::string Extension(const std::string& path) {
-  return base::AsciiLower(reinterpret_cast<const char*>(PathFromUtf8(path).extension().u8string().c_str()));
+  return base::AsciiLower(
+      reinterpret_cast<const char*>(base::PathFromUtf8(path).extension().u8string().c_str()));
 }
 
 [[noreturn]] void Rejected(const std::string& description) {
@@ -35,14 +34,8 @@ std::string Extension(const std::string& path) {
 // What Excel reports when Windows refuses a file: a locked or write-protected file is "permission
 // denied", a missing drive or medium "device unavailable", anything else an Excel error.
 [[noreturn]] void ThrowFileError(const std::error_code& error, const std::string& path, bool writing) {
-  if (error == std::errc::permission_denied || error == std::errc::operation_not_permitted ||
-      error == std::errc::device_or_resource_busy || error == std::errc::text_file_busy ||
-      error == std::errc::read_only_file_system) {
-    throw AutomationError(kPermissionDenied, DefaultErrorText(kPermissionDenied) + ": " + path);
-  }
-  if (error == std::errc::no_such_device || error == std::errc::no_such_device_or_address ||
-      error == std::errc::io_error) {
-    throw AutomationError(kDeviceUnavailable, DefaultErrorText(kDeviceUnavailable) + ": " + path);
+  if (const int number = base::ErrorNumberOfFileError(error); number != 0) {
+    throw AutomationError(number, DefaultErrorText(number) + ": " + path);
   }
   if (writing && error == std::errc::no_space_on_device) {
     Rejected("Det går inte att spara filen " + path + ": disken är full.");
@@ -153,17 +146,17 @@ WorkbookId PackageEngine::OpenWorkbook(const std::string& path, const OpenArgume
     }
   }
   std::error_code error;
-  const auto bytes = base::ReadWholeFile(PathFromUtf8(path), &error);
+  const auto bytes = base::ReadWholeFile(base::PathFromUtf8(path), &error);
   if (!bytes) ThrowFileError(error, path, false);
   return OpenBytes(*bytes, path, readOnly);
 }
 
 WorkbookId PackageEngine::OpenText(const OpenTextOptions& options) {
   std::error_code error;
-  const auto bytes = base::ReadWholeFile(PathFromUtf8(options.fileName), &error);
+  const auto bytes = base::ReadWholeFile(base::PathFromUtf8(options.fileName), &error);
   if (!bytes) ThrowFileError(error, options.fileName, false);
   const std::string stem =
-      reinterpret_cast<const char*>(PathFromUtf8(options.fileName).stem().u8string().c_str());
+      reinterpret_cast<const char*>(base::PathFromUtf8(options.fileName).stem().u8string().c_str());
   auto document = AsExcel([&] { return ImportText(*bytes, stem, options); });
   return Adopt(std::move(document), options.fileName, false, true);
 }
@@ -234,7 +227,7 @@ void PackageEngine::WriteTo(Book& book, const std::string& path) {
     extension = book.document->HasVbaProject() ? ".xlsm" : ".xlsx";
   }
   const std::string bytes = AsExcel([&] { return book.document->Serialize(extension); });
-  const std::filesystem::path target = PathFromUtf8(path);
+  const std::filesystem::path target = base::PathFromUtf8(path);
   std::error_code error;
   if (!std::filesystem::is_directory(target.parent_path().empty() ? "." : target.parent_path(), error)) {
     Rejected("Det går inte att komma åt mappen för " + path + ".");
@@ -252,7 +245,7 @@ void PackageEngine::SaveAs(WorkbookId workbook, const std::string& path) {
   if (book.readOnly) {
     std::error_code error;
     if (base::EqualsIgnoreCase(path, book.fullName) ||
-        std::filesystem::equivalent(PathFromUtf8(path), PathFromUtf8(book.fullName), error)) {
+        std::filesystem::equivalent(base::PathFromUtf8(path), base::PathFromUtf8(book.fullName), error)) {
       Rejected("Arbetsboken är öppnad skrivskyddad och kan inte sparas över sig själv.");
     }
   }

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace sw::cli {
+namespace sw::templates {
 
 struct TemplateLocation {
   std::string folder;
@@ -14,4 +14,4 @@ struct TemplateLocation {
 // Splits at the last "\" or "/"; a bare name lies in the working folder (".").
 TemplateLocation SplitTemplatePath(std::string_view path);
 
-}  // namespace sw::cli
+}  // namespace sw::templates

@@ -1,6 +1,6 @@
-#include "cli/template_path.h"
+#include "templates/template_path.h"
 
-namespace sw::cli {
+namespace sw::templates {
 
 TemplateLocation SplitTemplatePath(std::string_view path) {
   const auto cut = path.find_last_of("\\/");
@@ -10,4 +10,4 @@ TemplateLocation SplitTemplatePath(std::string_view path) {
   return {folder, std::string(path.substr(cut + 1))};
 }
 
-}  // namespace sw::cli
+}  // namespace sw::templates

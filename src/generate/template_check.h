@@ -1,12 +1,13 @@
 #pragma once
-// The part of a generation's template checks that needs the workbook itself.
-#include <iosfwd>
+// The part of generation's template checks that needs the workbook itself, and the page layouts
+// generation runs as they are but that are hardly what the template's author meant.
 #include <string>
+#include <vector>
 
 #include "base/dialogs.h"
 #include "templates/template_definition.h"
 
-namespace sw::cli {
+namespace sw::generate {
 
 // Opens the template workbook read-only through the workbook engine, as generation opens it, finds
 // the two sheets [Tabs] names and reads them. Tells every problem in generation's words and returns
@@ -15,8 +16,7 @@ namespace sw::cli {
 bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
                                    const templates::TemplateDefinition& definition, base::Dialogs& dialogs);
 
-// Plain warnings for layouts generation runs as they are but that are hardly what was meant: a page
-// of no rows, or rows above row 1, which are never written.
-void WarnAboutPageLayout(const templates::TemplateDefinition& definition, std::ostream& err);
+// Plain warnings, one line each: a page of no rows, or rows above row 1, which are never written.
+std::vector<std::string> PageLayoutWarnings(const templates::TemplateDefinition& definition);
 
-}  // namespace sw::cli
+}  // namespace sw::generate

@@ -1,13 +1,11 @@
-#include "cli/template_workbook_check.h"
-
-#include <ostream>
+#include "generate/template_check.h"
 
 #include "base/upper_case.h"
 #include "excel/application_factory.h"
 #include "excel/automation.h"
 #include "generate/run_error.h"
 
-namespace sw::cli {
+namespace sw::generate {
 namespace {
 
 void Tell(base::Dialogs& dialogs, std::string text, std::string title, base::MessageIcon icon) {
@@ -26,7 +24,7 @@ bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
                                    const templates::TemplateDefinition& definition, base::Dialogs& dialogs) {
   try {
     const auto excel = excel::CreateApplication();
-    const excel::Workbook workbook = excel->Workbooks().Open(generate::EnginePath(workbookPath), true);
+    const excel::Workbook workbook = excel->Workbooks().Open(EnginePath(workbookPath), true);
     const std::string commonName = base::UpperCase(definition.CommonSheetName);
     const std::string templateName = base::UpperCase(definition.TemplateSheetName);
     bool commonFound = false, templateFound = false;
@@ -56,15 +54,19 @@ bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
   }
 }
 
-void WarnAboutPageLayout(const templates::TemplateDefinition& definition, std::ostream& err) {
+std::vector<std::string> PageLayoutWarnings(const templates::TemplateDefinition& definition) {
+  std::vector<std::string> warnings;
   const int firstRow = definition.StartRow;
   const int lastRow = definition.EndRow;
   if (!definition.Infinite && lastRow - firstRow + 1 <= 0) {
-    err << "Varning: Sidlängden är 0 eller mindre (STARTROW " << firstRow << ", ENDROW " << lastRow << ").\n";
+    warnings.push_back("Varning: Sidlängden är 0 eller mindre (STARTROW " + std::to_string(firstRow) +
+                       ", ENDROW " + std::to_string(lastRow) + ").");
   }
   if (firstRow < 1) {
-    err << "Varning: STARTROW är " << firstRow << "; rader ovanför rad 1 hoppas över.\n";
+    warnings.push_back("Varning: STARTROW är " + std::to_string(firstRow) +
+                       "; rader ovanför rad 1 hoppas över.");
   }
+  return warnings;
 }
 
-}  // namespace sw::cli
+}  // namespace sw::generate
