@@ -7,9 +7,9 @@
 
 #include "base/file_io.h"
 #include "excel/package/package_engine.h"
-#include "excel/recording_engine.h"
 #include "fake_installation.h"
 #include "generate/run_error.h"
+#include "recording_engine.h"
 #include "recording_launcher.h"
 #include "session/desktop_external_editor.h"
 #include "session/excel_external_editor.h"
