@@ -1,6 +1,7 @@
 #include "cli/cli_session.h"
 
 #include "base/program_folder.h"
+#include "excel/application_factory.h"
 
 namespace sw::cli {
 namespace {
@@ -13,6 +14,13 @@ std::string ProgramFolderText() {
 settings::OverlaySettings::Writes WritesOf(const CliSessionOptions& options) {
   return options.readOnly ? settings::OverlaySettings::Writes::kDropped
                           : settings::OverlaySettings::Writes::kPassed;
+}
+
+// The built-in engine unless Excel was asked for; where Excel cannot be started the run ends on the
+// program's "Active-X fel" message.
+generate::ApplicationFactory EngineOf(const CliSessionOptions& options) {
+  if (!options.excel) return {};
+  return [] { return excel::CreateApplication(excel::EngineKind::kExcelAutomation); };
 }
 
 }  // namespace
@@ -29,6 +37,7 @@ CliSession::CliSession(std::ostream& err, CliSessionOptions options, cadenv::Reg
                 .dialogs = dialogs_,
                 .launcher = *launcher_,
                 .startLog = &startLog_,
+                .createExcel = EngineOf(options),
                 .programFolder = ProgramFolderText(),
                 .layoutDialogs = options.layoutDialogs,
                 // A command line has no toggle that a template could switch off: a run that would

@@ -19,6 +19,7 @@ struct CliSessionOptions {
   bool answerYes = false;                  // --yes
   bool readOnly = false;                   // the settings are only read
   base::Dialogs* layoutDialogs = nullptr;  // where the page layout's messages go; none: stderr
+  bool excel = false;                      // generation drives Excel itself (--engine excel)
 };
 
 class CliSession {

@@ -78,6 +78,11 @@ void AddGenerateCommand(CLI::App& app, GenerateOptions& options) {
           },
           "N=TEXT"));
   command->add_flag("--yes", options.yes, "Answer OK to the single-sheet warning");
+  command
+      ->add_option("--engine", options.engine,
+                   "Who writes the workbooks: package (built in, the default) or excel (Microsoft Excel "
+                   "through automation, Windows only; Excel is left open with the result)")
+      ->check(CLI::IsMember({"package", "excel"}));
   command->add_flag("--open", options.open,
                     "Open every workbook written with the system's default application");
 }
@@ -119,8 +124,12 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
   // told once by the pairing and once more by generation's own check, not a third time here.
   std::ostream discard(nullptr);
   ConsoleDialogs quiet(discard, /*answerYes=*/false);
-  CliSession cli(err, {.answerYes = options.yes, .readOnly = false, .layoutDialogs = &quiet}, *registry,
-                 stored, base::ProcessEnvironment());
+  CliSession cli(err,
+                 {.answerYes = options.yes,
+                  .readOnly = false,
+                  .layoutDialogs = &quiet,
+                  .excel = options.engine == "excel"},
+                 *registry, stored, base::ProcessEnvironment());
   auto& session = cli.Session();
   session.UseTemplateWorkbook(options.templateWorkbook);
   session.OpenReportDump(options.dump);

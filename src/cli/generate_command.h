@@ -23,6 +23,7 @@ struct GenerateOptions {
   std::vector<std::string> fields;  // "N=TEXT", N from 0 to 29
   bool yes = false;                 // answers the single-sheet warning with OK
   bool open = false;                // opens every workbook written with the system's default application
+  std::string engine = "package";   // "package": the built-in engine; "excel": Excel through automation
 };
 
 void AddGenerateCommand(CLI::App& app, GenerateOptions& options);

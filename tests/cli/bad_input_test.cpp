@@ -139,6 +139,23 @@ TEST_F(BadInputTest, BrokenSettingsFileIsKeptAsideAndTheUserToldWhere) {
       "");
 }
 
+// Excel asked for where none is installed (this machine; plain Wine): the run ends on the program's
+// own message and writes nothing. An engine the program does not have is a usage error.
+TEST_F(BadInputTest, ExcelEngineWithoutExcelEndsOnTheActiveXMessage) {
+  const auto workbook = TemplateFrom(GoodTemplateBytes());
+  const auto target = temp.path() / "Lista.xlsx";
+  auto result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out",
+                         target.string(), "--engine", "excel"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(Contains(result.err, "Active-X fel: Kan ej starta Microsoft Excel."), "");
+  EXPECT_FALSE(std::filesystem::exists(target));
+
+  result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string(),
+                    "--engine", "calc"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_FALSE(std::filesystem::exists(target));
+}
+
 std::string WithRowNumber(const std::string& workbook, const std::string& number) {
   auto entries = excel::ReadZipArchive(workbook, {});
   std::vector<excel::ZipSource> sources;
