@@ -71,8 +71,10 @@ class ProfileText {
   std::vector<SectionData> sections_;
 };
 
-// The two calls on the file a Windows path names (see base/windows_path.h). A missing or unreadable
-// file reads as empty. Callers that only need the lines use `.lines`.
+// The two calls on the file a Windows path names (see base/windows_path.h), with the buffers above. On
+// Windows they are the Windows calls themselves (a bare file name reads from the Windows folder, as
+// there); elsewhere ProfileText reads the file. A missing or unreadable file reads as empty. Callers
+// that only need the lines use `.lines`.
 ProfileSectionResult ReadIniSection(std::string_view section, std::string_view iniPath);
 std::string ReadIniValue(std::string_view section, std::string_view key, std::string_view iniPath);
 

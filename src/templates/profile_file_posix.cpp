@@ -1,0 +1,33 @@
+#include <filesystem>
+#include <optional>
+
+#include "base/file_io.h"
+#include "base/windows_path.h"
+#include "templates/profile_file.h"
+
+// Elsewhere than on Windows the file is read by our own reader, which reads as the Windows calls do.
+namespace sw::templates {
+namespace {
+
+std::optional<std::string> ReadProfileBytes(std::string_view iniPath) {
+  const auto path = base::ResolveWindowsPath(iniPath);
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
+  return base::ReadWholeFile(path);
+}
+
+}  // namespace
+
+ProfileSectionResult ReadIniSection(std::string_view section, std::string_view iniPath) {
+  const auto bytes = ReadProfileBytes(iniPath);
+  if (!bytes) return {{}, ProfileStatus::kFileNotFound};
+  return ProfileText::Parse(*bytes).Section(section);
+}
+
+std::string ReadIniValue(std::string_view section, std::string_view key, std::string_view iniPath) {
+  const auto bytes = ReadProfileBytes(iniPath);
+  if (!bytes) return {};
+  return ProfileText::Parse(*bytes).Value(section, key).value;
+}
+
+}  // namespace sw::templates
