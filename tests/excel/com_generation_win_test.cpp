@@ -193,7 +193,7 @@ class GenerationComparison {
   }
 
   // A scripted Excel whose template file holds what the package engine reads from the real one.
-  void Seed(FakeExcel& excel) const {
+  void Prime(FakeExcel& excel) const {
     excel.AddFile(EnginePath(TemplatePath()), TemplateForFake(EnginePath(TemplatePath())));
   }
 
@@ -218,7 +218,7 @@ void ExpectSameRun(GenerationComparison& run, bool singleSheet) {
   for (const bool combine : {false, true}) {
     SCOPED_TRACE(combine ? "combined writes" : "one call per cell");
     FakeExcel excel;
-    run.Seed(excel);
+    run.Prime(excel);
     const RunResult actual = run.Generate(GenerationComparison::ComFactory(excel, combine),
                                           run.Target("com", "Lista.xlsx"), singleSheet);
     EXPECT_TRUE(actual.outcome.completed);
@@ -259,7 +259,7 @@ TEST(WindowsOnlyComGeneration, ExcelFailuresGiveTheMessagesOfTheFailureTable) {
   GenerationComparison run = TitleBlock("three_rows.ini");
   run.AddReport(4);
   FakeExcel excel;
-  run.Seed(excel);
+  run.Prime(excel);
   excel.FailCall("Copy", 2, 0, 68);                              // device unavailable
   excel.FailCall("Name=", 3, static_cast<HRESULT>(0x800A03EC));  // skipped
   excel.FailCall("Copy", 4, static_cast<HRESULT>(0x800A0009), 0, "Indexet ligger utanför intervallet");
@@ -303,7 +303,7 @@ TEST(WindowsOnlyComGeneration, CallsPerPageBeforeAndAfterCombining) {
     int perPage[2] = {0, 0};
     for (const bool combine : {false, true}) {
       FakeExcel excel;
-      each.run.Seed(excel);
+      each.run.Prime(excel);
       const RunResult result = each.run.Generate(GenerationComparison::ComFactory(excel, combine),
                                                  each.run.Target("tal", "Lista.xlsx"), false);
       ASSERT_TRUE(result.outcome.completed) << each.name;
