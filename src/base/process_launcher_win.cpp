@@ -5,17 +5,10 @@
 #include <string>
 
 #include "base/process_launcher.h"
+#include "base/start_process_win.h"
 
 namespace sw::base {
 namespace {
-
-std::wstring Wide(std::string_view utf8) {
-  if (utf8.empty()) return {};
-  const int size = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(size), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), wide.data(), size);
-  return wide;
-}
 
 class WindowsProcessLauncher final : public ProcessLauncher {
  public:
@@ -24,43 +17,16 @@ class WindowsProcessLauncher final : public ProcessLauncher {
     return StartCommandLine("NOTEPAD.EXE " + std::string(windowsPath));
   }
 
-  bool StartCommandLine(std::string_view utf8CommandLine) override {
-    std::wstring commandLine = Wide(utf8CommandLine);
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    startup.dwFlags = STARTF_USESHOWWINDOW;
-    startup.wShowWindow = SW_SHOWNORMAL;
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process)) {
-      return false;
-    }
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return true;
+  bool StartCommandLine(std::string_view commandLine) override {
+    return StartProcess(commandLine, SW_SHOWNORMAL, /*wait=*/false);
   }
 
   bool RunMinimisedAndWait(std::string_view commandLine) override {
-    std::wstring line = Wide(commandLine);
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    startup.dwFlags = STARTF_USESHOWWINDOW;
-    startup.wShowWindow = SW_SHOWMINNOACTIVE;
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process)) {
-      return false;
-    }
-    CloseHandle(process.hThread);
-    WaitForSingleObject(process.hProcess, INFINITE);
-    DWORD status = 1;
-    GetExitCodeProcess(process.hProcess, &status);
-    CloseHandle(process.hProcess);
-    return status == 0;
+    return StartProcess(commandLine, SW_SHOWMINNOACTIVE, /*wait=*/true);
   }
 
   bool OpenWithDefaultApplication(std::string_view windowsPath) override {
-    const std::wstring path = Wide(windowsPath);
+    const std::wstring path = WideFromUtf8(windowsPath);
     const auto result = reinterpret_cast<INT_PTR>(
         ShellExecuteW(nullptr, L"open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
     return result > 32;

@@ -1,7 +1,6 @@
 #include <windows.h>
 
-#include <string>
-
+#include "base/start_process_win.h"
 #include "base/system_information.h"
 
 namespace sw::base {
@@ -11,21 +10,7 @@ namespace {
 class Msinfo32 final : public SystemInformationTool {
  public:
   bool Available() const override { return true; }
-  bool Start() override {
-    std::wstring commandLine = L"msinfo32.exe";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    startup.dwFlags = STARTF_USESHOWWINDOW;
-    startup.wShowWindow = SW_SHOWNORMAL;
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process)) {
-      return false;
-    }
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return true;
-  }
+  bool Start() override { return StartProcess("msinfo32.exe", SW_SHOWNORMAL, /*wait=*/false); }
 };
 
 }  // namespace
