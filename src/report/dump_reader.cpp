@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
+#include <memory>
+#include <span>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -118,10 +120,11 @@ std::uint64_t TabBytes(std::uint64_t word) {
   return ~(((x & kLow7) + kLow7) | x | kLow7);
 }
 
-// Splits at every TAB; an empty line gives one empty field. Eight bytes at a time: a dump line is
-// mostly short fields, where a library search per field costs more than the field.
-void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
-  fields.clear();
+// Calls onField(begin, end) for each TAB-separated field of the line, in order; an empty line has one
+// empty field. Eight bytes at a time: a dump line is mostly short fields, where a library search per
+// field costs more than the field.
+template <typename OnField>
+void ForEachField(std::string_view line, OnField&& onField) {
   const char* data = line.data();
   const std::size_t size = line.size();
   std::size_t start = 0;
@@ -130,18 +133,52 @@ void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
     const std::uint64_t word = LoadLittleEndian(data + i);
     for (std::uint64_t tabs = TabBytes(word); tabs != 0; tabs &= tabs - 1) {
       const std::size_t tab = i + static_cast<std::size_t>(std::countr_zero(tabs) / 8);
-      fields.emplace_back(data + start, tab - start);
+      onField(start, tab);
       start = tab + 1;
     }
   }
   for (; i < size; ++i) {
     if (data[i] == '\t') {
-      fields.emplace_back(data + start, i - start);
+      onField(start, i);
       start = i + 1;
     }
   }
-  fields.emplace_back(data + start, size - start);
+  onField(start, size);
 }
+
+void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
+  fields.clear();
+  ForEachField(line, [&](std::size_t begin, std::size_t end) { fields.emplace_back(line.data() + begin, end - begin); });
+}
+
+// A line's fields, each trimmed of spaces as AddGridRow trims them, back to back with their ends: the
+// form the table stores a row in, built without a view per field.
+class PackedFields {
+ public:
+  void Pack(std::string_view line) {
+    // Trimmed fields without their TABs never need more room than the line.
+    if (text_.size() < line.size()) text_.resize(std::max(line.size(), 2 * text_.size()));
+    ends_.clear();
+    char* out = text_.data();
+    std::uint32_t used = 0;
+    const char* data = line.data();
+    ForEachField(line, [&](std::size_t begin, std::size_t end) {
+      while (begin < end && data[begin] == ' ') ++begin;
+      while (end > begin && data[end - 1] == ' ') --end;
+      if (end > begin) std::memcpy(out + used, data + begin, end - begin);
+      used += static_cast<std::uint32_t>(end - begin);
+      ends_.push_back(used);
+    });
+    used_ = used;
+  }
+  std::string_view Text() const { return std::string_view(text_.data(), used_); }
+  std::span<const std::uint32_t> Ends() const { return ends_; }
+
+ private:
+  std::vector<char> text_;
+  std::vector<std::uint32_t> ends_;
+  std::uint32_t used_ = 0;
+};
 
 // Busy state on for the reading pass, and off again however the pass ends.
 class ProgressScope {
@@ -186,11 +223,15 @@ class RowBuilder {
       decoded_ = base::DecodeWindows1252(line);
       line = decoded_;
     }
+    const bool isTitle = line.starts_with('%');
+    if (nextRow_ > 1 && !isTitle) {
+      AppendReportRow(line);
+      return;
+    }
     SplitFields(line, fields_);
     // Title and preamble lines widen the table too, although their fields are not shown.
     largestUpperBound_ = std::max(largestUpperBound_, fields_.size() - 1);
 
-    const bool isTitle = line.starts_with('%');
     if (nextRow_ == 1 && !isTitle) {
       if (fields_[0].empty() && fields_.size() >= 2) {
         const std::string_view blank;
@@ -210,6 +251,19 @@ class RowBuilder {
     }
   }
 
+  // The bulk of a dump: a report row appended as AddGridRow appends it, which widens the table only
+  // when the line's upper bound exceeds the column count, so a line one field wider than the table
+  // loses its last field.
+  void AppendReportRow(std::string_view line) {
+    packed_.Pack(line);
+    const std::size_t upperBound = packed_.Ends().size() - 1;
+    largestUpperBound_ = std::max(largestUpperBound_, upperBound);
+    if (upperBound > static_cast<std::size_t>(table_.Cols()))
+      table_.SetCols(static_cast<int>(std::min<std::size_t>(upperBound, INT_MAX - 1) + 1));
+    table_.AppendPackedRow(packed_.Text(), packed_.Ends());
+    nextRow_ = table_.Rows();
+  }
+
   void Finish() {
     table_.SetCols(static_cast<int>(std::min<std::size_t>(largestUpperBound_, INT_MAX - 1) + 1));
   }
@@ -218,6 +272,7 @@ class RowBuilder {
   ReportTable& table_;
   bool ansi_;
   std::vector<std::string_view> fields_;
+  PackedFields packed_;
   std::string decoded_;
   std::string title_;
   std::size_t largestUpperBound_ = 0;
@@ -366,10 +421,11 @@ std::optional<DumpReadResult> LoadDumpFile(ReportTable& table, const std::filesy
   chunkBytes = std::max<std::size_t>(chunkBytes, 4);
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
-  std::string chunk(chunkBytes, '\0');
+  // Not zeroed: every byte used is read first.
+  const auto chunk = std::make_unique_for_overwrite<char[]>(chunkBytes);
   const auto readChunk = [&]() -> std::string_view {
-    file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-    return std::string_view(chunk.data(), static_cast<std::size_t>(file.gcount()));
+    file.read(chunk.get(), static_cast<std::streamsize>(chunkBytes));
+    return std::string_view(chunk.get(), static_cast<std::size_t>(file.gcount()));
   };
 
   // A byte-order mark asks for a conversion of the whole text: rare enough to read the file whole.

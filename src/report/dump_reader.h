@@ -46,6 +46,6 @@ DumpReadResult LoadDumpText(ReportTable& table, std::string_view bytes, LoadProg
 // the table then holds its heading row only.
 std::optional<DumpReadResult> LoadDumpFile(ReportTable& table, const std::filesystem::path& path,
                                            LoadProgress* progress = nullptr,
-                                           std::size_t chunkBytes = std::size_t{1} << 20);
+                                           std::size_t chunkBytes = std::size_t{64} << 10);
 
 }  // namespace sw::report

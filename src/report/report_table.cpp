@@ -5,7 +5,6 @@
 #include <limits>
 #include <stdexcept>
 
-#include "base/large_pages.h"
 
 namespace sw::report {
 namespace {
@@ -16,7 +15,7 @@ std::size_t CountWithoutTrailingEmpties(std::span<const std::string_view> cells)
   return count;
 }
 
-bool PointsInto(const std::string& buffer, std::string_view text) {
+bool PointsInto(std::string_view buffer, std::string_view text) {
   if (text.empty()) return false;
   const std::less_equal<const char*> lessEqual;
   const std::less<const char*> less;
@@ -206,7 +205,7 @@ void ReportTable::StoreRow(Row& row, std::span<const std::string_view> cells) {
     cells = copies;
   }
   CheckOffset(bytes);
-  const int widthCode = bytes <= 0xFF ? 0 : bytes <= 0xFFFF ? 1 : 2;
+  const int widthCode = WidthCode(bytes);
   const std::size_t endBytes = cells.size() << widthCode;
   const std::size_t oldText = RowTextSize(row);
   const std::size_t oldEnds = EndBytes(row);
@@ -252,12 +251,45 @@ void ReportTable::WriteRow(Row& row, std::size_t textAt, std::size_t endsAt,
       static_cast<std::uint32_t>(cells.size()) | (static_cast<std::uint32_t>(widthCode) << kWidthShift);
 }
 
+void ReportTable::AppendPackedRow(std::string_view text, std::span<const std::uint32_t> ends) {
+  if (rows_.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max()))
+    throw std::length_error("report table too large");
+  std::size_t count = std::min(ends.size(), static_cast<std::size_t>(cols_));
+  // Trailing empty cells are not stored: an empty cell ends where the one before it ends.
+  while (count > 0 && ends[count - 1] == (count > 1 ? ends[count - 2] : 0)) --count;
+  if (count > kCountMask) throw std::length_error("report row too wide");
+  const std::size_t bytes = count ? ends[count - 1] : 0;
+  if (bytes > text.size()) throw std::invalid_argument("packed row ends beyond its text");
+  const int widthCode = WidthCode(bytes);
+  const std::size_t textAt = text_.size();
+  const std::size_t endsAt = ends_.size();
+  CheckOffset(textAt + bytes);
+  CheckOffset(endsAt + (count << widthCode));
+  if (bytes) text_.append(text.data(), bytes);
+  ends_.resize(endsAt + (count << widthCode));
+  std::uint8_t* out = ends_.data() + endsAt;
+  for (std::size_t cell = 0; cell < count; ++cell) {
+    if (widthCode == 0) {
+      out[cell] = static_cast<std::uint8_t>(ends[cell]);
+    } else if (widthCode == 1) {
+      const auto narrow = static_cast<std::uint16_t>(ends[cell]);
+      std::memcpy(out + 2 * cell, &narrow, sizeof narrow);
+    } else {
+      std::memcpy(out + 4 * cell, &ends[cell], sizeof ends[cell]);
+    }
+  }
+  Row& row = rows_.emplace_back();
+  row.text = static_cast<std::uint32_t>(textAt);
+  row.ends = static_cast<std::uint32_t>(endsAt);
+  row.cells = static_cast<std::uint32_t>(count) | (static_cast<std::uint32_t>(widthCode) << kWidthShift);
+}
+
 void ReportTable::CompactIfWasteful() {
   const bool textWasteful = textGarbage_ >= kCompactionThreshold && textGarbage_ >= text_.size() / 2;
   const bool endsWasteful = endsGarbage_ >= kCompactionThreshold && endsGarbage_ >= ends_.size() / 2;
   if (!textWasteful && !endsWasteful) return;
-  std::string text;
-  std::vector<std::uint8_t> ends;
+  TextStore text;
+  EndStore ends;
   text.reserve(text_.size() - textGarbage_);
   ends.reserve(ends_.size() - endsGarbage_);
   for (Row& row : rows_) {
@@ -489,9 +521,6 @@ void ReportTable::Reserve(int rows, std::size_t textBytes, std::size_t cells) {
   if (rows > Rows()) rows_.reserve(static_cast<std::size_t>(rows));
   text_.reserve(text_.size() + textBytes);
   ends_.reserve(ends_.size() + cells);
-  base::AdviseLargePages(rows_.data(), rows_.capacity() * sizeof(Row));
-  base::AdviseLargePages(text_.data(), text_.capacity());
-  base::AdviseLargePages(ends_.data(), ends_.capacity());
 }
 
 }  // namespace sw::report

@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/large_pages.h"
 #include "report/colours.h"
 
 namespace sw::report {
@@ -72,6 +73,11 @@ class ReportTable {
   // Sets cells (row, 0) .. (row, n-1) to `texts`, n capped at Cols(); the row's other cells keep
   // their text. One call per row instead of one per cell keeps a large load cheap.
   void SetRowTexts(int row, std::span<const std::string_view> texts);
+
+  // Appends a plain, default-coloured report row whose cells come packed: `text` holds them back to
+  // back and ends[i] is where cell i ends in it. Cells from Cols() on are left out. The way a large
+  // load stores its rows without a view per cell.
+  void AppendPackedRow(std::string_view text, std::span<const std::uint32_t> ends);
 
   // The row's cell texts from column 0 on, up to its last non-empty cell (views valid until the table
   // changes). Cheaper than Text() per cell on wide rows.
@@ -147,10 +153,16 @@ class ReportTable {
   // Rebuilds a row's colour run and colour exceptions from one explicit colour per column.
   void AssignColours(Row& row, const std::vector<Colour>& colours);
 
-  std::vector<Row> rows_;
+  // A large load fills these right after reserving them: see base/large_pages.h.
+  using TextStore = std::basic_string<char, std::char_traits<char>, base::LargePageAllocator<char>>;
+  using EndStore = std::vector<std::uint8_t, base::LargePageAllocator<std::uint8_t>>;
+
+  static int WidthCode(std::size_t bytes) { return bytes <= 0xFF ? 0 : bytes <= 0xFFFF ? 1 : 2; }
+
+  std::vector<Row, base::LargePageAllocator<Row>> rows_;
   int cols_ = 1;
-  std::string text_;                // every row's cells, back to back
-  std::vector<std::uint8_t> ends_;  // every row's cell ends, back to back
+  TextStore text_;  // every row's cells, back to back
+  EndStore ends_;   // every row's cell ends, back to back
   std::size_t textGarbage_ = 0;     // bytes of text_ no row refers to any more
   std::size_t endsGarbage_ = 0;     // bytes of ends_ no row refers to any more
   std::vector<Style> styles_;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -193,6 +194,34 @@ TEST(ReportTable, CopiesAreIndependent) {
   table.SetPicture(1, 0, CellPicture::kNone);
   EXPECT_EQ(copy.Text(1, 0), "a");
   EXPECT_EQ(copy.Picture(1, 0), CellPicture::kPageBreak);
+}
+
+TEST(ReportTable, PackedRowsStoreEveryWidthAndLeaveOutColumnsBeyondTheTable) {
+  ReportTable table;
+  table.SetCols(3);
+  const std::uint32_t shortEnds[] = {0, 3, 5, 9};  // "", "abc", "de", "fghi": the fourth has no column
+  table.AppendPackedRow("abcdefghi", shortEnds);
+  const std::string middle(300, 'm');
+  const std::string huge(70000, 'h');
+  for (const std::string* longText : {&middle, &huge}) {
+    const std::string packed = "x" + *longText;
+    const std::uint32_t ends[] = {1, static_cast<std::uint32_t>(packed.size()), static_cast<std::uint32_t>(packed.size())};
+    table.AppendPackedRow(packed, ends);
+  }
+  const std::uint32_t noEnds[] = {0, 0, 0};
+  table.AppendPackedRow("", noEnds);
+  ASSERT_EQ(table.Rows(), 5);
+  EXPECT_EQ(RowLine(table, 1), "|abc|de");
+  EXPECT_EQ(RowLine(table, 2), "x|" + middle + "|");
+  EXPECT_EQ(RowLine(table, 3), "x|" + huge + "|");
+  EXPECT_EQ(RowLine(table, 4), "||");
+  EXPECT_TRUE(table.IsRowBlank(4));
+  EXPECT_EQ(table.BackColour(1, 0), kDefaultBack);
+  // The packed rows behave as any other: rewritten in place, moved and removed.
+  table.SetText(3, 0, "y");
+  table.RemoveRow(2);
+  EXPECT_EQ(RowLine(table, 2), "y|" + huge + "|");
+  EXPECT_EQ(RowLine(table, 1), "|abc|de");
 }
 
 TEST(AddGridRow, GrowsColumnsOnlyWhenStrictlyWiderTrimsAndPaints) {
