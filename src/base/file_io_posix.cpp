@@ -67,7 +67,36 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std:
   return bytes;
 }
 
+namespace {
+
+std::error_code WriteAll(int fd, std::string_view bytes) {
+  for (std::size_t done = 0; done < bytes.size();) {
+    const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      return {errno, std::generic_category()};
+    }
+    done += static_cast<std::size_t>(n);
+  }
+  return {};
+}
+
+// One of the program's own temporary files is never kept, so no crash can cost the user anything
+// there: it is written in place, neither flushed nor renamed. A single-sheet run saves its working
+// file once per page.
+std::error_code WriteOwnTempFile(const std::filesystem::path& path, std::string_view bytes) {
+  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0644);
+  if (fd < 0) return {errno, std::generic_category()};
+  std::error_code result = WriteAll(fd, bytes);
+  if (::close(fd) != 0 && !result) result = {errno, std::generic_category()};
+  if (result) ::unlink(path.c_str());
+  return result;
+}
+
+}  // namespace
+
 std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
+  if (IsOwnTempFile(path)) return WriteOwnTempFile(path, bytes);
   static std::atomic<unsigned> serial{0};
   std::filesystem::path temp;
   int fd = -1;
@@ -78,16 +107,7 @@ std::error_code WriteFileAtomically(const std::filesystem::path& path, std::stri
     if (fd < 0 && errno != EEXIST) break;
   }
   if (fd < 0) return {errno, std::generic_category()};
-  std::error_code result;
-  for (std::size_t done = 0; done < bytes.size();) {
-    const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      result = {errno, std::generic_category()};
-      break;
-    }
-    done += static_cast<std::size_t>(n);
-  }
+  std::error_code result = WriteAll(fd, bytes);
   if (!result && ::fsync(fd) != 0) result = {errno, std::generic_category()};
   if (::close(fd) != 0 && !result) result = {errno, std::generic_category()};
   if (!result && ::rename(temp.c_str(), path.c_str()) != 0) result = {errno, std::generic_category()};

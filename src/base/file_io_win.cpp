@@ -37,7 +37,38 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std:
   return bytes;
 }
 
+namespace {
+
+std::error_code LastWindowsError() {
+  return {static_cast<int>(GetLastError()), std::system_category()};
+}
+
+std::error_code WriteAll(HANDLE file, std::string_view bytes) {
+  for (std::size_t done = 0; done < bytes.size();) {
+    DWORD written = 0;
+    const DWORD chunk = static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 30));
+    if (!WriteFile(file, bytes.data() + done, chunk, &written, nullptr)) return LastWindowsError();
+    done += written;
+  }
+  return {};
+}
+
+// One of the program's own temporary files is never kept, so no crash can cost the user anything
+// there: it is written in place, neither flushed nor renamed. A single-sheet run saves its working
+// file once per page.
+std::error_code WriteOwnTempFile(const std::filesystem::path& path, std::string_view bytes) {
+  HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return LastWindowsError();
+  const std::error_code result = WriteAll(file, bytes);
+  CloseHandle(file);
+  if (result) DeleteFileW(path.c_str());
+  return result;
+}
+
+}  // namespace
+
 std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
+  if (IsOwnTempFile(path)) return WriteOwnTempFile(path, bytes);
   static std::atomic<unsigned> serial{0};
   std::filesystem::path temp;
   HANDLE file = INVALID_HANDLE_VALUE;
@@ -48,21 +79,13 @@ std::error_code WriteFileAtomically(const std::filesystem::path& path, std::stri
     file = CreateFileW(temp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) break;
   }
-  if (file == INVALID_HANDLE_VALUE) return {static_cast<int>(GetLastError()), std::system_category()};
-  std::error_code result;
-  for (std::size_t done = 0; done < bytes.size() && !result;) {
-    DWORD written = 0;
-    const DWORD chunk = static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 30));
-    if (!WriteFile(file, bytes.data() + done, chunk, &written, nullptr)) {
-      result = {static_cast<int>(GetLastError()), std::system_category()};
-    }
-    done += written;
-  }
-  if (!result && !FlushFileBuffers(file)) result = {static_cast<int>(GetLastError()), std::system_category()};
+  if (file == INVALID_HANDLE_VALUE) return LastWindowsError();
+  std::error_code result = WriteAll(file, bytes);
+  if (!result && !FlushFileBuffers(file)) result = LastWindowsError();
   CloseHandle(file);
   if (!result &&
       !MoveFileExW(temp.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-    result = {static_cast<int>(GetLastError()), std::system_category()};
+    result = LastWindowsError();
   }
   if (result) DeleteFileW(temp.c_str());
   return result;

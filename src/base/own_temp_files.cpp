@@ -22,6 +22,11 @@ unsigned long long OwnTempFileProcess(std::string_view fileName) {
   }
 }
 
+bool IsOwnTempFile(const std::filesystem::path& path) {
+  const auto name = path.filename().u8string();
+  return OwnTempFileProcess(std::string_view(reinterpret_cast<const char*>(name.data()), name.size())) != 0;
+}
+
 int RemoveAbandonedTempFiles(const std::filesystem::path& folder) {
   int removed = 0;
   std::error_code error;

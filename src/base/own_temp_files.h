@@ -19,6 +19,9 @@ int RemoveAbandonedTempFiles(const std::filesystem::path& folder);
 // The process id in a name of the program's own temporary files; 0 when the name is not one of them.
 unsigned long long OwnTempFileProcess(std::string_view fileName);
 
+// Whether the file at `path` is named as one of the program's own temporary files.
+bool IsOwnTempFile(const std::filesystem::path& path);
+
 // The calling process's id, and whether a process with the given id runs.
 unsigned long long CurrentProcessId();
 bool ProcessRuns(unsigned long long processId);

@@ -29,6 +29,18 @@ class WindowsPathResolver {
   std::map<char, std::filesystem::path> drives_;  // upper-case letter -> host folder
 };
 
+// While one lives, resolvers read each folder at most once when they look for a name under another
+// case: a run that saves page after page into one folder would otherwise read the whole folder for
+// every page. Meant for the length of one run: the names the run writes itself are found as spelled,
+// but a file another program adds meanwhile under another case than asked for is not seen.
+class FolderListingCache {
+ public:
+  FolderListingCache();
+  ~FolderListingCache();
+  FolderListingCache(const FolderListingCache&) = delete;
+  FolderListingCache& operator=(const FolderListingCache&) = delete;
+};
+
 // The process-wide resolver every file-system call of the core uses.
 WindowsPathResolver& WindowsPaths();
 

@@ -1,6 +1,8 @@
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "base/strings.h"
@@ -16,24 +18,76 @@ bool Exists(const std::filesystem::path& path) {
          !error;
 }
 
+// Calls onName for the name of each entry of `folder`.
+template <typename OnName>
+void ForEachEntryName(const std::filesystem::path& folder, OnName&& onName) {
+  std::error_code error;
+  std::filesystem::directory_iterator it(folder.empty() ? std::filesystem::path(".") : folder, error);
+  for (; !error && it != std::filesystem::directory_iterator(); it.increment(error)) {
+    // The name read in place: a page-by-page save looks through a folder of hundreds of pages.
+    const std::string_view full = it->path().native();
+    onName(full.substr(full.rfind('/') + 1));
+  }
+}
+
+// Names that EqualsIgnoreCase may find equal have the same key: ASCII letters in upper case, and every
+// byte of a multi-byte character alike.
+std::string CandidateKey(std::string_view name) {
+  std::string key(name);
+  for (char& c : key) c = static_cast<unsigned char>(c) >= 0x80 ? '\x80' : AsciiUpperChar(c);
+  return key;
+}
+
+// Folder listings kept while a FolderListingCache lives: folder -> its entry names by CandidateKey.
+struct ListingCache {
+  std::mutex mutex;
+  int users = 0;
+  std::unordered_map<std::string, std::unordered_multimap<std::string, std::string>> folders;
+};
+
+ListingCache& Listings() {
+  static ListingCache cache;
+  return cache;
+}
+
 // The entry of `folder` whose name equals `name` ignoring case; when several do (a case-sensitive file
 // system can hold both), the first in byte order, so the choice is stable.
 std::optional<std::filesystem::path> FindIgnoringCase(const std::filesystem::path& folder,
                                                       std::string_view name) {
-  std::error_code error;
-  std::filesystem::directory_iterator it(folder.empty() ? std::filesystem::path(".") : folder, error);
   std::optional<std::string> best;
-  for (; !error && it != std::filesystem::directory_iterator(); it.increment(error)) {
-    // The name read in place: a page-by-page save looks through a folder of hundreds of pages.
-    const std::string_view full = it->path().native();
-    const std::string_view entryName = full.substr(full.rfind('/') + 1);
+  const auto consider = [&](std::string_view entryName) {
     if (EqualsIgnoreCase(entryName, name) && (!best || entryName < *best)) best = std::string(entryName);
+  };
+  ListingCache& cache = Listings();
+  std::unique_lock lock(cache.mutex);
+  if (cache.users == 0) {
+    lock.unlock();
+    ForEachEntryName(folder, consider);
+  } else {
+    auto [listing, isNew] = cache.folders.try_emplace(folder.native());
+    if (isNew) {
+      ForEachEntryName(folder, [&](std::string_view entryName) {
+        listing->second.emplace(CandidateKey(entryName), std::string(entryName));
+      });
+    }
+    const auto [first, last] = listing->second.equal_range(CandidateKey(name));
+    for (auto it = first; it != last; ++it) consider(it->second);
   }
   if (!best) return std::nullopt;
   return folder / PathFromUtf8(*best);
 }
 
 }  // namespace
+
+FolderListingCache::FolderListingCache() {
+  const std::lock_guard lock(Listings().mutex);
+  ++Listings().users;
+}
+
+FolderListingCache::~FolderListingCache() {
+  const std::lock_guard lock(Listings().mutex);
+  if (--Listings().users == 0) Listings().folders.clear();
+}
 
 std::filesystem::path WindowsPathResolver::Resolve(std::string_view windowsPath) const {
   std::filesystem::path result;

@@ -18,4 +18,8 @@ std::filesystem::path WindowsPathResolver::Resolve(std::string_view windowsPath)
   return std::filesystem::path(utf8);
 }
 
+// Windows finds names under any case itself: nothing is listed, nothing kept.
+FolderListingCache::FolderListingCache() = default;
+FolderListingCache::~FolderListingCache() = default;
+
 }  // namespace sw::base

@@ -2,12 +2,14 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "base/memory_reuse.h"
 #include "cli/check_command.h"
 #include "cli/environment_command.h"
 #include "cli/generate_command.h"
 #include "cli/preview_command.h"
 
 int main(int argc, char** argv) {
+  sw::base::KeepFreedMemoryForReuse();
   CLI::App app{"Sheetwright: fills Excel report templates from VOLTARIS report dumps."};
   app.require_subcommand(1);
   app.set_help_all_flag("--help-all", "Show help for every command");

@@ -228,6 +228,8 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefini
     base::RemoveAbandonedTempFiles(base::ResolveWindowsPath(inputs.targetPath).parent_path());
   }
   run.workingPath = inputs.targetPath + base::OwnTempSuffix();
+  // From here on the run writes page after page into the target's folder.
+  const base::FolderListingCache folderListings;
 
   // The objects of an earlier run belong to the application being replaced.
   state.currentSheet = excel::Sheet();

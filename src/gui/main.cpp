@@ -2,6 +2,7 @@
 #include <QApplication>
 
 #include "base/environment.h"
+#include "base/memory_reuse.h"
 #include "base/process_launcher.h"
 #include "base/program_folder.h"
 #include "cadenv/registry.h"
@@ -11,6 +12,7 @@
 #include "settings/start_log.h"
 
 int main(int argc, char** argv) {
+  sw::base::KeepFreedMemoryForReuse();
   QApplication application(argc, argv);
   QApplication::setApplicationName(QString::fromUtf8(sw::base::kApplicationTitle));
 

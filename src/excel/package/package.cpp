@@ -63,13 +63,16 @@ std::unique_ptr<pugi::xml_document> ParseXml(std::string_view partName, std::str
   return document;
 }
 
-std::string SerializeXml(const pugi::xml_document& document) {
+std::string SerializeXml(const pugi::xml_document& document, std::size_t expectedSize) {
   StringWriter writer;
-  document.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
+  // Room for the text at once: a parked sheet of a large workbook would otherwise be copied on its
+  // way up through every doubling.
+  writer.text.reserve(expectedSize);
   // A document parsed without its declaration gets the one Excel writes.
   if (document.first_child().type() != pugi::node_declaration) {
-    writer.text.insert(0, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n");
+    writer.text = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n";
   }
+  document.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
   return std::move(writer.text);
 }
 
@@ -130,9 +133,14 @@ pugi::xml_document& Package::Xml(std::string_view name) {
   Part& part = Require(name);
   if (!part.xml) {
     part.xml = ParseXml(part.name, part.bytes, limits_);
+    part.parsedSize = part.bytes.size();
     std::string().swap(part.bytes);
   }
   return *part.xml;
+}
+
+int& Package::KnownHighestRelationship(std::string_view relsName) {
+  return Require(relsName).highestRelationship;
 }
 
 bool Package::IsParsed(std::string_view name) const {
@@ -144,8 +152,9 @@ const std::string& Package::Bytes(std::string_view name) {
   Part& part = Require(name);
   if (part.xml) {
     if (Key(name) == "[content_types].xml") overridesIndexed_ = false;
-    part.bytes = SerializeXml(*part.xml);
+    part.bytes = SerializeXml(*part.xml, part.parsedSize);
     part.xml.reset();
+    part.highestRelationship = -1;
   }
   return part.bytes;
 }
@@ -162,6 +171,7 @@ void Package::SetBytes(std::string_view name, std::string bytes) {
   }
   part->bytes = std::move(bytes);
   part->xml.reset();
+  part->highestRelationship = -1;
   if (Key(clean) == "[content_types].xml") overridesIndexed_ = false;
 }
 
@@ -183,8 +193,9 @@ void Package::Park(std::string_view name) {
   Part* part = Find(name);
   if (part != nullptr && part->xml) {
     if (Key(name) == "[content_types].xml") overridesIndexed_ = false;
-    part->bytes = SerializeXml(*part->xml);
+    part->bytes = SerializeXml(*part->xml, part->parsedSize);
     part->xml.reset();
+    part->highestRelationship = -1;
   }
 }
 
@@ -206,7 +217,7 @@ std::string Package::ToZip() {
   sources.reserve(parts_.size());
   const auto add = [&](const Part& part) {
     if (part.xml) {
-      serialized.push_back(SerializeXml(*part.xml));
+      serialized.push_back(SerializeXml(*part.xml, part.parsedSize));
       sources.push_back(ZipSource{part.name, serialized.back()});
     } else {
       sources.push_back(ZipSource{part.name, part.bytes});

@@ -36,6 +36,10 @@ class Package {
   void SetBytes(std::string_view name, std::string bytes);
   void SetXml(std::string_view name, std::unique_ptr<pugi::xml_document> document);
   void Remove(std::string_view name);
+  // The highest "rId" number in a parsed relationships part as relationships.cpp last counted it, -1
+  // when not known: a workbook of thousands of sheets would otherwise be counted through for each
+  // new sheet. Forgotten whenever the part's document is replaced or parked.
+  int& KnownHighestRelationship(std::string_view relsName);
   // Serialises a parsed part and frees its document.
   void Park(std::string_view name);
   // A part name not used yet: "xl/worksheets/sheet" + n + ".xml" with the smallest n >= `from`.
@@ -52,6 +56,8 @@ class Package {
     std::string name;
     std::string bytes;
     std::unique_ptr<pugi::xml_document> xml;
+    int highestRelationship = -1;
+    std::size_t parsedSize = 0;  // the size of the bytes the document was parsed from
   };
   Part* Find(std::string_view name) const;
   Part& Require(std::string_view name) const;
@@ -68,6 +74,7 @@ class Package {
 // Parses `bytes` with the settings every part uses; throws PackageError naming `partName`.
 std::unique_ptr<pugi::xml_document> ParseXml(std::string_view partName, std::string_view bytes,
                                              const PackageLimits& limits);
-std::string SerializeXml(const pugi::xml_document& document);
+// `expectedSize`: room to reserve for the text, such as the size of the bytes it was parsed from.
+std::string SerializeXml(const pugi::xml_document& document, std::size_t expectedSize = 0);
 
 }  // namespace sw::excel

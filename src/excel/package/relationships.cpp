@@ -92,8 +92,8 @@ std::vector<Relationship> ReadRelationships(Package& package, std::string_view s
 
 namespace {
 
-// The number of an "rId" as atoi reads it. A workbook of thousands of pages has as many relationships,
-// all looked through for each new page: plain digits are read without a copy.
+// The number of an "rId" as atoi reads it. A workbook of thousands of pages has as many relationships
+// to count through when its relationships part is parsed again: plain digits are read without a copy.
 int IdNumber(std::string_view digits) {
   int number = 0;
   if (digits.size() <= 9 &&
@@ -119,12 +119,16 @@ std::string AddRelationship(Package& package, std::string_view sourcePart, std::
     package.SetXml(rels, std::move(document));
   }
   auto root = package.Xml(rels).document_element();
-  int highest = 0;
-  for (const auto node : root.children("Relationship")) {
-    const std::string_view id = node.attribute("Id").value();
-    if (id.size() > 3 && id.substr(0, 3) == "rId") highest = std::max(highest, IdNumber(id.substr(3)));
+  int& highest = package.KnownHighestRelationship(rels);
+  if (highest < 0) {
+    highest = 0;
+    for (const auto node : root.children("Relationship")) {
+      const std::string_view id = node.attribute("Id").value();
+      if (id.size() > 3 && id.substr(0, 3) == "rId") highest = std::max(highest, IdNumber(id.substr(3)));
+    }
   }
-  std::string id = "rId" + std::to_string(highest + 1);
+  ++highest;
+  std::string id = "rId" + std::to_string(highest);
   auto node = root.append_child("Relationship");
   node.append_attribute("Id") = id.c_str();
   node.append_attribute("Type") = std::string(type).c_str();
@@ -139,6 +143,7 @@ void RemoveRelationship(Package& package, std::string_view sourcePart, std::stri
   for (auto node : root.children("Relationship")) {
     if (id == node.attribute("Id").value()) {
       root.remove_child(node);
+      package.KnownHighestRelationship(rels) = -1;
       return;
     }
   }
