@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 
+#include "base/own_temp_files.h"
 #include "temp_dir.h"
 
 namespace sw::base {
@@ -49,6 +50,34 @@ TEST(PosixOnlyReadWholeFile, EmptyAndLargeFilesReadWhole) {
   EXPECT_EQ(ReadWholeFile(dir.Write("tom.txt", "")), std::string());
   const std::string large(3 * 65536 + 17, 'x');
   EXPECT_EQ(ReadWholeFile(dir.Write("stor.txt", large)), large);
+}
+
+// A file that will be kept takes its name only when whole (a new file each time); one of the
+// program's own temporary files is never kept and is written in place. Neither leaves anything else.
+TEST(PosixOnlyWriteFileAtomically, KeptFilesGetANewFileOwnTemporaryFilesAreWrittenInPlace) {
+  const TempDir dir;
+  const auto inode = [](const std::filesystem::path& path) {
+    struct stat info {};
+    EXPECT_EQ(::stat(path.c_str(), &info), 0);
+    return info.st_ino;
+  };
+  const auto kept = dir.path() / "Lista-1.xlsx";
+  ASSERT_FALSE(WriteFileAtomically(kept, "first"));
+  const auto keptBefore = inode(kept);
+  ASSERT_FALSE(WriteFileAtomically(kept, "second"));
+  EXPECT_NE(inode(kept), keptBefore);
+  EXPECT_EQ(ReadWholeFile(kept), "second");
+
+  const auto working = dir.path() / ("Lista.xlsx" + OwnTempSuffix());
+  ASSERT_FALSE(WriteFileAtomically(working, "a longer first text"));
+  const auto workingBefore = inode(working);
+  ASSERT_FALSE(WriteFileAtomically(working, "short"));
+  EXPECT_EQ(inode(working), workingBefore);
+  EXPECT_EQ(ReadWholeFile(working), "short");
+
+  int files = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path())) ++files;
+  EXPECT_EQ(files, 2);
 }
 
 }  // namespace

@@ -34,6 +34,25 @@ TEST_F(PosixOnlyWindowsPathTest, BackslashesSeparateAndCaseIsIgnoredWhereTheSpel
   EXPECT_TRUE(WindowsFolderExists(Root() + "\\MALLAR"));
 }
 
+// A run keeps its folders' listings: other cases are still found, the run's own new files too, but a
+// file another program adds under another case only once the run is over.
+TEST_F(PosixOnlyWindowsPathTest, ListingsKeptForARunFindOtherCasesAndTheRunsOwnFiles) {
+  dir_.Write("Mallar/\u00c5tg\u00e4rd.txt", "a");
+  WindowsPathResolver resolver;
+  {
+    const FolderListingCache listings;
+    EXPECT_EQ(resolver.Resolve(Root() + "\\mallar\\PLAN.xlsx"), dir_.path() / "Mallar" / "Plan.XLSX");
+    EXPECT_EQ(resolver.Resolve(Root() + "\\Mallar\\\u00e5TG\u00c4RD.txt"),
+              dir_.path() / "Mallar" / "\u00c5tg\u00e4rd.txt");
+    dir_.Write("Mallar/Lista-1.xlsx", "run");
+    EXPECT_EQ(resolver.Resolve(Root() + "\\Mallar\\Lista-1.xlsx"), dir_.path() / "Mallar" / "Lista-1.xlsx");
+    dir_.Write("Mallar/LISTA-2.XLSX", "other");
+    EXPECT_EQ(resolver.Resolve(Root() + "\\Mallar\\Lista-2.xlsx"), dir_.path() / "Mallar" / "Lista-2.xlsx");
+    EXPECT_EQ(resolver.Resolve(Root() + "\\Mallar\\Saknas.xlsx"), dir_.path() / "Mallar" / "Saknas.xlsx");
+  }
+  EXPECT_EQ(resolver.Resolve(Root() + "\\Mallar\\Lista-2.xlsx"), dir_.path() / "Mallar" / "LISTA-2.XLSX");
+}
+
 TEST_F(PosixOnlyWindowsPathTest, MappedDriveStandsForAHostFolder) {
   WindowsPathResolver resolver;
   EXPECT_EQ(resolver.Resolve("C:\\Mallar\\Plan.xlsx"), std::filesystem::path("C:") / "Mallar" / "Plan.xlsx");
