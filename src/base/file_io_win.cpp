@@ -57,7 +57,8 @@ std::error_code WriteAll(HANDLE file, std::string_view bytes) {
 // there: it is written in place, neither flushed nor renamed. A single-sheet run saves its working
 // file once per page.
 std::error_code WriteOwnTempFile(const std::filesystem::path& path, std::string_view bytes) {
-  HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  HANDLE file =
+      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) return LastWindowsError();
   const std::error_code result = WriteAll(file, bytes);
   CloseHandle(file);

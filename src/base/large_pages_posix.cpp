@@ -22,7 +22,8 @@ void* AllocateLargePages(std::size_t bytes) {
   const std::size_t length = RoundUp(bytes);
   // One large page more than needed, so that a large-page boundary lies inside; the parts before
   // and after the aligned range are given back at once.
-  void* mapped = mmap(nullptr, length + kLargePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  void* mapped =
+      mmap(nullptr, length + kLargePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (mapped == MAP_FAILED) return nullptr;
   const auto begin = reinterpret_cast<std::uintptr_t>(mapped);
   const std::uintptr_t aligned = (begin + kLargePage - 1) / kLargePage * kLargePage;

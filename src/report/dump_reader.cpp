@@ -6,9 +6,10 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
+#include <limits>
 #include <memory>
-#include <span>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -148,7 +149,9 @@ void ForEachField(std::string_view line, OnField&& onField) {
 
 void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
   fields.clear();
-  ForEachField(line, [&](std::size_t begin, std::size_t end) { fields.emplace_back(line.data() + begin, end - begin); });
+  ForEachField(line, [&](std::size_t begin, std::size_t end) {
+    fields.emplace_back(line.data() + begin, end - begin);
+  });
 }
 
 // A line's fields, each trimmed of spaces as AddGridRow trims them, back to back with their ends: the
@@ -156,6 +159,9 @@ void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
 class PackedFields {
  public:
   void Pack(std::string_view line) {
+    // The table keeps 32-bit offsets; a line that long would not fit in it either.
+    if (line.size() > std::numeric_limits<std::uint32_t>::max())
+      throw std::length_error("dump line too long");
     // Trimmed fields without their TABs never need more room than the line.
     if (text_.size() < line.size()) text_.resize(std::max(line.size(), 2 * text_.size()));
     ends_.clear();

@@ -161,10 +161,10 @@ class ReportTable {
 
   std::vector<Row, base::LargePageAllocator<Row>> rows_;
   int cols_ = 1;
-  TextStore text_;  // every row's cells, back to back
-  EndStore ends_;   // every row's cell ends, back to back
-  std::size_t textGarbage_ = 0;     // bytes of text_ no row refers to any more
-  std::size_t endsGarbage_ = 0;     // bytes of ends_ no row refers to any more
+  TextStore text_;               // every row's cells, back to back
+  EndStore ends_;                // every row's cell ends, back to back
+  std::size_t textGarbage_ = 0;  // bytes of text_ no row refers to any more
+  std::size_t endsGarbage_ = 0;  // bytes of ends_ no row refers to any more
   std::vector<Style> styles_;
   std::vector<std::uint32_t> freeStyles_;  // slots of styles_ no row uses
   std::string scratch_;                    // a row's texts while they are rewritten from the table's own text

@@ -1,11 +1,10 @@
-#include "base/file_io.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 #include <string>
 
+#include "base/file_io.h"
 #include "base/own_temp_files.h"
 #include "temp_dir.h"
 

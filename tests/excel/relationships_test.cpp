@@ -16,10 +16,11 @@ constexpr char kWorksheetType[] =
 // after a removal, as counting through the part would give them.
 TEST(Relationships, NewIdsFollowTheHighestNumberThroughRemovalsAndParking) {
   Package package;
-  package.SetBytes("xl/_rels/workbook.xml.rels",
-                   "<?xml version=\"1.0\"?><Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/"
-                   "relationships\"><Relationship Id=\"rId7\" Type=\"t\" Target=\"a.xml\"/>"
-                   "<Relationship Id=\"x\" Type=\"t\" Target=\"b.xml\"/></Relationships>");
+  package.SetBytes(
+      "xl/_rels/workbook.xml.rels",
+      "<?xml version=\"1.0\"?><Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/"
+      "relationships\"><Relationship Id=\"rId7\" Type=\"t\" Target=\"a.xml\"/>"
+      "<Relationship Id=\"x\" Type=\"t\" Target=\"b.xml\"/></Relationships>");
   EXPECT_EQ(AddRelationship(package, "xl/workbook.xml", kWorksheetType, "xl/worksheets/sheet1.xml"), "rId8");
   EXPECT_EQ(AddRelationship(package, "xl/workbook.xml", kWorksheetType, "xl/worksheets/sheet2.xml"), "rId9");
   RemoveRelationship(package, "xl/workbook.xml", "rId9");

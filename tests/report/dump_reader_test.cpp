@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "base/text_codec.h"
-#include "temp_dir.h"
 #include "table_rows.h"
+#include "temp_dir.h"
 
 namespace sw::report {
 namespace {
@@ -66,7 +66,8 @@ INSTANTIATE_TEST_SUITE_P(
         RowRuleCase{"LastFieldDroppedLater", "%T\n\tA\tB\n\tC\tD\tE\n", {"T|||", "|A|B|", "|C|D|"}, 4},
         RowRuleCase{"FieldsTrimmedOfSpacesOnly", "%T\n\t  a  \t b\v\n", {"T||", "|a|b\v"}, 3},
         RowRuleCase{"EmptyFileKeepsOneColumn", "", {}, 1},
-        RowRuleCase{"SpacesOnlyAndEmptyFieldsAtTheEnd", "%T\n\t \tA\t  \t\n\t\t\n", {"T||||", "||A||", "||||"}, 5},
+        RowRuleCase{
+            "SpacesOnlyAndEmptyFieldsAtTheEnd", "%T\n\t \tA\t  \t\n\t\t\n", {"T||||", "||A||", "||||"}, 5},
         RowRuleCase{"LongFieldsInADataLine",
                     "%T\n\t" + std::string(300, 'm') + "\t" + std::string(70000, 'h') + " \n",
                     {"T||", "|" + std::string(300, 'm') + "|" + std::string(70000, 'h')},

@@ -205,7 +205,8 @@ TEST(ReportTable, PackedRowsStoreEveryWidthAndLeaveOutColumnsBeyondTheTable) {
   const std::string huge(70000, 'h');
   for (const std::string* longText : {&middle, &huge}) {
     const std::string packed = "x" + *longText;
-    const std::uint32_t ends[] = {1, static_cast<std::uint32_t>(packed.size()), static_cast<std::uint32_t>(packed.size())};
+    const std::uint32_t ends[] = {1, static_cast<std::uint32_t>(packed.size()),
+                                  static_cast<std::uint32_t>(packed.size())};
     table.AppendPackedRow(packed, ends);
   }
   const std::uint32_t noEnds[] = {0, 0, 0};
