@@ -64,13 +64,14 @@ std::optional<std::filesystem::path> FindIgnoringCase(const std::filesystem::pat
     lock.unlock();
     ForEachEntryName(folder, consider);
   } else {
-    auto [listing, isNew] = cache.folders.try_emplace(folder.native());
-    if (isNew) {
-      ForEachEntryName(folder, [&](std::string_view entryName) {
-        listing->second.emplace(CandidateKey(entryName), std::string(entryName));
+    const auto inserted = cache.folders.try_emplace(folder.native());
+    auto& names = inserted.first->second;
+    if (inserted.second) {
+      ForEachEntryName(folder, [&names](std::string_view entryName) {
+        names.emplace(CandidateKey(entryName), std::string(entryName));
       });
     }
-    const auto [first, last] = listing->second.equal_range(CandidateKey(name));
+    const auto [first, last] = names.equal_range(CandidateKey(name));
     for (auto it = first; it != last; ++it) consider(it->second);
   }
   if (!best) return std::nullopt;
