@@ -113,14 +113,14 @@ int WorkbookDocument::CopySheet(int source, int after) {
   // Excel points the copy's references to its source sheet at the copy itself.
   bool namesItself = false;
   if (mayNameItself || !renamedTables.empty()) {
-    for (auto node : root.select_nodes(kWorksheetFormulas)) {
-      auto text = node.node().text();
+    ForEachFormulaElement(root, [&](pugi::xml_node node) {
+      auto text = node.text();
       std::string formula = text.get();
       if (mayNameItself) formula = RenameSheetInFormula(formula, sourceName, copyName);
       namesItself = namesItself || formula != text.get();
       for (const auto& [from, to] : renamedTables) formula = RenameTableInFormula(formula, from, to);
       if (formula != text.get()) text.set(formula.c_str());
-    }
+    });
   }
   package_.SetXml(part, std::move(document));
   WriteRelationshipsLike(sourceEntry.part, part, targets);

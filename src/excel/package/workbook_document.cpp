@@ -37,13 +37,19 @@ std::string RelationshipIdOf(pugi::xml_node sheet) {
   return {};
 }
 
+void RenameInFormula(pugi::xml_node node, std::string_view oldName, std::string_view newName) {
+  auto text = node.text();
+  const std::string renamed = RenameSheetInFormula(text.get(), oldName, newName);
+  if (renamed != text.get()) text.set(renamed.c_str());
+}
+
 void RenameInFormulas(pugi::xml_node root, const char* xpath, std::string_view oldName,
                       std::string_view newName) {
-  for (auto node : root.select_nodes(xpath)) {
-    auto text = node.node().text();
-    const std::string renamed = RenameSheetInFormula(text.get(), oldName, newName);
-    if (renamed != text.get()) text.set(renamed.c_str());
-  }
+  for (auto node : root.select_nodes(xpath)) RenameInFormula(node.node(), oldName, newName);
+}
+
+void RenameInWorksheetFormulas(pugi::xml_node root, std::string_view oldName, std::string_view newName) {
+  ForEachFormulaElement(root, [&](pugi::xml_node node) { RenameInFormula(node, oldName, newName); });
 }
 
 }  // namespace
@@ -213,10 +219,10 @@ void WorkbookDocument::RenameInOtherParts(std::string_view oldName, std::string_
       const auto& entry = Entry(i);
       if (!entry.worksheet) continue;
       if (!package_.IsParsed(entry.part) && !SheetNameMayOccur(package_.Bytes(entry.part), oldName)) continue;
-      RenameInFormulas(Sheet(i, true).root(), kWorksheetFormulas, oldName, newName);
+      RenameInWorksheetFormulas(Sheet(i, true).root(), oldName, newName);
     }
   } else if (Entry(position).namesItself) {
-    RenameInFormulas(Sheet(position, true).root(), kWorksheetFormulas, oldName, newName);
+    RenameInWorksheetFormulas(Sheet(position, true).root(), oldName, newName);
   }
   if (!chartPartsGathered_) {
     chartPartsGathered_ = true;

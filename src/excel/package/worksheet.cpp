@@ -59,6 +59,30 @@ void StripPrefix(pugi::xml_node root, std::string_view prefix) {
 
 }  // namespace
 
+namespace {
+
+bool IsFormulaElementName(std::string_view name) {
+  if (const auto colon = name.find(':'); colon != std::string_view::npos) name.remove_prefix(colon + 1);
+  return name == "f" || name == "formula" || name == "formula1" || name == "formula2";
+}
+
+}  // namespace
+
+void ForEachFormulaElement(pugi::xml_node node, const std::function<void(pugi::xml_node)>& onFormula) {
+  const pugi::xml_node top = node.root();
+  pugi::xml_node at = top.first_child();
+  while (at) {
+    if (at.type() == pugi::node_element && IsFormulaElementName(at.name())) onFormula(at);
+    if (at.first_child()) {
+      at = at.first_child();
+      continue;
+    }
+    while (at != top && !at.next_sibling()) at = at.parent();
+    if (at == top) break;
+    at = at.next_sibling();
+  }
+}
+
 int CellRow(pugi::xml_node cell) {
   const auto address = ParseCellAddress(cell.attribute("r").value());
   return address ? address->row : 0;
