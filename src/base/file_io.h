@@ -20,7 +20,7 @@ bool IsNotARegularFile(const std::error_code& error);
 // Writes `bytes` to a temporary file beside `path` (one of the program's own, see own_temp_files.h),
 // flushes it to disk and renames it over `path`, so a reader sees either the old or the new contents,
 // never a torn file. A failed write removes its temporary file; a killed one leaves it to
-// RemoveAbandonedTempFiles. A `path` that is itself one of the program's own temporary files is
+// RemoveAbandonedTempFiles. A `path` that is itself one of this process's own temporary files is
 // written in place instead: it is never kept.
 std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes);
 

@@ -53,7 +53,7 @@ std::error_code WriteAll(HANDLE file, std::string_view bytes) {
   return {};
 }
 
-// One of the program's own temporary files is never kept, so no crash can cost the user anything
+// A temporary file this process made for itself is never kept, so no crash can cost the user anything
 // there: it is written in place, neither flushed nor renamed. A single-sheet run saves its working
 // file once per page.
 std::error_code WriteOwnTempFile(const std::filesystem::path& path, std::string_view bytes) {
@@ -69,7 +69,7 @@ std::error_code WriteOwnTempFile(const std::filesystem::path& path, std::string_
 }  // namespace
 
 std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
-  if (IsOwnTempFile(path)) return WriteOwnTempFile(path, bytes);
+  if (IsThisProcessTempFile(path)) return WriteOwnTempFile(path, bytes);
   static std::atomic<unsigned> serial{0};
   std::filesystem::path temp;
   HANDLE file = INVALID_HANDLE_VALUE;

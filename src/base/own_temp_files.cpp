@@ -22,9 +22,10 @@ unsigned long long OwnTempFileProcess(std::string_view fileName) {
   }
 }
 
-bool IsOwnTempFile(const std::filesystem::path& path) {
+bool IsThisProcessTempFile(const std::filesystem::path& path) {
   const auto name = path.filename().u8string();
-  return OwnTempFileProcess(std::string_view(reinterpret_cast<const char*>(name.data()), name.size())) != 0;
+  return OwnTempFileProcess(std::string_view(reinterpret_cast<const char*>(name.data()), name.size())) ==
+         CurrentProcessId();
 }
 
 int RemoveAbandonedTempFiles(const std::filesystem::path& folder) {

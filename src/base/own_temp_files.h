@@ -19,8 +19,9 @@ int RemoveAbandonedTempFiles(const std::filesystem::path& folder);
 // The process id in a name of the program's own temporary files; 0 when the name is not one of them.
 unsigned long long OwnTempFileProcess(std::string_view fileName);
 
-// Whether the file at `path` is named as one of the program's own temporary files.
-bool IsOwnTempFile(const std::filesystem::path& path);
+// Whether the file at `path` is named as one of this process's own temporary files (not merely as one
+// of the program's: a name a user happened to give in that form belongs to no running process of ours).
+bool IsThisProcessTempFile(const std::filesystem::path& path);
 
 // The calling process's id, and whether a process with the given id runs.
 unsigned long long CurrentProcessId();

@@ -74,9 +74,17 @@ TEST(PosixOnlyWriteFileAtomically, KeptFilesGetANewFileOwnTemporaryFilesAreWritt
   EXPECT_EQ(inode(working), workingBefore);
   EXPECT_EQ(ReadWholeFile(working), "short");
 
+  // A name in that form that no process of ours made (a user's file, say) is kept as any other file.
+  const auto foreign = dir.path() / "Lista.xlsx.sheetwright-1.tmp";
+  ASSERT_FALSE(WriteFileAtomically(foreign, "first"));
+  const auto foreignBefore = inode(foreign);
+  ASSERT_FALSE(WriteFileAtomically(foreign, "second"));
+  EXPECT_NE(inode(foreign), foreignBefore);
+  EXPECT_EQ(ReadWholeFile(foreign), "second");
+
   int files = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path())) ++files;
-  EXPECT_EQ(files, 2);
+  EXPECT_EQ(files, 3);
 }
 
 }  // namespace
