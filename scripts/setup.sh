@@ -15,6 +15,11 @@ debian_packages=(
   libgtest-dev libgmock-dev libbenchmark-dev clang libclang-rt-14-dev
   # the Windows build, its libraries built from Debian's sources (dpkg-dev unpacks them), its tests under Wine
   g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev wine wine64
+  # the window for Windows: Qt built from Debian's qt6-base source with the machine's own Qt tools
+  # (scripts/build-qt-mingw.sh), the installer (wixl), the window's test under Wine on a virtual display
+  qt6-base-dev-tools perl wixl msitools xvfb xdotool x11-apps
+  # Qt's own dialogs in Swedish (qt_sv.qm), on both platforms
+  qt6-translations-l10n
   # independent readers of the workbooks we write, and the writer-speed reference
   python3 python3-openpyxl python3-pil libreoffice-calc-nogui libxlsxwriter-dev
 )
