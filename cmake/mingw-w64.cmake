@@ -10,11 +10,17 @@ if(NOT SW_MINGW_DEPS)
 endif()
 get_filename_component(SW_MINGW_DEPS ${SW_MINGW_DEPS} ABSOLUTE)
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${SW_MINGW_DEPS})
+# Qt for mingw, built by scripts/build-qt-mingw.sh into its cache; without it the window is left out.
+# The Qt host tools (moc, rcc, uic) are the machine's own of the same version.
+if(SW_QT_MINGW)
+  list(APPEND CMAKE_FIND_ROOT_PATH ${SW_QT_MINGW})
+  set(QT_HOST_PATH /usr CACHE PATH "")
+  set(QT_HOST_PATH_CMAKE_DIR /usr/lib/x86_64-linux-gnu/cmake CACHE PATH "")
+endif()
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-# Run the static runtime so the programs start under Wine and on bare Windows alike.
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -static-libgcc -static-libstdc++")
 # zlib from libz-mingw-w64-dev comes as DLL and static library; the programs take the static one.
 set(ZLIB_USE_STATIC_LIBS ON)
+# Which C++ runtime each program links is decided in cmake/WindowsRuntime.cmake.

@@ -25,7 +25,7 @@ qt_features=(
   -DBUILD_SHARED_LIBS=ON
   -DFEATURE_tabletevent=OFF # Debian's +dfsg source leaves out the tablet header
   -DFEATURE_dynamicgl=OFF   # with OpenGL off, 6.4's Windows plugin still compiles the dynamic-GL check
-  -DFEATURE_opengl=OFF -DFEATURE_vulkan=OFF -DFEATURE_direct2d=OFF
+  -DFEATURE_opengl=OFF -DFEATURE_vulkan=OFF
   -DFEATURE_sql=OFF -DFEATURE_network=OFF -DFEATURE_dbus=OFF -DFEATURE_concurrent=OFF
   -DFEATURE_xml=OFF -DFEATURE_printsupport=OFF -DINPUT_openssl=no
   -DFEATURE_system_zlib=OFF -DFEATURE_system_pcre2=OFF -DFEATURE_system_png=OFF

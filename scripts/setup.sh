@@ -17,7 +17,7 @@ debian_packages=(
   g++-mingw-w64-x86-64-posix libz-mingw-w64-dev dpkg-dev wine wine64
   # the window for Windows: Qt built from Debian's qt6-base source with the machine's own Qt tools
   # (scripts/build-qt-mingw.sh), the installer (wixl), the window's test under Wine on a virtual display
-  qt6-base-dev-tools perl wixl msitools xvfb xdotool x11-apps
+  qt6-base-dev-tools perl wixl msitools xvfb xdotool imagemagick
   # Qt's own dialogs in Swedish (qt_sv.qm), on both platforms
   qt6-translations-l10n
   # independent readers of the workbooks we write, and the writer-speed reference

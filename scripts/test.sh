@@ -29,8 +29,11 @@ if [ "$fuzz_seconds" -gt 0 ]; then
   done
 fi
 
-# Everything but the window built for Windows, its suites run under Wine.
+# Everything built for Windows, the window included, its suites and the installer test run under Wine. Qt
+# for mingw is built once per machine into a cache outside the checkout (about 20 minutes the first time).
 bash scripts/build-mingw-deps.sh
+SW_QT_MINGW=$(bash scripts/build-qt-mingw.sh | tail -1)
+export SW_QT_MINGW
 cmake --preset windows >/dev/null
 cmake --build --preset windows -j2
 ctest --preset windows

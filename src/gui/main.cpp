@@ -8,6 +8,7 @@
 #include "cadenv/registry.h"
 #include "gui/main_window.h"
 #include "gui/qt_dialogs.h"
+#include "gui/qt_translations.h"
 #include "settings/settings.h"
 #include "settings/start_log.h"
 
@@ -23,6 +24,9 @@ int main(int argc, char** argv) {
   sw::gui::QtDialogs dialogs;
   const auto launcher = sw::base::CreateSystemProcessLauncher();
   const auto folder = sw::base::ProgramFolder().u8string();
+  const std::string programFolder(folder.begin(), folder.end());
+  sw::gui::InstallQtSwedishTranslation(application,
+                                       sw::gui::QtTranslationFolders(QString::fromStdString(programFolder)));
 
   // The window opens again after restoring the standard look, from the settings that wrote.
   for (;;) {
@@ -32,7 +36,7 @@ int main(int argc, char** argv) {
                                 .dialogs = dialogs,
                                 .launcher = *launcher,
                                 .startLog = &startLog,
-                                .programFolder = std::string(folder.begin(), folder.end()),
+                                .programFolder = programFolder,
                                 .createExcel = {},
                                 .openWorkbook = {}});
     dialogs.SetOwner(&window);

@@ -2,8 +2,10 @@
 // offscreen with the keyboard and the mouse.
 #include <QApplication>
 #include <QCheckBox>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
@@ -14,6 +16,7 @@
 #include "gui/about_box.h"
 #include "gui/control_colouring.h"
 #include "gui/options_dialog.h"
+#include "gui/qt_translations.h"
 #include "gui/warning_dialog.h"
 #include "memory_settings.h"
 #include "recording_launcher.h"
@@ -100,6 +103,7 @@ class DialogsTest : public QObject {
   void aboutBoxShowsTheProgramAndIsColoured();
   void aboutBoxLinksAndToolWorkFromTheKeyboard();
   void aboutBoxHasNoToolButtonWhereThereIsNoTool();
+  void qtsOwnButtonsSpeakSwedish();
 };
 
 void DialogsTest::optionsShowTheSettingsOnTheirTabs() {
@@ -386,6 +390,21 @@ void DialogsTest::aboutBoxHasNoToolButtonWhereThereIsNoTool() {
   QVERIFY(!box.findChild<QPushButton*>(QStringLiteral("cmdSysInfo")));
   sw::gui::AboutBox withoutTool({.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}});
   QVERIFY(!withoutTool.findChild<QPushButton*>(QStringLiteral("cmdSysInfo")));
+}
+
+void DialogsTest::qtsOwnButtonsSpeakSwedish() {
+  // The installed program's folder comes first; a folder without the catalog is passed over.
+  const QStringList folders = sw::gui::QtTranslationFolders(QStringLiteral("C:/Program Files/Sheetwright"));
+  QCOMPARE(folders.first(), QDir(QStringLiteral("C:/Program Files/Sheetwright")).filePath(QStringLiteral("translations")));
+  QVERIFY(!sw::gui::InstallQtSwedishTranslation(*QCoreApplication::instance(), {QDir::tempPath() + "/no-such"}));
+
+  QVERIFY(sw::gui::InstallQtSwedishTranslation(*QCoreApplication::instance(),
+                                               {QDir::tempPath() + "/no-such", QStringLiteral(SW_QT_TRANSLATIONS)}));
+  QMessageBox box(QMessageBox::Question, QStringLiteral("Sheetwright"), QStringLiteral("Skriva över?"),
+                  QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+  QCOMPARE(box.button(QMessageBox::Yes)->text(), QStringLiteral("&Ja"));
+  QCOMPARE(box.button(QMessageBox::No)->text(), QStringLiteral("&Nej"));
+  QCOMPARE(box.button(QMessageBox::Cancel)->text(), QStringLiteral("Avbryt"));
 }
 
 QTEST_MAIN(DialogsTest)
