@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -405,6 +406,12 @@ void DialogsTest::qtsOwnButtonsSpeakSwedish() {
   QCOMPARE(box.button(QMessageBox::Yes)->text(), QStringLiteral("&Ja"));
   QCOMPARE(box.button(QMessageBox::No)->text(), QStringLiteral("&Nej"));
   QCOMPARE(box.button(QMessageBox::Cancel)->text(), QStringLiteral("Avbryt"));
+
+  // Qt's own file dialog, as the window opens it for "Välj textfil...".
+  QFileDialog files(nullptr, QStringLiteral("Välj textfil"));
+  files.setOption(QFileDialog::DontUseNativeDialog);
+  QCOMPARE(files.labelText(QFileDialog::FileName), QStringLiteral("Fil&namn:"));
+  QCOMPARE(files.labelText(QFileDialog::Reject), QStringLiteral("Avbryt"));
 }
 
 QTEST_MAIN(DialogsTest)
