@@ -17,7 +17,15 @@ mkdir -p "$(dirname "$WINEPREFIX")"
   if [ ! -f "$WINEPREFIX/system.reg" ]; then
     wineboot --init >/dev/null 2>&1 || true
     wineserver --wait
+    # Wine brings no Windows fonts; the window tests lay out with the same face as on Linux.
+    cp /usr/share/fonts/truetype/dejavu/DejaVuSans*.ttf "$WINEPREFIX/drive_c/windows/Fonts/" 2>/dev/null || true
   fi
 ) 9>"$WINEPREFIX.lock"
+
+# Wine keeps the Linux side's QT_* variables from its Windows programs (they would steer a Windows Qt
+# wrongly); the ones set for a test are meant for the Windows program, and WINEQT_* passes them on.
+while IFS='=' read -r name _; do
+  [[ $name == QT_* ]] && export "WINE$name=${!name}"
+done < <(env)
 
 exec wine "$@"

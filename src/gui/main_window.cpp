@@ -591,7 +591,7 @@ void MainWindow::Generate() {
 
   const std::string shown = result.ShownWorkbook();
   if (shown.empty()) return;
-  const std::string host = base::ResolveWindowsPath(shown).string();
+  const std::string host = base::ResolveWindowsPath(shown).make_preferred().string();
   QString status = QString::fromUtf8("Skapad: ") + Q(host);
   if (!result.BackupNotice().empty()) status += QStringLiteral("   ") + Q(result.BackupNotice());
   statusBar()->showMessage(status);

@@ -530,11 +530,19 @@ void CommandBarsTest::toolCommandsOpenTheirDialogsAndPrograms() {
   QCOMPARE(captionOfModalDialog(304), QString::fromUtf8("Alternativ"));
   QVERIFY(captionOfModalDialog(601).startsWith(QString::fromUtf8("Om ")));
 
-  for (int id : {302, 303}) {
+  // The INI file goes to a text editor; the template, without Excel, on Windows ends on Excel's absence,
+  // elsewhere on no desktop program taking it.
+#ifdef _WIN32
+  const std::string noExcel = "Kan ej starta Microsoft Excel.";
+#else
+  const std::string noExcel = "Det gick inte att starta";
+#endif
+  for (const auto& [id, told] : {std::pair<int, std::string>{302, "Det gick inte att starta"}, {303, noExcel}}) {
     started.install.dialogs.messages.clear();
     Command(started, id)->trigger();
     QCOMPARE(started.install.dialogs.messages.size(), std::size_t{1});
-    QVERIFY(started.install.dialogs.messages.front().text.starts_with("Det gick inte att starta"));
+    const std::string& text = started.install.dialogs.messages.front().text;
+    QVERIFY2(text.starts_with(told), text.c_str());
   }
 }
 
