@@ -117,6 +117,7 @@ def identifier(prefix: str, relative: str) -> str:
 
 
 def write_wxs(stage_dir: pathlib.Path, version: str, wxs: pathlib.Path) -> None:
+    """The WiX description; its file names are relative to the folder that holds it and the stage."""
     ET.register_namespace("", WIX)
 
     def element(parent, tag, **attributes):
@@ -129,7 +130,7 @@ def write_wxs(stage_dir: pathlib.Path, version: str, wxs: pathlib.Path) -> None:
             Description=f"Sheetwright {version}", Comments="Fyller Excel-rapportmallar med rapporter från VOLTARIS.")
     element(product, "MajorUpgrade", DowngradeErrorMessage="En nyare version av Sheetwright är redan installerad.")
     element(product, "Media", Id="1", Cabinet="sheetwright.cab", EmbedCab="yes")
-    element(product, "Icon", Id="sheetwright.ico", SourceFile=str(stage_dir.parent / "sheetwright.ico"))
+    element(product, "Icon", Id="sheetwright.ico", SourceFile="sheetwright.ico")
     element(product, "Property", Id="ARPPRODUCTICON", Value="sheetwright.ico")
 
     target = element(product, "Directory", Id="TARGETDIR", Name="SourceDir")
@@ -148,12 +149,15 @@ def write_wxs(stage_dir: pathlib.Path, version: str, wxs: pathlib.Path) -> None:
         rel = relative.as_posix()
         component = element(directories[parent], "Component", Id=identifier("cmp_", rel), Guid=stable_guid(rel),
                             Win64="yes")
-        file = element(component, "File", Id=identifier("fil_", rel), Name=path.name, Source=str(path),
+        element(component, "File", Id=identifier("fil_", rel), Name=path.name, Source=(pathlib.Path(stage_dir.name) / relative).as_posix(),
                        KeyPath="yes")
         if rel == "sheetwright.exe":
-            element(file, "Shortcut", Id="StartMenuShortcut", Directory="ProgramMenuFolder", Name="Sheetwright",
+            # A plain shortcut to the installed program (an advertised one would need the feature's
+            # repair machinery at every start).
+            element(component, "Shortcut", Id="StartMenuShortcut", Directory="ProgramMenuFolder",
+                    Name="Sheetwright", Target="[INSTALLDIR]sheetwright.exe",
                     Description="Fyller Excel-rapportmallar med rapporter från VOLTARIS.",
-                    WorkingDirectory="INSTALLDIR", Advertise="no", Icon="sheetwright.ico")
+                    WorkingDirectory="INSTALLDIR", Icon="sheetwright.ico")
         element(feature, "ComponentRef", Id=component.get("Id"))
 
     ET.indent(wix)
@@ -178,7 +182,11 @@ def main() -> int:
 
     msi = args.out / f"Sheetwright-{args.version}-x64.msi"
     partial = msi.with_suffix(".msi.partial")
-    subprocess.run(["wixl", "-a", "x64", "-o", str(partial), str(wxs)], check=True)
+    # wixl takes the files named in the description relative to the folder it runs in.
+    wixl = subprocess.run(["wixl", "-a", "x64", "-o", str(partial.resolve()), wxs.name], cwd=work,
+                          capture_output=True, text=True)
+    if wixl.returncode != 0:
+        sys.exit(f"make_msi: wixl failed:\n{wixl.stdout}{wixl.stderr}")
     partial.replace(msi)  # a complete MSI or none under the final name
     print(msi)
     return 0

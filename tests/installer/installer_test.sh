@@ -28,6 +28,14 @@ fail() {
   exit 1
 }
 
+# The virtual display comes first: Wine's desktop process starts with the prefix and keeps the display
+# it found then.
+display=:$((90 + RANDOM % 100))
+Xvfb "$display" -screen 0 1600x1000x24 -nolisten tcp >/dev/null 2>&1 &
+xvfb_pid=$!
+export DISPLAY=$display
+
+wine_user=$(id -un) # the Windows user Wine makes of the Linux one
 export WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
 wineboot --init >/dev/null 2>&1 || true
@@ -42,7 +50,10 @@ msi=$work/Sheetwright-$version-x64.msi
 [ -f "$msi" ] || fail "no MSI written"
 
 installed=$WINEPREFIX/drive_c/Program\ Files/Sheetwright
-shortcut=$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start\ Menu/Programs/Sheetwright.lnk
+# Windows puts a per-machine install's shortcut into the common Start menu; Wine puts it into the user's.
+shortcuts=("$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start Menu/Programs/Sheetwright.lnk"
+  "$WINEPREFIX/drive_c/users/$wine_user/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/Sheetwright.lnk")
+shortcut_present() { [ -f "${shortcuts[0]}" ] || [ -f "${shortcuts[1]}" ]; }
 
 # 1. Install.
 wine msiexec /i "$(winepath -w "$msi")" /qn || fail "msiexec /i failed with $?"
@@ -52,19 +63,19 @@ for file in sheetwright.exe sheetwright-cli.exe Init.reg Qt6Core.dll Qt6Gui.dll 
   translations/qt_sv.qm licenses/Qt-LGPL-3.0.txt; do
   [ -f "$installed/$file" ] || fail "not installed: $file"
 done
-[ -f "$shortcut" ] || fail "no Start-menu shortcut"
+shortcut_present || fail "no Start-menu shortcut"
 echo "installed: $(find "$installed" -type f | wc -l) files"
 
 # The user's own things, which uninstalling must leave alone.
-documents=$WINEPREFIX/drive_c/users/$USER/Documents
+documents=$WINEPREFIX/drive_c/users/$wine_user/Documents
 mkdir -p "$documents"
 wine reg add 'HKCU\Software\ZENT\Sheetwright\Settings' /v Kvar /d 1 /f >/dev/null
 
 # 2. The installed command line fills the example.
 cp "$root/examples/yttre_forbindningstabell."{txt,xlsx,ini} "$documents/"
-wine "$installed/sheetwright-cli.exe" generate --dump 'C:\users\'"$USER"'\Documents\yttre_forbindningstabell.txt' \
-  --template 'C:\users\'"$USER"'\Documents\yttre_forbindningstabell.xlsx' \
-  --out 'C:\users\'"$USER"'\Documents\resultat.xlsx' --start 1 --field "5=Installerad" >/dev/null \
+wine "$installed/sheetwright-cli.exe" generate --dump 'C:\users\'"$wine_user"'\Documents\yttre_forbindningstabell.txt' \
+  --template 'C:\users\'"$wine_user"'\Documents\yttre_forbindningstabell.xlsx' \
+  --out 'C:\users\'"$wine_user"'\Documents\resultat.xlsx' --start 1 --field "5=Installerad" >/dev/null \
   || fail "the installed command line failed"
 "$python" - "$documents/resultat.xlsx" <<'EOF' || fail "the installed command line's workbook is not right"
 import sys
@@ -76,19 +87,25 @@ assert any(cell.value == "Installerad" for row in book[book.sheetnames[0]].iter_
 EOF
 echo "command line: example filled"
 
-# 3. The installed window over a CAD installation: the test installation's files on drive C: and its
-# registry keys imported as its installer would leave them.
-cp -r "$root/tests/data/cad_install/drive_c/." "$WINEPREFIX/drive_c/"
-cp "$root/tests/data/cad_install/drive_c/Windows/VOLTARIS.INI" "$WINEPREFIX/drive_c/windows/VOLTARIS.INI"
-rm -rf "$WINEPREFIX/drive_c/Windows"
-wine regedit /s "$(winepath -w "$root/tests/data/cad_install/voltaris_installation.reg")"
+# 3. The installed window with the example: the CAD system's last report is the example's, the settings
+# name its folder and dump (as the user's last choice) and a window of 1000 x 640 pixels.
+mkdir -p "$WINEPREFIX/drive_c/Exempel"
+cp "$root/examples/yttre_forbindningstabell."{txt,xlsx,ini} "$WINEPREFIX/drive_c/Exempel/"
+printf '[CURREPORT]\r\nREPORT_ID=yttre_forbindningstabell\r\nREPORT_FIRST=1\r\n' >"$WINEPREFIX/drive_c/windows/VOLTARIS.INI"
+cat >"$work/example.reg" <<'REG'
+REGEDIT4
+
+[HKEY_CURRENT_USER\Software\ZENT\Sheetwright]
+"LastRdsDir"="C:\\Exempel\\"
+"LastVoltDmp"="C:\\Exempel\\yttre_forbindningstabell.txt"
+
+[HKEY_CURRENT_USER\Software\ZENT\Sheetwright\frmMain]
+"Width"="15000"
+"Height"="9600"
+REG
+wine regedit /s "$(winepath -w "$work/example.reg")"
 # Wine has no Windows fonts; the window draws with DejaVu as a Windows machine would with its own.
 cp /usr/share/fonts/truetype/dejavu/DejaVuSans*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
-display=:$((90 + RANDOM % 100))
-Xvfb "$display" -screen 0 1600x1000x24 -nolisten tcp >/dev/null 2>&1 &
-xvfb_pid=$!
-export DISPLAY=$display
-sleep 1
 (wine "$installed/sheetwright.exe" >/dev/null 2>&1 &)
 window=
 for _ in $(seq 1 120); do
@@ -97,7 +114,7 @@ for _ in $(seq 1 120); do
   sleep 0.5
 done
 [ -n "$window" ] || fail "the main window did not appear"
-sleep 4 # the first paint of the grid
+sleep 6 # the first paint of the grid
 import -window root "$screenshot" || fail "no screenshot"
 eval "$(xdotool getwindowgeometry --shell "$window")"
 "$python" - "$screenshot" "$X" "$Y" "$WIDTH" "$HEIGHT" <<'EOF' || fail "the grid shows no placement (screenshot: $screenshot)"
@@ -126,9 +143,10 @@ echo "upgrade: $version -> $newer"
 # 5. Uninstall.
 wine msiexec /x "$(winepath -w "$work/Sheetwright-$newer-x64.msi")" /qn || fail "msiexec /x failed with $?"
 wineserver --wait
-left=$(find "$installed" -type f 2>/dev/null | wc -l)
+left=0
+[ ! -d "$installed" ] || left=$(find "$installed" -type f | wc -l)
 [ "$left" = 0 ] || fail "$left installed files left after uninstalling: $(find "$installed" -type f | head -5)"
-[ ! -f "$shortcut" ] || fail "the Start-menu shortcut is left"
+! shortcut_present || fail "the Start-menu shortcut is left"
 [ -f "$documents/resultat.xlsx" ] || fail "uninstalling removed the user's document"
 wine reg query 'HKCU\Software\ZENT\Sheetwright\Settings' /v Kvar >/dev/null 2>&1 \
   || fail "uninstalling removed the user's settings"
