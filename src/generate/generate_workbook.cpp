@@ -1,8 +1,10 @@
 #include "generate/generate_workbook.h"
 
+#include <new>
 #include <optional>
 #include <string>
 
+#include "base/out_of_memory.h"
 #include "base/own_temp_files.h"
 #include "base/strings.h"
 #include "base/upper_case.h"
@@ -352,6 +354,12 @@ GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templates::Template
   } catch (const excel::AutomationError& error) {
     run.TellFailure(error.number(), error.description(),
                     "Filen används, kan ej skriva över.\rAnge annat filnamn");
+  } catch (const std::bad_alloc&) {
+    // The working copy is dropped below; what the user had at the target stays as it was.
+    run.Tell(base::OutOfMemoryMessage("generering av " +
+                                      (inputs.targetPath.empty() ? inputs.templateFile : inputs.targetPath)),
+             "Fel", MessageIcon::kCritical);
+    run.SetMousePointer(MousePointer::kDefault);
   } catch (const std::exception& error) {
     // Nothing but the automation errors should get here; should anything else, it ends the run like
     // any unexpected error instead of ending the program.
