@@ -6,6 +6,7 @@
 #include "cli/check_command.h"
 #include "cli/environment_command.h"
 #include "cli/generate_command.h"
+#include "cli/memory_guard.h"
 #include "cli/preview_command.h"
 
 int main(int argc, char** argv) {
@@ -35,9 +36,22 @@ int main(int argc, char** argv) {
     return 2;
   }
 
-  if (app.got_subcommand("preview")) return sw::cli::RunPreview(preview, std::cout, std::cerr);
-  if (app.got_subcommand("check")) return sw::cli::RunCheck(check, std::cout, std::cerr);
-  if (app.got_subcommand("environment")) return sw::cli::RunEnvironment(environment, std::cout, std::cerr);
-  if (app.got_subcommand("generate")) return sw::cli::RunGenerate(generate, std::cout, std::cerr);
+  using sw::cli::RunGuardingMemory;
+  if (app.got_subcommand("preview")) {
+    return RunGuardingMemory(std::cerr, "förhandsgranskning av " + preview.dump,
+                             [&] { return sw::cli::RunPreview(preview, std::cout, std::cerr); });
+  }
+  if (app.got_subcommand("check")) {
+    return RunGuardingMemory(std::cerr, "kontroll av mallen " + check.workbook,
+                             [&] { return sw::cli::RunCheck(check, std::cout, std::cerr); });
+  }
+  if (app.got_subcommand("environment")) {
+    return RunGuardingMemory(std::cerr, "sökning efter VOLTARIS-installationen",
+                             [&] { return sw::cli::RunEnvironment(environment, std::cout, std::cerr); });
+  }
+  if (app.got_subcommand("generate")) {
+    return RunGuardingMemory(std::cerr, "generering av " + generate.target,
+                             [&] { return sw::cli::RunGenerate(generate, std::cout, std::cerr); });
+  }
   return 2;
 }

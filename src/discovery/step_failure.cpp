@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <new>
 
+#include "base/out_of_memory.h"
+
 namespace sw::discovery {
 
 StepFailure DescribeFailure(std::exception_ptr error) {
@@ -13,7 +15,7 @@ StepFailure DescribeFailure(std::exception_ptr error) {
   } catch (const std::filesystem::filesystem_error&) {
     return {kPathFileAccess, "Fel vid åtkomst till sökväg/fil"};
   } catch (const std::bad_alloc&) {
-    return {kOutOfMemory, "Slut på minne"};
+    return {kOutOfMemory, std::string(base::kOutOfMemoryText)};
   } catch (const std::exception& other) {
     return {kInvalidProcedureCall, other.what()};
   } catch (...) {

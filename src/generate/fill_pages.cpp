@@ -51,6 +51,7 @@ void FillPages(GenerationRun& run) {
   bool firstMarker = true;
 
   for (int r = 1; r < table.Rows(); ++r) {
+    if (run.stopped) return;
     if (table.BackColour(r, 0) == report::kTitleGreen) {
       // A placement head names the pages that follow; a manual break keeps the name it interrupts.
       std::string title = base::RemoveAll(table.Text(r, 0), "\t");
@@ -65,8 +66,10 @@ void FillPages(GenerationRun& run) {
       continue;
     }
     if (state.rowsOnPage == pageRows && !state.dynamicLength) StartNewPage(run, location);
+    if (run.stopped) return;
     WriteDataRow(run, table.RowTexts(r), tableColumns);
   }
+  if (run.stopped) return;
 
   ResumeOn1004(
       [&] { state.currentSheet.Cells(definition.NextSheetRow, definition.NextSheetCol).SetValue("-"); });

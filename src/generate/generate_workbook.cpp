@@ -1,12 +1,16 @@
 #include "generate/generate_workbook.h"
 
+#include <new>
+#include <optional>
 #include <string>
 
+#include "base/out_of_memory.h"
 #include "base/own_temp_files.h"
 #include "base/strings.h"
 #include "base/upper_case.h"
 #include "base/windows_path.h"
 #include "excel/application_factory.h"
+#include "generate/counter_limit.h"
 #include "generate/fill_pages.h"
 #include "generate/generation_run.h"
 #include "generate/page_text.h"
@@ -37,6 +41,40 @@ std::string LeftCharacters(std::string_view text, int length) {
   return std::string(text.substr(0, end));
 }
 
+// Reads through to nobody: the layout is looked at before the target is asked for, and generation's
+// own INI check tells its findings once the target is chosen.
+class SilentDialogs final : public base::Dialogs {
+ public:
+  base::MessageAnswer ShowMessage(const base::Message&) override { return base::MessageAnswer::kOk; }
+  std::optional<std::string> ShowFileDialog(const base::FileDialogRequest&) override { return std::nullopt; }
+};
+
+// The template's layout as generation's INI check will read it; nothing when the check would fail.
+std::optional<templates::TemplateDefinition> LayoutAsChecked(
+    const templates::TemplateDefinition& definition) {
+  if (definition.IniPath.empty()) return std::nullopt;
+  templates::TemplateDefinition copy = definition;
+  SilentDialogs quiet;
+  if (!templates::ValidateTemplateIni(copy.IniPath, copy, quiet).Accepted()) return std::nullopt;
+  return copy;
+}
+
+// Tells and returns false when the run's page or row numbers would pass the 16-bit counters.
+bool FitsTheCounters(const GenerationRun& run, const templates::TemplateDefinition& definition) {
+  int start = 0;
+  try {
+    start = StartNumberValue(run.inputs.sheetNumberText);
+  } catch (const excel::AutomationError&) {
+    return true;  // a start number that is no number fails later, where it always has
+  }
+  const std::string refusal =
+      CounterLimitRefusal(MeasureRun(run.inputs.table, definition), definition, start);
+  if (refusal.empty()) return true;
+  run.Tell(refusal, "Fel", MessageIcon::kExclamation);
+  run.SetMousePointer(MousePointer::kDefault);
+  return false;
+}
+
 // Steps up to the target file: false when the run ends here.
 bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, const std::string& extension) {
   GenerationState& state = run.state;
@@ -48,6 +86,10 @@ bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, co
   }
   if (inputs.table.Rows() <= 1) {
     run.Tell("Ingen data att överföra till Excel.", "Fel", MessageIcon::kExclamation);
+    return false;
+  }
+  // Refused before the user picks a file for a result that could never be made.
+  if (const auto layout = LayoutAsChecked(run.definition); layout && !FitsTheCounters(run, *layout)) {
     return false;
   }
   settings.SaveAppSetting("LastVoltDmp", inputs.dumpPickerText);
@@ -198,6 +240,16 @@ bool SaveResult(GenerationRun& run) {
   }
 }
 
+// After a page failed: the failure has been told; the workbook is not saved, and the user is told that
+// the target is as before the run. Page files already finished in single-sheet runs are complete
+// workbooks of their own and stay.
+void TellNothingSaved(const GenerationRun& run) {
+  if (run.inputs.singleSheet || run.inputs.targetPath.empty()) return;
+  run.Tell("Genereringen avbröts och arbetsboken har inte sparats: " + run.inputs.targetPath +
+               " är som före körningen.",
+           "Fel", MessageIcon::kExclamation);
+}
+
 void WriteCommonTexts(GenerationRun& run) {
   GenerationState& state = run.state;
   ResumeOn1004([&] { state.currentSheet = state.workbook.Worksheets().Item(state.commonSheetIndex); });
@@ -216,6 +268,7 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefini
   if (!CheckInputsAndAskForTarget(run, inputs, extension)) return;
   if (!KeepsMacros(run, inputs, extension)) return;
   if (!ValidateIni(run, definition)) return;
+  if (!FitsTheCounters(run, definition)) return;
 
   run.SetMousePointer(MousePointer::kHourglass);
   for (std::size_t i = 0; i < definition.CommonFields.size(); ++i) {
@@ -268,6 +321,10 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefini
 
   WriteCommonTexts(run);
   FillPages(run);
+  if (run.stopped) {
+    TellNothingSaved(run);
+    return;
+  }
   if (!SaveResult(run)) return;
   ResumeOn1004([&] { excel.SetVisible(true); });
   run.SetMousePointer(MousePointer::kDefault);
@@ -297,6 +354,12 @@ GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templates::Template
   } catch (const excel::AutomationError& error) {
     run.TellFailure(error.number(), error.description(),
                     "Filen används, kan ej skriva över.\rAnge annat filnamn");
+  } catch (const std::bad_alloc&) {
+    // The working copy is dropped below; what the user had at the target stays as it was.
+    run.Tell(base::OutOfMemoryMessage("generering av " +
+                                      (inputs.targetPath.empty() ? inputs.templateFile : inputs.targetPath)),
+             "Fel", MessageIcon::kCritical);
+    run.SetMousePointer(MousePointer::kDefault);
   } catch (const std::exception& error) {
     // Nothing but the automation errors should get here; should anything else, it ends the run like
     // any unexpected error instead of ending the program.

@@ -26,6 +26,9 @@ struct GenerationRun {
   std::string pendingPageText;  // single-sheet runs: the page that pendingPath is the file of
   std::string templateBackup;   // where the template's content was kept before a save into it
   bool resultLost = false;      // a result file could not be written
+  // A page failed so that the workbook cannot be complete, or so that every later page would fail
+  // alike (a full disk, a page number past the counter): the run ends there and saves nothing more.
+  bool stopped = false;
   int pagesStarted = 0;
 
   excel::Application& Excel() const;

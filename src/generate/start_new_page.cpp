@@ -24,6 +24,9 @@ void SavePreviousPage(GenerationRun& run) {
   } catch (const excel::AutomationError& error) {
     run.resultLost = true;
     TellPageFileFailure(run, error, pageText);
+    // Only a file in use is that file's own trouble; a full disk or a folder gone read-only would
+    // fail every page after it with the same message.
+    if (error.number() != kPermissionDenied) run.stopped = true;
   }
 }
 
@@ -31,7 +34,10 @@ bool MakePageFile(GenerationRun& run, const std::string& pageText) {
   GenerationState& state = run.state;
   const templates::TemplateDefinition& definition = run.definition;
   excel::Application& excel = run.Excel();
-  if (state.singleSheetSavePending) SavePreviousPage(run);
+  if (state.singleSheetSavePending) {
+    SavePreviousPage(run);
+    if (run.stopped) return false;
+  }
   const std::string pagePath = state.baseFileName + "-" + pageText + run.pageFileExtension;
   if (run.IsTheTemplate(pagePath)) {
     run.resultLost = true;
@@ -44,7 +50,10 @@ bool MakePageFile(GenerationRun& run, const std::string& pageText) {
     run.SaveWorking(pagePath, pageText);
   } catch (const excel::AutomationError& error) {
     if (error.number() != kApplicationDefined) throw;
+    // The engine could not write the page's file at all (the disk is full, the folder cannot be
+    // written): the next page would fail alike, so the run ends here with one message.
     run.resultLost = true;
+    run.stopped = true;
     run.Tell(error.description(), "Filfel", base::MessageIcon::kCritical);
     return false;
   }
@@ -110,6 +119,9 @@ void StartNewPage(GenerationRun& run, std::string_view location) {
     state.rowsOnPage = 0;
   } catch (const excel::AutomationError& error) {
     if (run.inputs.singleSheet) run.resultLost = true;
+    // A workbook missing a page is no result, and a page number past the counter fails every page
+    // after it: the run ends. A page file in use is that file's own trouble; the next pages go on.
+    if (!run.inputs.singleSheet || error.number() != kPermissionDenied) run.stopped = true;
     if (error.number() == kPermissionDenied && run.services.findTopLevelWindow)
       run.services.findTopLevelWindow(base::kApplicationTitle);
     run.TellFailure(error.number(), error.description(), PageFileInUseText(run, pageText));

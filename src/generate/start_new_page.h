@@ -10,8 +10,9 @@
 
 namespace sw::generate {
 
-// Handles its own failures: tells them (a 1004 is skipped), sets the mouse pointer back and returns,
-// and the caller goes on with the next rows.
+// Handles its own failures: tells them (a 1004 is skipped), sets the mouse pointer back and returns.
+// The caller goes on with the next rows only after a page file in use; any other failure sets
+// run.stopped, as the workbook would be incomplete or every later page would fail alike.
 void StartNewPage(GenerationRun& run, std::string_view location);
 
 // Tells that the file of page `pageText` could not be written, as a page file in use is told.

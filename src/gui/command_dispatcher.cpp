@@ -1,6 +1,7 @@
 #include "gui/command_dispatcher.h"
 
 #include <exception>
+#include <new>
 
 namespace sw::gui {
 
@@ -15,6 +16,10 @@ bool CommandDispatcher::Dispatch(int id) const {
   try {
     found->second();
     return true;
+  } catch (const std::bad_alloc&) {
+    // Unlike other failures this one the user must hear of: the command did not do its work.
+    if (outOfMemory_) outOfMemory_(id);
+    return false;
   } catch (const std::exception&) {
     return false;
   } catch (...) {

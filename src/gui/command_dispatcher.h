@@ -14,9 +14,12 @@ class CommandDispatcher {
   // Runs the action of `id`, if any. False when there is none or it failed; whatever the action
   // wanted the user to know it has shown itself.
   bool Dispatch(int id) const;
+  // Told with the id of a command that ran out of memory; the command has ended, the window goes on.
+  void OnOutOfMemory(std::function<void(int)> tell) { outOfMemory_ = std::move(tell); }
 
  private:
   std::map<int, std::function<void()>> actions_;
+  std::function<void(int)> outOfMemory_;
 };
 
 }  // namespace sw::gui

@@ -1,8 +1,11 @@
 // sheetwright: the main window. No command-line arguments are interpreted (Qt's own aside).
 #include <QApplication>
+#include <functional>
+#include <new>
 
 #include "base/environment.h"
 #include "base/memory_reuse.h"
+#include "base/out_of_memory.h"
 #include "base/process_launcher.h"
 #include "base/program_folder.h"
 #include "cadenv/registry.h"
@@ -12,9 +15,30 @@
 #include "settings/settings.h"
 #include "settings/start_log.h"
 
+namespace {
+
+// Memory running out in whatever the window does outside its commands (which tell it themselves) ends
+// that one event with the program's message, instead of ending the program.
+class Application final : public QApplication {
+ public:
+  using QApplication::QApplication;
+  std::function<void()> onOutOfMemory;
+
+  bool notify(QObject* receiver, QEvent* event) override {
+    try {
+      return QApplication::notify(receiver, event);
+    } catch (const std::bad_alloc&) {
+      if (onOutOfMemory) onOutOfMemory();
+      return false;
+    }
+  }
+};
+
+}  // namespace
+
 int main(int argc, char** argv) {
   sw::base::KeepFreedMemoryForReuse();
-  QApplication application(argc, argv);
+  Application application(argc, argv);
   QApplication::setApplicationName(QString::fromUtf8(sw::base::kApplicationTitle));
 
   // The start-log switch is read once, before the window exists.
@@ -22,6 +46,10 @@ int main(int argc, char** argv) {
   auto registry = sw::cadenv::OpenUserRegistry();
   sw::settings::RegistrySettings settings(*registry);
   sw::gui::QtDialogs dialogs;
+  application.onOutOfMemory = [&dialogs] {
+    dialogs.ShowMessage({sw::base::OutOfMemoryMessage("arbetet i fönstret"), "Fel",
+                         sw::base::MessageIcon::kCritical, sw::base::MessageButtons::kOk});
+  };
   const auto launcher = sw::base::CreateSystemProcessLauncher();
   const auto folder = sw::base::ProgramFolder().u8string();
   const std::string programFolder(folder.begin(), folder.end());

@@ -23,6 +23,8 @@
 #include <QVBoxLayout>
 #include <cmath>
 
+#include "base/out_of_memory.h"
+#include "base/upper_case.h"
 #include "base/windows_path.h"
 #include "gui/about_box.h"
 #include "gui/busy_state.h"
@@ -242,6 +244,14 @@ void MainWindow::BuildCommands() {
 
 void MainWindow::ConnectCommands() {
   auto& on = dispatcher_;
+  on.OnOutOfMemory([this](int id) {
+    std::string doing = "kommandot";
+    for (const auto& text : CommandTexts()) {
+      if (text.id == id) doing += " \"" + base::RemoveAll(text.caption, "&") + "\"";
+    }
+    services_.dialogs.ShowMessage(
+        {base::OutOfMemoryMessage(doing), "Fel", base::MessageIcon::kCritical, base::MessageButtons::kOk});
+  });
   on.On(kCommandExit, [this] { close(); });
   for (const auto& theme : session::Themes()) {
     on.On(theme.commandId, [this, number = theme.number] { ApplyTheme(number); });

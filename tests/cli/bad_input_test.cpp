@@ -234,5 +234,49 @@ TEST_F(BadInputTest, CheckWarnsAboutLayoutsGenerationRunsAsTheyAre) {
   }
 }
 
+// A template of terabytes is looked at, not read (read whole, it would end the program): one that is no zip
+// archive, or a larger archive than any workbook, is refused from its first bytes and its size.
+TEST_F(BadInputTest, HugeTemplateIsRefusedBeforeItIsRead) {
+  struct Case {
+    std::string name;
+    std::string head;
+    std::string message;
+  };
+  const std::vector<Case> cases = {
+      {"Text.xlsx", "Detta \u00e4r ingen arbetsbok", "Filfel: Filen \u00e4r inte en Excel-arbetsbok.\n"},
+      {"Arkiv.xlsx", "PK\x03\x04",
+       "Filfel: Filen \u00e4r f\u00f6r stor f\u00f6r att vara en arbetsbok (2097152 MB; h\u00f6gst 1088 "
+       "MB).\n"},
+  };
+  for (const auto& c : cases) {
+    const auto workbook = TemplateFrom(c.head, c.name);
+    std::filesystem::resize_file(workbook, 2ull << 40);  // sparse: no room taken on disk
+    const auto result = cli.Run({"check", workbook.string()});
+    EXPECT_EQ(result.exitCode, 1) << c.name;
+    EXPECT_EQ(result.err, c.message) << c.name;
+  }
+}
+
+// Page numbers are counted in 16 bits: a report that would carry them past 32767 is refused before
+// anything is written, and the earlier result stays.
+TEST_F(BadInputTest, ReportPastThePageCounterIsRefusedAndTheEarlierResultStays) {
+  const auto workbook = TemplateFrom(GoodTemplateBytes());
+  const auto target = temp.Write("Lista.xlsx", "det f\u00f6rra resultatet");
+  auto result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out",
+                         target.string(), "--start", "32765"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(Contains(result.err,
+                     "Fel: Rapporten ger 3 sidor fr\u00e5n sidnummer 32765, men sidnumren "
+                     "r\u00e4cker bara till 32766.\n"),
+            "");
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(base::ReadWholeFile(target), "det f\u00f6rra resultatet");
+
+  result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string(),
+                    "--start", "32764"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_TRUE(base::ReadWholeFile(target)->starts_with("PK"));
+}
+
 }  // namespace
 }  // namespace sw::testing

@@ -441,14 +441,5 @@ TEST_F(GenerateWorkbookTest, MacroTemplateRefusesAnXlsxTarget) {
   EXPECT_THAT(dialogs.messages, IsEmpty());
 }
 
-TEST_F(GenerateWorkbookTest, PageNumberPastTheIntegerRangeIsToldPerPage) {
-  AddPlacement("+A1", 1, 1);
-  inputs.sheetNumberText = "32767";
-  const auto outcome = Generate();
-  // The next-page number of page 32767 does not fit: the page is told and left unmade.
-  EXPECT_THAT(MessageTexts(), ElementsAre("Fel: 6 - Spill"));
-  EXPECT_TRUE(outcome.completed);
-}
-
 }  // namespace
 }  // namespace sw::generate

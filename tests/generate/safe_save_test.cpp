@@ -95,7 +95,8 @@ class SafeSaveRun : public GenerationFixture {
 
   std::error_code Write(const fs::path& path, std::string_view bytes) {
     ++writes;
-    if (writes == failingWrite) return std::make_error_code(std::errc::no_space_on_device);
+    if (writes == failingWrite || (diskStaysFull && failingWrite != 0 && writes > failingWrite))
+      return std::make_error_code(std::errc::no_space_on_device);
     return base::WriteFileAtomically(path, bytes);
   }
 
@@ -103,7 +104,8 @@ class SafeSaveRun : public GenerationFixture {
   fs::path templates;
   fs::path results;
   int writes = 0;
-  int failingWrite = 0;  // 0: none fails
+  int failingWrite = 0;        // 0: none fails
+  bool diskStaysFull = false;  // every write after the failing one fails too
 };
 
 // How many files a clean run of `mode` writes.
@@ -222,6 +224,23 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& test) {
       return std::string(ModeName(std::get<0>(test.param))) + "_" + TroubleName(std::get<1>(test.param));
     });
+
+// A full disk fails every page file after the first that failed: the run ends there with one message
+// naming the file, instead of one for every page left.
+TEST(SafeSaveTest, FullDiskEndsASingleSheetRunWithOneMessage) {
+  SafeSaveRun run(Mode::kSingleSheet);
+  run.AddPlacement("+A2", 8, 30);  // ten more pages
+  run.failingWrite = 4;  // page 1's working copy and file, page 2's working copy, then page 2's file
+  run.diskStaysFull = true;
+  const auto outcome = run.Generate();
+  EXPECT_FALSE(outcome.completed);
+  ASSERT_EQ(run.MessageTexts().size(), 1u) << ::testing::PrintToString(run.MessageTexts());
+  EXPECT_THAT(run.MessageTexts()[0], HasSubstr("disken är full"));
+  EXPECT_THAT(run.MessageTexts()[0], HasSubstr("Lista-2.xlsx"));
+  EXPECT_THAT(outcome.savedFiles, ::testing::ElementsAre((run.results / "Lista-1.xlsx").string()));
+  EXPECT_FALSE(HasOwnTempFile(run.results));
+  EXPECT_EQ(*base::ReadWholeFile(run.results / "Lista-3.xlsx"), std::string(kOldResult) + "Lista-3.xlsx");
+}
 
 TEST(SafeSaveTest, CleanRunsReplaceTheEarlierResultAndLeaveNoTemporaryFile) {
   for (const Mode mode : {Mode::kNormal, Mode::kSingleSheet, Mode::kDynamic}) {

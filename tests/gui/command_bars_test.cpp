@@ -14,6 +14,7 @@
 #include <QToolButton>
 #include <QWidgetAction>
 #include <filesystem>
+#include <new>
 #include <stdexcept>
 
 #include "gui/command_table.h"
@@ -129,6 +130,7 @@ class CommandBarsTest : public QObject {
   void resetWithoutTheDefaultsFileChangesNothing();
   void resetRestoresTheDefaultsAndOpensTheWindowAgain();
   void commandsWithoutActionsOrFailingOnesLeaveTheWindowWorking();
+  void commandThatRunsOutOfMemoryIsToldByItsCaption();
   void toolCommandsOpenTheirDialogsAndPrograms();
   void windowTakesCtrlVAndCtrlAButTextBoxesKeepThem();
   void accessKeysReachTheCommands();
@@ -544,6 +546,21 @@ void CommandBarsTest::toolCommandsOpenTheirDialogsAndPrograms() {
     const std::string& text = started.install.dialogs.messages.front().text;
     QVERIFY2(text.starts_with(told), text.c_str());
   }
+}
+
+void CommandBarsTest::commandThatRunsOutOfMemoryIsToldByItsCaption() {
+  StartedWindow started;
+  auto& dispatcher = started.window->Dispatcher();
+  const int rows = Rows(started);
+  dispatcher.On(sw::gui::kCommandEditTemplate, [] { throw std::bad_alloc(); });
+  Command(started, sw::gui::kCommandEditTemplate)->trigger();
+  QCOMPARE(started.install.dialogs.messages.size(), std::size_t{1});
+  const auto& message = started.install.dialogs.messages.front();
+  QCOMPARE(message.text, std::string("7 - Slut på minne vid kommandot \"Redigera Excel-mall\"."));
+  QCOMPARE(message.title, std::string("Fel"));
+  // The window goes on as before.
+  Command(started, 305)->trigger();
+  QVERIFY(Rows(started) >= rows);
 }
 
 void CommandBarsTest::commandsWithoutActionsOrFailingOnesLeaveTheWindowWorking() {

@@ -1,6 +1,7 @@
 #include "excel/package/package.h"
 
 #include <algorithm>
+#include <new>
 
 #include "excel/package/zip_archive.h"
 
@@ -51,16 +52,20 @@ std::unique_ptr<pugi::xml_document> ParseXml(std::string_view partName, std::str
   auto document = std::make_unique<pugi::xml_document>();
   const auto result = document->load_buffer(
       bytes.data(), bytes.size(), pugi::parse_default | pugi::parse_declaration | pugi::parse_ws_pcdata);
-  if (!result) {
-    // The parser's own description is English; the position is what helps.
-    throw PackageError("Delen " + std::string(partName) + " är inte giltig XML (fel vid tecken " +
-                       std::to_string(result.offset) + ").");
-  }
+  CheckParseResult(partName, result);
   if (!document->document_element()) throw PackageError("Delen " + std::string(partName) + " är tom.");
   if (Depth(*document, limits.maxXmlDepth) > limits.maxXmlDepth) {
     throw PackageError("Delen " + std::string(partName) + " är för djupt nästlad.");
   }
   return document;
+}
+
+void CheckParseResult(std::string_view partName, const pugi::xml_parse_result& result) {
+  if (result) return;
+  if (result.status == pugi::status_out_of_memory) throw std::bad_alloc();
+  // The parser's own description is English; the position is what helps.
+  throw PackageError("Delen " + std::string(partName) + " är inte giltig XML (fel vid tecken " +
+                     std::to_string(result.offset) + ").");
 }
 
 std::string SerializeXml(const pugi::xml_document& document, std::size_t expectedSize) {

@@ -71,9 +71,13 @@ class Package {
   ZipReuse lastZip_;
 };
 
-// Parses `bytes` with the settings every part uses; throws PackageError naming `partName`.
+// Parses `bytes` with the settings every part uses; throws PackageError naming `partName`, and
+// std::bad_alloc when the parser ran out of memory.
 std::unique_ptr<pugi::xml_document> ParseXml(std::string_view partName, std::string_view bytes,
                                              const PackageLimits& limits);
+// What a parse result means for the part: nothing when it parsed, std::bad_alloc when memory ran
+// out (the part may be perfectly good XML), else PackageError naming `partName` and the position.
+void CheckParseResult(std::string_view partName, const pugi::xml_parse_result& result);
 // `expectedSize`: room to reserve for the text, such as the size of the bytes it was parsed from.
 std::string SerializeXml(const pugi::xml_document& document, std::size_t expectedSize = 0);
 

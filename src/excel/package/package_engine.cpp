@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <tuple>
 #include <vector>
@@ -45,6 +46,20 @@ std::string Extension(const std::string& path) {
   }
   if (writing) Rejected("Det går inte att spara filen " + path + ".");
   Rejected("Det går inte att hitta filen " + path + ".");
+}
+
+// The first bytes and the size of a regular file, looked at before it is read whole; a file that
+// cannot be looked at is left to the read, which tells why.
+void CheckBeforeReading(const std::filesystem::path& path) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  if (error) return;
+  std::ifstream in(path, std::ios::binary);
+  char head[8] = {};
+  in.read(head, sizeof head);
+  if (in.gcount() <= 0 && size != 0) return;
+  WorkbookDocument::CheckFileHead(std::string_view(head, static_cast<std::size_t>(in.gcount())), size);
 }
 
 template <typename Action>
@@ -145,6 +160,10 @@ WorkbookId PackageEngine::OpenWorkbook(const std::string& path, const OpenArgume
       return id;
     }
   }
+  AsExcel([&] {
+    CheckBeforeReading(base::PathFromUtf8(path));
+    return 0;
+  });
   std::error_code error;
   const auto bytes = base::ReadWholeFile(base::PathFromUtf8(path), &error);
   if (!bytes) ThrowFileError(error, path, false);

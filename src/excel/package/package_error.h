@@ -16,6 +16,9 @@ struct PackageLimits {
   std::size_t maxEntries = 10000;
   std::size_t maxPartSize = 256u << 20;    // one decompressed part
   std::size_t maxTotalSize = 1024u << 20;  // all parts together
+  // The file itself: at most all parts stored as they are, with their headers. A larger file is no
+  // workbook this program could open, and is refused before it is read.
+  std::size_t maxArchiveSize = (1024u + 64u) << 20;
   std::size_t maxCompressionRatio = 1000;  // for parts above 1 MiB
   int maxXmlDepth = 256;
 };

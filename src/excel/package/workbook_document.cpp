@@ -54,17 +54,26 @@ void RenameInWorksheetFormulas(pugi::xml_node root, std::string_view oldName, st
 
 }  // namespace
 
-std::unique_ptr<WorkbookDocument> WorkbookDocument::FromBytes(std::string_view bytes,
-                                                              const PackageLimits& limits) {
-  if (StartsWith(bytes, "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1")) {
+void WorkbookDocument::CheckFileHead(std::string_view head, std::uintmax_t size,
+                                     const PackageLimits& limits) {
+  if (StartsWith(head, "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1")) {
     throw PackageError(
         "Filen är en arbetsbok i det äldre Excel-formatet (.xls) eller är krypterad och kan inte öppnas. "
         "Spara den som .xlsx eller .xlsm.");
   }
-  if (StartsWith(bytes, "\x09\x08") || StartsWith(bytes, "\x09\x04") || StartsWith(bytes, "\x09\x02")) {
+  if (StartsWith(head, "\x09\x08") || StartsWith(head, "\x09\x04") || StartsWith(head, "\x09\x02")) {
     throw PackageError("Filen är en arbetsbok i det äldre Excel-formatet (.xls) och kan inte öppnas.");
   }
-  if (!StartsWith(bytes, "PK\x03\x04") && !StartsWith(bytes, "PK\x05\x06")) NotAWorkbook();
+  if (!StartsWith(head, "PK\x03\x04") && !StartsWith(head, "PK\x05\x06")) NotAWorkbook();
+  if (size > limits.maxArchiveSize) {
+    throw PackageError("Filen är för stor för att vara en arbetsbok (" + std::to_string(size >> 20) +
+                       " MB; högst " + std::to_string(limits.maxArchiveSize >> 20) + " MB).");
+  }
+}
+
+std::unique_ptr<WorkbookDocument> WorkbookDocument::FromBytes(std::string_view bytes,
+                                                              const PackageLimits& limits) {
+  CheckFileHead(bytes.substr(0, std::min<std::size_t>(bytes.size(), 8)), bytes.size(), limits);
   std::unique_ptr<WorkbookDocument> document(new WorkbookDocument());
   document->package_ = Package::FromZip(bytes, limits);
   document->Load();

@@ -2,6 +2,7 @@
 // One open workbook package: its sheets in order, the workbook part with its defined names and
 // views, and the edits Excel makes at this level (copying and renaming sheets, the active sheet,
 // saving).
+#include <cstdint>
 #include <deque>
 #include <map>
 #include <memory>
@@ -18,6 +19,10 @@ namespace sw::excel {
 
 class WorkbookDocument {
  public:
+  // Throws PackageError when a file that starts with `head` (its first bytes, 8 are enough) and is
+  // `size` bytes long cannot be a workbook: an old binary .xls, no zip archive, or too large. Asked
+  // before a file is read whole, so a huge file of anything else is refused at once.
+  static void CheckFileHead(std::string_view head, std::uintmax_t size, const PackageLimits& limits = {});
   // Throws PackageError: not a workbook, an old binary .xls, Strict Open XML, or a damaged package.
   static std::unique_ptr<WorkbookDocument> FromBytes(std::string_view bytes,
                                                      const PackageLimits& limits = {});
@@ -130,7 +135,7 @@ class WorkbookDocument {
     int lastSource = -1;
     std::map<int, std::vector<pugi::xml_node>> bySheet;
     std::vector<pugi::xml_node> workbookScoped;  // names without a sheet of their own
-    std::map<pugi::xml_node, Walk> walks;  // by original name
+    std::map<pugi::xml_node, Walk> walks;        // by original name
   };
   NameIndex& Names();
   void NamesChanged() { names_ = NameIndex{}; }

@@ -138,14 +138,33 @@ void Worksheet::Normalize(pugi::xml_document& document) {
 Worksheet::Worksheet(pugi::xml_document& document)
     : root_(document.document_element()), sheetData_(WorksheetChild(root_, "sheetData")) {}
 
-pugi::xml_node Worksheet::Row(int row) const {
-  for (auto node = sheetData_.last_child(); node; node = node.previous_sibling()) {
-    if (node.type() != pugi::node_element) continue;
-    const int r = RowNumber(node);
-    if (r == row) return node;
-    if (r < row) break;
+pugi::xml_node Worksheet::FirstRowFrom(int row) const {
+  // From the row found last, else from the sheet's end: a search from the end for every cell made a
+  // paste over a long dynamic-length sheet take time with the square of its rows.
+  pugi::xml_node at = nearRow_;
+  if (!at) {
+    at = sheetData_.last_child();
+    if (at && std::string_view(at.name()) != "row") at = at.previous_sibling("row");
+  }
+  if (!at) return {};
+  if (RowNumber(at) >= row) {
+    for (auto above = at.previous_sibling("row"); above && RowNumber(above) >= row;
+         above = above.previous_sibling("row")) {
+      at = above;
+    }
+    nearRow_ = at;
+    return at;
+  }
+  for (auto below = at.next_sibling("row"); below; below = below.next_sibling("row")) {
+    nearRow_ = below;
+    if (RowNumber(below) >= row) return below;
   }
   return {};
+}
+
+pugi::xml_node Worksheet::Row(int row) const {
+  const auto node = FirstRowFrom(row);
+  return node && RowNumber(node) == row ? node : pugi::xml_node();
 }
 
 pugi::xml_node Worksheet::Cell(int row, int column) const {
@@ -160,16 +179,11 @@ pugi::xml_node Worksheet::Cell(int row, int column) const {
 }
 
 pugi::xml_node Worksheet::RowForWrite(int row) {
-  pugi::xml_node before;
-  for (auto node = sheetData_.last_child(); node; node = node.previous_sibling()) {
-    if (node.type() != pugi::node_element) continue;
-    const int r = RowNumber(node);
-    if (r == row) return node;
-    if (r < row) break;
-    before = node;
-  }
-  auto created = before ? sheetData_.insert_child_before("row", before) : sheetData_.append_child("row");
+  const auto after = FirstRowFrom(row);
+  if (after && RowNumber(after) == row) return after;
+  auto created = after ? sheetData_.insert_child_before("row", after) : sheetData_.append_child("row");
   created.append_attribute("r") = row;
+  nearRow_ = created;
   return created;
 }
 
@@ -251,6 +265,7 @@ void Worksheet::ClearContents(int firstRow, int firstColumn, int lastRow, int la
       auto row = cell.parent();
       row.remove_child(cell);
       if (!row.first_child() && !row.attribute("s") && !row.attribute("ht") && !row.attribute("hidden")) {
+        nearRow_ = {};
         sheetData_.remove_child(row);
       }
     }
@@ -272,9 +287,8 @@ void Worksheet::DropCachedFormulaResults() {
 
 void Worksheet::ForEachCell(int firstRow, int firstColumn, int lastRow, int lastColumn,
                             const std::function<void(pugi::xml_node)>& visit) const {
-  for (auto row : sheetData_.children("row")) {
+  for (auto row = FirstRowFrom(firstRow); row; row = row.next_sibling("row")) {
     const int r = RowNumber(row);
-    if (r < firstRow) continue;
     if (r > lastRow) break;
     for (auto cell : row.children("c")) {
       const int c = CellColumn(cell);

@@ -56,9 +56,14 @@ class Worksheet {
  private:
   void DropFormula(pugi::xml_node cell);
   void Unshare(pugi::xml_node master);
+  // The first row element numbered `row` or higher; null when every row lies above it.
+  pugi::xml_node FirstRowFrom(int row) const;
 
   pugi::xml_node root_;
   pugi::xml_node sheetData_;
+  // The row the last lookup ended at: lookups start from it, as writes and pastes go down a sheet row
+  // by row. Forgotten whenever a row element is removed.
+  mutable pugi::xml_node nearRow_;
 };
 
 // Documents that write SpreadsheetML with a prefix ("x:worksheet") get the default namespace

@@ -1,0 +1,12 @@
+#include "base/out_of_memory.h"
+
+#include "base/error_numbers.h"
+
+namespace sw::base {
+
+std::string OutOfMemoryMessage(std::string_view doing) {
+  return std::to_string(kOutOfMemory) + " - " + std::string(kOutOfMemoryText) + " vid " + std::string(doing) +
+         ".";
+}
+
+}  // namespace sw::base
