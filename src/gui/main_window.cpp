@@ -146,7 +146,12 @@ void MainWindow::BuildWidgets() {
   cboSheetNo_->setObjectName(QStringLiteral("cboSheetNo"));
   cboSheetNo_->setEditable(true);
   cboSheetNo_->setInsertPolicy(QComboBox::NoInsert);
-  cboSheetNo_->lineEdit()->installEventFilter(new SheetNumberKeyFilter(cboSheetNo_));
+  // The combo box hands the keys it gets to its line edit without passing the line edit's event
+  // filters, so the filter sits on both; a paste or a drop is checked by the validator.
+  auto* sheetNoKeys = new SheetNumberKeyFilter(cboSheetNo_);
+  cboSheetNo_->installEventFilter(sheetNoKeys);
+  cboSheetNo_->lineEdit()->installEventFilter(sheetNoKeys);
+  cboSheetNo_->setValidator(new SheetNumberValidator(cboSheetNo_));
   auto* sheetLabel = new QLabel(StartLabel("Första bladnummer"), central);
   sheetLabel->setBuddy(cboSheetNo_);
   sheetRow->addWidget(sheetLabel);

@@ -2,6 +2,7 @@
 // right-clicked and typed into offscreen.
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QHeaderView>
@@ -88,6 +89,18 @@ void DoubleClick(StartedWindow& started, QPoint point) {
   QTest::mouseDClick(viewport, Qt::LeftButton, {}, point);
 }
 
+// A real template with its INI file in place of the installation's placeholder, and a folder for results.
+void WithExampleTemplate(sw::testing::FakeInstallation& install) {
+  const std::filesystem::path examples = std::filesystem::path(SW_SOURCE_DIR) / "examples";
+  std::filesystem::copy_file(examples / "yttre_forbindningstabell.xlsx",
+                             install.Host("Projektmallar/PANEL.xlsx"),
+                             std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::copy_file(examples / "yttre_forbindningstabell.ini",
+                             install.Host("Projektmallar/PANEL.ini"),
+                             std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::create_directories(install.Host("Ut"));
+}
+
 QString StatusText(StartedWindow& started) {
   return started.window->findChild<QLabel*>(QStringLiteral("lblSummary"))->text();
 }
@@ -104,6 +117,7 @@ class MainWindowTest : public QObject {
   void popupEditsThePreview();
   void doubleClickEditsThePreview();
   void sheetNumberAndFieldBoxesFilterAndCommit();
+  void sheetNumberBoxTakesOnlyWhatItsFilterPasses();
   void generateWritesTheWorkbookAndShowsIt();
   void viewSwitchDisablesGenerateForAnIniToEdit();
   void modelKeepsItsInvariants();
@@ -280,11 +294,12 @@ void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {
   StartedWindow started;
   auto* window = started.window.get();
   auto* sheetNo = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"));
-  sheetNo->lineEdit()->setFocus();
-  sheetNo->lineEdit()->selectAll();
-  QTest::keyClicks(sheetNo->lineEdit(), QStringLiteral("1a2:;b"));
+  sheetNo->setFocus();
+  QTRY_VERIFY(sheetNo->hasFocus());
+  QTest::keyClick(sheetNo, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClicks(sheetNo, QStringLiteral("1a2:;b"));
   QCOMPARE(sheetNo->currentText(), QStringLiteral("12:;"));
-  QTest::keyClick(sheetNo->lineEdit(), Qt::Key_Backspace);
+  QTest::keyClick(sheetNo, Qt::Key_Backspace);
   QCOMPARE(sheetNo->currentText(), QStringLiteral("12:"));
   QCOMPARE(window->Session().SheetNumbers().text, std::string("12:"));
 
@@ -321,18 +336,44 @@ void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {
   QVERIFY(window->Command(sw::gui::kCommandGenerate)->isEnabled());
 }
 
+void MainWindowTest::sheetNumberBoxTakesOnlyWhatItsFilterPasses() {
+  StartedWindow started(WithExampleTemplate);
+  auto* window = started.window.get();
+  auto* sheetNo = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"));
+  sheetNo->setFocus();
+  QTRY_VERIFY(sheetNo->hasFocus());
+
+  // Typed into the box: letters, punctuation and spaces are discarded, digits, ":" and ";" kept.
+  QTest::keyClick(sheetNo, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClicks(sheetNo, QStringLiteral("1a2 b.-,3"));
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("123"));
+  // Alt with a letter that is no access key of the window types nothing either.
+  QTest::keyClick(sheetNo, Qt::Key_X, Qt::AltModifier);
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("123"));
+
+  // Pasted text goes in only when all of it could have been typed.
+  QGuiApplication::clipboard()->setText(QStringLiteral("4x"));
+  QTest::keyClick(sheetNo, Qt::Key_V, Qt::ControlModifier);
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("123"));
+  QGuiApplication::clipboard()->setText(QStringLiteral("45"));
+  QTest::keyClick(sheetNo, Qt::Key_V, Qt::ControlModifier);
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("12345"));
+  QCOMPARE(window->Session().SheetNumbers().text, std::string("12345"));
+
+  // A generation with what the box then holds numbers from it and stores its length.
+  QTest::keyClick(sheetNo, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClicks(sheetNo, QStringLiteral("1a"));
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("1"));
+  auto& dialogs = started.install.dialogs;
+  dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
+  window->Command(sw::gui::kCommandGenerate)->trigger();
+  QVERIFY2(dialogs.messages.empty(), dialogs.messages.empty() ? "" : dialogs.messages[0].text.c_str());
+  QVERIFY(std::filesystem::exists(started.install.Host("Ut/Panel.xlsx")));
+  QCOMPARE(started.install.settings.GetAppSetting("PageNoLen", ""), std::string("1"));
+}
+
 void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
-  StartedWindow started([](sw::testing::FakeInstallation& install) {
-    // A real template with its INI file in place of the installation's placeholder.
-    const std::filesystem::path examples = std::filesystem::path(SW_SOURCE_DIR) / "examples";
-    std::filesystem::copy_file(examples / "yttre_forbindningstabell.xlsx",
-                               install.Host("Projektmallar/PANEL.xlsx"),
-                               std::filesystem::copy_options::overwrite_existing);
-    std::filesystem::copy_file(examples / "yttre_forbindningstabell.ini",
-                               install.Host("Projektmallar/PANEL.ini"),
-                               std::filesystem::copy_options::overwrite_existing);
-    std::filesystem::create_directories(install.Host("Ut"));
-  });
+  StartedWindow started(WithExampleTemplate);
   auto& dialogs = started.install.dialogs;
   const auto target = started.install.Host("Ut/Panel.xlsx");
 
