@@ -9,9 +9,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
+#include <QProgressBar>
 #include <QStatusBar>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -119,6 +122,7 @@ class MainWindowTest : public QObject {
   void sheetNumberAndFieldBoxesFilterAndCommit();
   void sheetNumberBoxTakesOnlyWhatItsFilterPasses();
   void generateWritesTheWorkbookAndShowsIt();
+  void dumpWrittenAsAWorkbookShowsTheHourglassAndProgress();
   void viewSwitchDisablesGenerateForAnIniToEdit();
   void modelKeepsItsInvariants();
 };
@@ -394,6 +398,61 @@ void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
   QCOMPARE(started.opened, (List{target.string()}));
   QVERIFY(started.window->statusBar()->currentMessage().contains(QString::fromStdString(target.string())));
   QCOMPARE(started.install.settings.GetAppSetting("ResultPath", ""), std::string("C:\\Ut\\"));
+}
+
+void MainWindowTest::dumpWrittenAsAWorkbookShowsTheHourglassAndProgress() {
+  StartedWindow started([](sw::testing::FakeInstallation& install) {
+    std::string dump = "%+A1 Panel%\r\n";
+    for (int row = 1; row <= 500; ++row) dump += "\tX1\t" + std::to_string(row) + "\tPump\r\n";
+    install.Write("Temp/VOLTARIS/VOLTARIS ic/volt_report.txt", dump);
+  });
+  auto* window = started.window.get();
+  auto* bar = window->findChild<QProgressBar*>(QStringLiteral("prgLoad"));
+  // The workbook goes to a folder of its own under the temporary folder: the installation's one here.
+  const QByteArray systemTemp = qgetenv("TMPDIR");
+  qputenv("TMPDIR", QByteArray::fromStdString(started.install.temp.path().string()));
+
+  // What the window shows whenever it gets to handle its events during the command.
+  struct Seen {
+    bool hourglass = false;
+    bool barShown = false;
+    int value = 0;
+    int maximum = 0;
+    bool menusEnabled = false;
+  };
+  std::vector<Seen> seen;
+  QTimer probe;
+  probe.setInterval(0);
+  QObject::connect(&probe, &QTimer::timeout, [&] {
+    const QCursor* cursor = QGuiApplication::overrideCursor();
+    seen.push_back({cursor && cursor->shape() == Qt::WaitCursor, !bar->isHidden(), bar->value(),
+                    bar->maximum(), window->menuBar()->isEnabled()});
+  });
+  probe.start();
+  window->Command(sw::gui::kCommandEditDump)->trigger();
+  probe.stop();
+  if (systemTemp.isNull()) {
+    qunsetenv("TMPDIR");
+  } else {
+    qputenv("TMPDIR", systemTemp);
+  }
+
+  // While the workbook was written the window was repainted with the hourglass, the menus disabled
+  // and the progress bar moving through the rows.
+  QVERIFY(std::any_of(seen.begin(), seen.end(), [](const Seen& s) {
+    return s.hourglass && s.barShown && s.maximum == 100 && s.value > 0 && s.value < 100 && !s.menusEnabled;
+  }));
+  QVERIFY(!QGuiApplication::overrideCursor());
+  QVERIFY(bar->isHidden());
+  QVERIFY(window->menuBar()->isEnabled());
+
+  // The workbook was written in full; no program was there to open it, which the user is told.
+  auto& dialogs = started.install.dialogs;
+  QCOMPARE(dialogs.messages.size(), std::size_t{1});
+  const std::string told = dialogs.messages[0].text;
+  const std::string workbook = told.substr(told.find('\r') + 1);
+  QVERIFY2(workbook.starts_with(started.install.temp.path().string()), told.c_str());
+  QVERIFY(std::filesystem::file_size(workbook) > 0);
 }
 
 void MainWindowTest::viewSwitchDisablesGenerateForAnIniToEdit() {

@@ -3,6 +3,7 @@
 // views, and the edits Excel makes at this level (copying and renaming sheets, the active sheet,
 // saving).
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <pugixml.hpp>
@@ -22,10 +23,12 @@ class WorkbookDocument {
   static std::unique_ptr<WorkbookDocument> FromBytes(std::string_view bytes,
                                                      const PackageLimits& limits = {});
   // A workbook of one sheet `sheetName` holding `rows`; cells of columns marked in `textColumns` use
-  // the text format, the others general (numbers stored as numbers).
+  // the text format, the others general (numbers stored as numbers). `rowsWritten`, when given, hears
+  // of the rows put into the sheet as OpenTextOptions::rowsWritten says.
   static std::unique_ptr<WorkbookDocument> FromTable(std::string_view sheetName,
                                                      const std::vector<std::vector<std::string>>& rows,
-                                                     const std::vector<bool>& textColumns);
+                                                     const std::vector<bool>& textColumns,
+                                                     const std::function<void(int, int)>& rowsWritten = {});
 
   struct SheetEntry {
     int id = 0;                  // stable handle id, unique in this workbook
@@ -130,7 +133,7 @@ class WorkbookDocument {
     int lastSource = -1;
     std::map<int, std::vector<pugi::xml_node>> bySheet;
     std::vector<pugi::xml_node> workbookScoped;  // names without a sheet of their own
-    std::map<pugi::xml_node, Walk> walks;  // by original name
+    std::map<pugi::xml_node, Walk> walks;        // by original name
   };
   NameIndex& Names();
   void NamesChanged() { names_ = NameIndex{}; }
