@@ -2,6 +2,7 @@
 // The back end behind the automation handles: one virtual per Excel member the program calls.
 // Handles (automation.h) carry only an engine pointer and ids, so an engine that forwards every call
 // to Excel itself, the built-in package engine and the recording double all fit the same seam.
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -62,6 +63,10 @@ struct OpenTextOptions {
   char otherChar = '\0';
   // (column, XlColumnDataType) pairs; columns not listed are imported as general.
   std::vector<std::pair<int, XlColumnDataType>> fieldInfo;
+  // Not Excel's: the built-in engine reports how many of the file's rows it has put into the new sheet,
+  // (0, rows) before the first, then in steps of about 1 % and (rows, rows) at the end, so that a
+  // window can show its progress. Excel, a program of its own, shows its own and is not asked.
+  std::function<void(int rowsDone, int rowCount)> rowsWritten;
 };
 
 class Engine {

@@ -40,9 +40,19 @@ bool SheetNumberKeyFilter::eventFilter(QObject* watched, QEvent* event) {
     int code = typed.isEmpty() ? 0 : typed.at(0).unicode();
     if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) code = 13;
     if (key->key() == Qt::Key_Backspace) code = 8;
-    if (code != 0 && !preview::SheetNumberKeyPasses(code)) return true;
+    // Ctrl with a key is a shortcut, not typing (Ctrl+Alt is AltGr, which types).
+    const bool shortcut = (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == Qt::ControlModifier;
+    if (!shortcut && code != 0 && !preview::SheetNumberKeyPasses(code)) return true;
   }
   return QObject::eventFilter(watched, event);
+}
+
+QValidator::State SheetNumberValidator::validate(QString& input, int&) const {
+  const QByteArray text = input.toUtf8();
+  return preview::SheetNumberTextPasses(
+             std::string_view(text.constData(), static_cast<std::size_t>(text.size())))
+             ? Acceptable
+             : Invalid;
 }
 
 }  // namespace sw::gui

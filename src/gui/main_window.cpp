@@ -148,7 +148,12 @@ void MainWindow::BuildWidgets() {
   cboSheetNo_->setObjectName(QStringLiteral("cboSheetNo"));
   cboSheetNo_->setEditable(true);
   cboSheetNo_->setInsertPolicy(QComboBox::NoInsert);
-  cboSheetNo_->lineEdit()->installEventFilter(new SheetNumberKeyFilter(cboSheetNo_));
+  // The combo box hands the keys it gets to its line edit without passing the line edit's event
+  // filters, so the filter sits on both; a paste or a drop is checked by the validator.
+  auto* sheetNoKeys = new SheetNumberKeyFilter(cboSheetNo_);
+  cboSheetNo_->installEventFilter(sheetNoKeys);
+  cboSheetNo_->lineEdit()->installEventFilter(sheetNoKeys);
+  cboSheetNo_->setValidator(new SheetNumberValidator(cboSheetNo_));
   auto* sheetLabel = new QLabel(StartLabel("Första bladnummer"), central);
   sheetLabel->setBuddy(cboSheetNo_);
   sheetRow->addWidget(sheetLabel);
@@ -274,7 +279,8 @@ void MainWindow::ConnectCommands() {
   on.On(kCommandChooseTextFile, [this] { Apply([this] { session_->ChooseDumpFile(); }); });
   on.On(kCommandEditIni, [this] { session_->EditTemplateIni(); });
   on.On(kCommandEditTemplate, [this] { session_->EditTemplateWorkbook(); });
-  on.On(kCommandEditDump, [this] { session_->EditReportDump(); });
+  // Without Excel the dump is first written as a workbook, which takes a while for a long dump.
+  on.On(kCommandEditDump, [this] { RunBusy([this] { session_->EditReportDump(); }); });
   on.On(kCommandOptions, [this] {
     RunOptionsDialog(this, *session_, services_.settings,
                      [this](const std::function<void()>& op) { Apply(op); });
@@ -575,27 +581,37 @@ void MainWindow::SetGenerationPointer(generate::MousePointer pointer) {
   RepaintPending();
 }
 
-void MainWindow::Generate() {
-  if (busy_) return;
+bool MainWindow::RunBusy(const std::function<void()>& operation) {
+  if (busy_) return false;
   busy_ = true;
   SetBusy(true);
   progressBar_->setRange(0, 0);
   progressBar_->setVisible(true);
   RepaintPending();
+  // However the operation ends, the progress bar and the command bars come back.
+  struct Ready {
+    MainWindow& window;
+    ~Ready() {
+      window.progressBar_->setVisible(false);
+      window.SetBusy(false);
+      window.busy_ = false;
+    }
+  } ready{*this};
+  operation();
+  return true;
+}
+
+void MainWindow::Generate() {
   session::GenerationResult result;
-  {
-    // However the run ends, the pointer, the progress bar and the command bars come back.
-    struct Ready {
+  const bool ran = RunBusy([this, &result] {
+    // However the run ends, the pointer comes back, before the progress bar goes.
+    struct DefaultPointer {
       MainWindow& window;
-      ~Ready() {
-        window.SetGenerationPointer(generate::MousePointer::kDefault);
-        window.progressBar_->setVisible(false);
-        window.SetBusy(false);
-        window.busy_ = false;
-      }
-    } ready{*this};
+      ~DefaultPointer() { window.SetGenerationPointer(generate::MousePointer::kDefault); }
+    } pointer{*this};
     result = session_->Generate();
-  }
+  });
+  if (!ran) return;
   iniEditRequested_ = result.iniEditRequested;
   if (!pending_.Empty()) ShowSession();
 

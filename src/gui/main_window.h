@@ -104,6 +104,10 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   void DoubleClickRow(int tableRow);
   void SwitchView(bool toFields);
   void UpdateGenerateEnabled();
+  // Runs a long operation as a generation runs: the command bars disabled and the progress bar shown
+  // (moving when the operation reports its steps through the session's progress) until it ends, the
+  // window repainted at each step. False when another one is running.
+  bool RunBusy(const std::function<void()>& operation);
   void Generate();
   void SessionChanged(session::Changes what) override;
   void SetGenerationPointer(generate::MousePointer pointer);

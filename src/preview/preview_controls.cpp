@@ -1,5 +1,6 @@
 #include "preview/preview_controls.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace sw::preview {
@@ -20,6 +21,10 @@ std::vector<int> LayOutColumnWidths(std::vector<int> widths, int gridWidth) {
 
 bool SheetNumberKeyPasses(int keyCode) {
   return keyCode == 8 || keyCode == 9 || keyCode == 13 || (keyCode >= 48 && keyCode <= 59);
+}
+
+bool SheetNumberTextPasses(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= 48 && c <= 59; });
 }
 
 std::string FieldTextOnCommit(std::string_view text, const templates::ShortDateSource& today) {

@@ -18,6 +18,10 @@ std::vector<int> LayOutColumnWidths(std::vector<int> widths, int gridWidth);
 // cboSheetNo's key filter: Backspace, Tab, Enter and the codes 48 to 59 (digits, ":" and ";") pass.
 bool SheetNumberKeyPasses(int keyCode);
 
+// cboSheetNo's text from anything but its keys (a paste, a drop, an input method): taken only when
+// every character is one the key filter lets into the text (codes 48 to 59).
+bool SheetNumberTextPasses(std::string_view text);
+
 // A field box's text when it loses focus or gets Enter: exactly "." becomes today's date.
 std::string FieldTextOnCommit(std::string_view text,
                               const templates::ShortDateSource& today = templates::TodayShortDate);

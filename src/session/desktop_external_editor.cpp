@@ -1,5 +1,6 @@
 #include "session/desktop_external_editor.h"
 
+#include <functional>
 #include <string>
 #include <system_error>
 
@@ -32,6 +33,38 @@ std::filesystem::path MakeFreshFolder(const std::filesystem::path& parent, std::
   return {};
 }
 
+// The hourglass and the progress bar from the start of the import to the saved workbook: the bar counts
+// the dump's rows in percent as the engine writes them into the sheet, and goes when the guard does,
+// before anything is said or started.
+class ImportProgress {
+ public:
+  static constexpr int kSteps = 100;
+
+  explicit ImportProgress(report::LoadProgress* progress) : progress_(progress) {
+    if (progress_) progress_->Begin(kSteps + 1);
+  }
+  ~ImportProgress() {
+    if (progress_) progress_->End();
+  }
+  ImportProgress(const ImportProgress&) = delete;
+  ImportProgress& operator=(const ImportProgress&) = delete;
+
+  std::function<void(int, int)> RowsWritten() {
+    if (!progress_) return {};
+    return [this](int rowsDone, int rowCount) {
+      const int step =
+          rowCount > 0 ? static_cast<int>(static_cast<long long>(rowsDone) * kSteps / rowCount) : kSteps;
+      if (step == shown_) return;
+      shown_ = step;
+      progress_->Step(step);
+    };
+  }
+
+ private:
+  report::LoadProgress* progress_;
+  int shown_ = -1;
+};
+
 void TellNoTempFolder(base::Dialogs& dialogs, const std::filesystem::path& folder) {
   dialogs.ShowMessage(
       {.text = "Det går inte att skriva en arbetsbok i den tillfälliga mappen\r" + Utf8(folder),
@@ -58,8 +91,9 @@ void DesktopExternalEditor::OpenReportDump(const std::string& path) {
   const std::filesystem::path workbook =
       folder / (base::ResolveWindowsPath(path).stem().u8string() + u8".xlsx");
   try {
+    ImportProgress progress(services_.progress);
     auto engine = excel::CreateApplication(excel::EngineKind::kPackage);
-    ImportReportDump(*engine, generate::EnginePath(path)).SaveAs(Utf8(workbook));
+    ImportReportDump(*engine, generate::EnginePath(path), progress.RowsWritten()).SaveAs(Utf8(workbook));
   } catch (const excel::AutomationError& failure) {
     std::filesystem::remove_all(folder, error);  // only what this call made
     TellExcelFailure(services_.dialogs, failure);

@@ -9,6 +9,7 @@
 #include "base/dialogs.h"
 #include "base/process_launcher.h"
 #include "generate/generate_workbook.h"
+#include "report/dump_reader.h"
 
 namespace sw::session {
 
@@ -16,6 +17,9 @@ struct ExternalEditingServices {
   base::Dialogs& dialogs;
   base::ProcessLauncher& launcher;
   generate::ApplicationFactory createExcel;  // CreateObject("Excel.Application"); none: Excel through COM
+  // The hourglass and the progress bar while the built-in engine writes a dump as a workbook; none:
+  // nothing is shown.
+  report::LoadProgress* progress = nullptr;
 };
 
 class ExternalEditor {

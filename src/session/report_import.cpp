@@ -21,8 +21,11 @@ excel::OpenTextOptions ReportOpenTextOptions(std::string enginePath) {
   return options;
 }
 
-excel::Workbook ImportReportDump(excel::Application& excel, std::string enginePath) {
-  excel.Workbooks().OpenText(ReportOpenTextOptions(std::move(enginePath)));
+excel::Workbook ImportReportDump(excel::Application& excel, std::string enginePath,
+                                 std::function<void(int, int)> rowsWritten) {
+  excel::OpenTextOptions options = ReportOpenTextOptions(std::move(enginePath));
+  options.rowsWritten = std::move(rowsWritten);
+  excel.Workbooks().OpenText(options);
   // OpenText hands back nothing in Excel itself; the workbook it opened is the active one.
   excel::Workbook book = excel.ActiveWorkbook();
   excel::Sheet sheet = book.Sheets().Item(1);

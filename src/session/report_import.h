@@ -1,6 +1,7 @@
 #pragma once
 // A report dump shown as a spreadsheet: one TAB-separated field a column, exactly as the CAD system
 // wrote it, with the columns wide enough to read.
+#include <functional>
 #include <string>
 
 #include "excel/automation.h"
@@ -17,7 +18,9 @@ inline constexpr int kTextColumns = 20;
 excel::OpenTextOptions ReportOpenTextOptions(std::string enginePath);
 
 // Opens the dump in `excel` with ReportOpenTextOptions, fits every column of its first sheet to its
-// contents and leaves cell A1 selected. Throws excel::AutomationError as Excel does.
-excel::Workbook ImportReportDump(excel::Application& excel, std::string enginePath);
+// contents and leaves cell A1 selected. Throws excel::AutomationError as Excel does. `rowsWritten`
+// hears how far the built-in engine has come (excel::OpenTextOptions::rowsWritten).
+excel::Workbook ImportReportDump(excel::Application& excel, std::string enginePath,
+                                 std::function<void(int rowsDone, int rowCount)> rowsWritten = {});
 
 }  // namespace sw::session

@@ -486,8 +486,10 @@ GenerationResult Session::Generate() {
 ExternalEditor& Session::Editor() {
   if (services_.externalEditor) return *services_.externalEditor;
   if (!platformEditor_) {
-    platformEditor_ = CreatePlatformExternalEditor(
-        {.dialogs = services_.dialogs, .launcher = services_.launcher, .createExcel = services_.createExcel});
+    platformEditor_ = CreatePlatformExternalEditor({.dialogs = services_.dialogs,
+                                                    .launcher = services_.launcher,
+                                                    .createExcel = services_.createExcel,
+                                                    .progress = services_.progress});
   }
   return *platformEditor_;
 }

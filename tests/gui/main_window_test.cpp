@@ -2,15 +2,19 @@
 // right-clicked and typed into offscreen.
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
+#include <QProgressBar>
 #include <QStatusBar>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -88,6 +92,18 @@ void DoubleClick(StartedWindow& started, QPoint point) {
   QTest::mouseDClick(viewport, Qt::LeftButton, {}, point);
 }
 
+// A real template with its INI file in place of the installation's placeholder, and a folder for results.
+void WithExampleTemplate(sw::testing::FakeInstallation& install) {
+  const std::filesystem::path examples = std::filesystem::path(SW_SOURCE_DIR) / "examples";
+  std::filesystem::copy_file(examples / "yttre_forbindningstabell.xlsx",
+                             install.Host("Projektmallar/PANEL.xlsx"),
+                             std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::copy_file(examples / "yttre_forbindningstabell.ini",
+                             install.Host("Projektmallar/PANEL.ini"),
+                             std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::create_directories(install.Host("Ut"));
+}
+
 QString StatusText(StartedWindow& started) {
   return started.window->findChild<QLabel*>(QStringLiteral("lblSummary"))->text();
 }
@@ -104,7 +120,9 @@ class MainWindowTest : public QObject {
   void popupEditsThePreview();
   void doubleClickEditsThePreview();
   void sheetNumberAndFieldBoxesFilterAndCommit();
+  void sheetNumberBoxTakesOnlyWhatItsFilterPasses();
   void generateWritesTheWorkbookAndShowsIt();
+  void dumpWrittenAsAWorkbookShowsTheHourglassAndProgress();
   void viewSwitchDisablesGenerateForAnIniToEdit();
   void modelKeepsItsInvariants();
 };
@@ -280,11 +298,12 @@ void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {
   StartedWindow started;
   auto* window = started.window.get();
   auto* sheetNo = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"));
-  sheetNo->lineEdit()->setFocus();
-  sheetNo->lineEdit()->selectAll();
-  QTest::keyClicks(sheetNo->lineEdit(), QStringLiteral("1a2:;b"));
+  sheetNo->setFocus();
+  QTRY_VERIFY(sheetNo->hasFocus());
+  QTest::keyClick(sheetNo, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClicks(sheetNo, QStringLiteral("1a2:;b"));
   QCOMPARE(sheetNo->currentText(), QStringLiteral("12:;"));
-  QTest::keyClick(sheetNo->lineEdit(), Qt::Key_Backspace);
+  QTest::keyClick(sheetNo, Qt::Key_Backspace);
   QCOMPARE(sheetNo->currentText(), QStringLiteral("12:"));
   QCOMPARE(window->Session().SheetNumbers().text, std::string("12:"));
 
@@ -321,18 +340,44 @@ void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {
   QVERIFY(window->Command(sw::gui::kCommandGenerate)->isEnabled());
 }
 
+void MainWindowTest::sheetNumberBoxTakesOnlyWhatItsFilterPasses() {
+  StartedWindow started(WithExampleTemplate);
+  auto* window = started.window.get();
+  auto* sheetNo = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"));
+  sheetNo->setFocus();
+  QTRY_VERIFY(sheetNo->hasFocus());
+
+  // Typed into the box: letters, punctuation and spaces are discarded, digits, ":" and ";" kept.
+  QTest::keyClick(sheetNo, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClicks(sheetNo, QStringLiteral("1a2 b.-,3"));
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("123"));
+  // Alt with a letter that is no access key of the window types nothing either.
+  QTest::keyClick(sheetNo, Qt::Key_X, Qt::AltModifier);
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("123"));
+
+  // Pasted text goes in only when all of it could have been typed.
+  QGuiApplication::clipboard()->setText(QStringLiteral("4x"));
+  QTest::keyClick(sheetNo, Qt::Key_V, Qt::ControlModifier);
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("123"));
+  QGuiApplication::clipboard()->setText(QStringLiteral("45"));
+  QTest::keyClick(sheetNo, Qt::Key_V, Qt::ControlModifier);
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("12345"));
+  QCOMPARE(window->Session().SheetNumbers().text, std::string("12345"));
+
+  // A generation with what the box then holds numbers from it and stores its length.
+  QTest::keyClick(sheetNo, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClicks(sheetNo, QStringLiteral("1a"));
+  QCOMPARE(sheetNo->currentText(), QStringLiteral("1"));
+  auto& dialogs = started.install.dialogs;
+  dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
+  window->Command(sw::gui::kCommandGenerate)->trigger();
+  QVERIFY2(dialogs.messages.empty(), dialogs.messages.empty() ? "" : dialogs.messages[0].text.c_str());
+  QVERIFY(std::filesystem::exists(started.install.Host("Ut/Panel.xlsx")));
+  QCOMPARE(started.install.settings.GetAppSetting("PageNoLen", ""), std::string("1"));
+}
+
 void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
-  StartedWindow started([](sw::testing::FakeInstallation& install) {
-    // A real template with its INI file in place of the installation's placeholder.
-    const std::filesystem::path examples = std::filesystem::path(SW_SOURCE_DIR) / "examples";
-    std::filesystem::copy_file(examples / "yttre_forbindningstabell.xlsx",
-                               install.Host("Projektmallar/PANEL.xlsx"),
-                               std::filesystem::copy_options::overwrite_existing);
-    std::filesystem::copy_file(examples / "yttre_forbindningstabell.ini",
-                               install.Host("Projektmallar/PANEL.ini"),
-                               std::filesystem::copy_options::overwrite_existing);
-    std::filesystem::create_directories(install.Host("Ut"));
-  });
+  StartedWindow started(WithExampleTemplate);
   auto& dialogs = started.install.dialogs;
   const auto target = started.install.Host("Ut/Panel.xlsx");
 
@@ -355,6 +400,61 @@ void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
   QCOMPARE(started.opened, (List{shown}));
   QVERIFY(started.window->statusBar()->currentMessage().contains(QString::fromStdString(shown)));
   QCOMPARE(started.install.settings.GetAppSetting("ResultPath", ""), std::string("C:\\Ut\\"));
+}
+
+void MainWindowTest::dumpWrittenAsAWorkbookShowsTheHourglassAndProgress() {
+  StartedWindow started([](sw::testing::FakeInstallation& install) {
+    std::string dump = "%+A1 Panel%\r\n";
+    for (int row = 1; row <= 500; ++row) dump += "\tX1\t" + std::to_string(row) + "\tPump\r\n";
+    install.Write("Temp/VOLTARIS/VOLTARIS ic/volt_report.txt", dump);
+  });
+  auto* window = started.window.get();
+  auto* bar = window->findChild<QProgressBar*>(QStringLiteral("prgLoad"));
+  // The workbook goes to a folder of its own under the temporary folder: the installation's one here.
+  const QByteArray systemTemp = qgetenv("TMPDIR");
+  qputenv("TMPDIR", QByteArray::fromStdString(started.install.temp.path().string()));
+
+  // What the window shows whenever it gets to handle its events during the command.
+  struct Seen {
+    bool hourglass = false;
+    bool barShown = false;
+    int value = 0;
+    int maximum = 0;
+    bool menusEnabled = false;
+  };
+  std::vector<Seen> seen;
+  QTimer probe;
+  probe.setInterval(0);
+  QObject::connect(&probe, &QTimer::timeout, [&] {
+    const QCursor* cursor = QGuiApplication::overrideCursor();
+    seen.push_back({cursor && cursor->shape() == Qt::WaitCursor, !bar->isHidden(), bar->value(),
+                    bar->maximum(), window->menuBar()->isEnabled()});
+  });
+  probe.start();
+  window->Command(sw::gui::kCommandEditDump)->trigger();
+  probe.stop();
+  if (systemTemp.isNull()) {
+    qunsetenv("TMPDIR");
+  } else {
+    qputenv("TMPDIR", systemTemp);
+  }
+
+  // While the workbook was written the window was repainted with the hourglass, the menus disabled
+  // and the progress bar moving through the rows.
+  QVERIFY(std::any_of(seen.begin(), seen.end(), [](const Seen& s) {
+    return s.hourglass && s.barShown && s.maximum == 100 && s.value > 0 && s.value < 100 && !s.menusEnabled;
+  }));
+  QVERIFY(!QGuiApplication::overrideCursor());
+  QVERIFY(bar->isHidden());
+  QVERIFY(window->menuBar()->isEnabled());
+
+  // The workbook was written in full; no program was there to open it, which the user is told.
+  auto& dialogs = started.install.dialogs;
+  QCOMPARE(dialogs.messages.size(), std::size_t{1});
+  const std::string told = dialogs.messages[0].text;
+  const std::string workbook = told.substr(told.find('\r') + 1);
+  QVERIFY2(workbook.starts_with(started.install.temp.path().string()), told.c_str());
+  QVERIFY(std::filesystem::file_size(workbook) > 0);
 }
 
 void MainWindowTest::viewSwitchDisablesGenerateForAnIniToEdit() {

@@ -247,6 +247,12 @@ TEST(PreviewControlsTest, ColumnWidthLayoutAndSheetNumberKeys) {
 
   for (int code : {8, 9, 13, 48, 57, 58, 59}) EXPECT_TRUE(SheetNumberKeyPasses(code)) << code;
   for (int code : {0, 27, 32, 47, 60, 65, 97, 127}) EXPECT_FALSE(SheetNumberKeyPasses(code)) << code;
+
+  // Text from a paste: every character must be one the keys could have typed into the box.
+  for (const char* text : {"", "007", "12:;", "9"}) EXPECT_TRUE(SheetNumberTextPasses(text)) << text;
+  for (const char* text : {"1a", " 1", "1\t", "1\r", "-3", "1.5", "\xc3\xa51"}) {
+    EXPECT_FALSE(SheetNumberTextPasses(text)) << text;
+  }
 }
 
 TEST(PreviewControlsTest, FieldBoxesCommitTheDateAndEnterMovesOn) {

@@ -296,6 +296,45 @@ TEST_F(DesktopEditingTest, DumpBecomesAFreshWorkbookInTheTemporaryFolder) {
   EXPECT_TRUE(Told().empty());
 }
 
+// The window's hourglass and progress bar, as the editor drives them.
+class RecordingProgress final : public report::LoadProgress {
+ public:
+  explicit RecordingProgress(const testing::RecordingLauncher& launcher) : launcher_(launcher) {}
+  List calls;
+  std::vector<int> steps;
+
+  void Begin(int lineCount) override { calls.push_back("Begin " + std::to_string(lineCount)); }
+  void Step(int linesDone) override { steps.push_back(linesDone); }
+  void End() override { calls.push_back("End, " + std::to_string(launcher_.opened.size()) + " opened"); }
+
+ private:
+  const testing::RecordingLauncher& launcher_;
+};
+
+TEST_F(DesktopEditingTest, DumpWrittenAsAWorkbookShowsItsProgress) {
+  Start();
+  std::string dump = "%+A1 Panel%\r\n";
+  for (int row = 1; row <= 1000; ++row) dump += "\tX1\t" + std::to_string(row) + "\tPump\r\n";
+  install_.Write("Temp/VOLTARIS/VOLTARIS ic/volt_report.txt", dump);
+  RecordingProgress progress(launcher_);
+  ExternalEditingServices services = ServicesOf(install_, launcher_, recording_);
+  services.progress = &progress;
+  DesktopExternalEditor editor(services, systemTemp_.path());
+
+  // Percent of the rows written, from 0 to 100 in order; the bar goes before the workbook is opened.
+  editor.OpenReportDump(kDump);
+  EXPECT_EQ(progress.calls, (List{"Begin 101", "End, 0 opened"}));
+  ASSERT_EQ(progress.steps.size(), 101u);
+  for (int step = 0; step <= 100; ++step) EXPECT_EQ(progress.steps[static_cast<std::size_t>(step)], step);
+  EXPECT_EQ(launcher_.opened.size(), 1u);
+
+  // A dump that cannot be read: the bar goes all the same, before the failure is told.
+  progress.calls.clear();
+  editor.OpenReportDump("C:\\Temp\\saknas.txt");
+  EXPECT_EQ(progress.calls, (List{"Begin 101", "End, 1 opened"}));
+  EXPECT_EQ(Told().size(), 1u);
+}
+
 TEST_F(DesktopEditingTest, TemporaryFolderThatCannotBeWrittenIsTold) {
   Start();
   DesktopExternalEditor nowhere(ServicesOf(install_, launcher_, recording_), systemTemp_.path() / "saknas");

@@ -550,11 +550,8 @@ void PackageEngine::AutoFit(const RangeRef& range) {
     Worksheet sheet = document.Sheet(position, true);
     std::map<int, std::size_t> widths;
     sheet.ForEachCell(1, range.firstColumn, kMaxRows, range.lastColumn, [&](pugi::xml_node cell) {
-      const int row = CellRow(cell);
-      const int column = CellColumn(cell);
-      const std::string text =
-          sheet.Text(row, column, [&](int index) { return document.SharedString(index); });
-      if (!text.empty()) widths[column] = std::max(widths[column], DisplayLength(text));
+      const std::string text = Worksheet::Text(cell, [&](int index) { return document.SharedString(index); });
+      if (!text.empty()) widths[CellColumn(cell)] = std::max(widths[CellColumn(cell)], DisplayLength(text));
     });
     for (const auto& [column, characters] : widths) {
       sheet.SetColumnWidth(column, std::min(255.0, static_cast<double>(characters) + 0.71));

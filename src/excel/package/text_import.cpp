@@ -97,7 +97,7 @@ std::unique_ptr<WorkbookDocument> ImportText(std::string_view bytes, std::string
     if (static_cast<std::size_t>(column) <= textColumns.size())
       textColumns.erase(textColumns.begin() + (column - 1));
   }
-  return WorkbookDocument::FromTable(SheetNameFromFile(stem), rows, textColumns);
+  return WorkbookDocument::FromTable(SheetNameFromFile(stem), rows, textColumns, options.rowsWritten);
 }
 
 }  // namespace sw::excel

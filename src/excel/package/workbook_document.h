@@ -4,6 +4,7 @@
 // saving).
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <pugixml.hpp>
@@ -27,10 +28,12 @@ class WorkbookDocument {
   static std::unique_ptr<WorkbookDocument> FromBytes(std::string_view bytes,
                                                      const PackageLimits& limits = {});
   // A workbook of one sheet `sheetName` holding `rows`; cells of columns marked in `textColumns` use
-  // the text format, the others general (numbers stored as numbers).
+  // the text format, the others general (numbers stored as numbers). `rowsWritten`, when given, hears
+  // of the rows put into the sheet as OpenTextOptions::rowsWritten says.
   static std::unique_ptr<WorkbookDocument> FromTable(std::string_view sheetName,
                                                      const std::vector<std::vector<std::string>>& rows,
-                                                     const std::vector<bool>& textColumns);
+                                                     const std::vector<bool>& textColumns,
+                                                     const std::function<void(int, int)>& rowsWritten = {});
 
   struct SheetEntry {
     int id = 0;                  // stable handle id, unique in this workbook

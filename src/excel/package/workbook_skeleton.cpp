@@ -1,4 +1,6 @@
 // A new workbook made from a table of texts, as Excel makes one when it opens a text file.
+#include <algorithm>
+
 #include "excel/cell_address.h"
 #include "excel/package/cell_text.h"
 #include "excel/package/general_number.h"
@@ -73,7 +75,7 @@ int StyleOf(BuiltInNumberFormat format) {
 
 std::unique_ptr<WorkbookDocument> WorkbookDocument::FromTable(
     std::string_view sheetName, const std::vector<std::vector<std::string>>& rows,
-    const std::vector<bool>& textColumns) {
+    const std::vector<bool>& textColumns, const std::function<void(int, int)>& rowsWritten) {
   std::unique_ptr<WorkbookDocument> document(new WorkbookDocument());
   Package& package = document->package_;
   const std::string name = Escaped(sheetName);
@@ -143,8 +145,12 @@ std::unique_ptr<WorkbookDocument> WorkbookDocument::FromTable(
   view.append_attribute("workbookViewId") = 0;
   root.append_child("sheetFormatPr").append_attribute("defaultRowHeight") = "15";
   auto data = root.append_child("sheetData");
+  const int rowCount = static_cast<int>(rows.size());
+  const int reportEvery = std::max(rowCount / 100, 1);
+  if (rowsWritten) rowsWritten(0, rowCount);
   int rowNumber = 0;
   for (const auto& fields : rows) {
+    if (rowsWritten && rowNumber > 0 && rowNumber % reportEvery == 0) rowsWritten(rowNumber, rowCount);
     ++rowNumber;
     pugi::xml_node row;
     for (std::size_t k = 0; k < fields.size(); ++k) {
@@ -169,6 +175,7 @@ std::unique_ptr<WorkbookDocument> WorkbookDocument::FromTable(
       if (fields[k].front() == ' ' || fields[k].back() == ' ') t.append_attribute("xml:space") = "preserve";
     }
   }
+  if (rowsWritten) rowsWritten(rowCount, rowCount);
   auto margins = root.append_child("pageMargins");
   for (const auto& [key, value] : {std::pair{"left", "0.7"},
                                    {"right", "0.7"},

@@ -300,7 +300,10 @@ void Worksheet::ForEachCell(int firstRow, int firstColumn, int lastRow, int last
 }
 
 std::string Worksheet::Text(int row, int column, const std::function<std::string(int)>& sharedString) const {
-  const auto cell = Cell(row, column);
+  return Text(Cell(row, column), sharedString);
+}
+
+std::string Worksheet::Text(pugi::xml_node cell, const std::function<std::string(int)>& sharedString) {
   if (!cell) return {};
   const std::string_view type = cell.attribute("t").value();
   if (type == "inlineStr") return DecodeCellText(InlineText(cell.child("is")));

@@ -33,6 +33,9 @@ class Worksheet {
   void DropCachedFormulaResults();
   // The cell's text as Excel would show its value; `sharedString` looks up index entries.
   std::string Text(int row, int column, const std::function<std::string(int)>& sharedString) const;
+  // The same for a cell element already at hand (as ForEachCell gives them): finding a cell by its
+  // address walks its rows from the end, which a pass over every cell cannot afford.
+  static std::string Text(pugi::xml_node cell, const std::function<std::string(int)>& sharedString);
 
   // The style the cell shows: its own, else its row's, else its column's.
   int EffectiveStyle(int row, int column) const;
