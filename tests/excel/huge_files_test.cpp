@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <new>
+#include <string>
 #include <pugixml.hpp>
 
 #include "excel/application_factory.h"
@@ -40,21 +41,28 @@ std::string OpenMessage(const fs::path& path) {
 }
 
 // More than any allocation can hold: read whole, such a file ends the process or throws bad_alloc.
-constexpr std::uintmax_t kTwoTerabytes = 2ull << 40;
+#ifdef _WIN32
+// Windows (and Wine) write a file's length out as zeros unless it is marked sparse; 4 GB is past every
+// limit and still quick to make.
+constexpr std::uintmax_t kHugeFileSize = 4ull << 30;
+#else
+constexpr std::uintmax_t kHugeFileSize = 2ull << 40;
+#endif
 
 TEST(HugeFiles, ANonZipFileIsNoWorkbookWhateverItsSize) {
   testing::TempDir folder;
-  EXPECT_EQ(OpenMessage(SparseFile(folder, "stor.xlsx", "Detta är text", kTwoTerabytes)),
+  EXPECT_EQ(OpenMessage(SparseFile(folder, "stor.xlsx", "Detta är text", kHugeFileSize)),
             "Filen är inte en Excel-arbetsbok.");
   EXPECT_THAT(
-      OpenMessage(SparseFile(folder, "gammal.xlsx", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", kTwoTerabytes)),
+      OpenMessage(SparseFile(folder, "gammal.xlsx", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", kHugeFileSize)),
       HasSubstr("det äldre Excel-formatet"));
 }
 
 TEST(HugeFiles, AZipArchiveLargerThanAnyWorkbookIsRefusedBeforeItIsRead) {
   testing::TempDir folder;
-  EXPECT_EQ(OpenMessage(SparseFile(folder, "stor.xlsx", "PK\x03\x04", kTwoTerabytes)),
-            "Filen är för stor för att vara en arbetsbok (2097152 MB; högst 1088 MB).");
+  EXPECT_EQ(OpenMessage(SparseFile(folder, "stor.xlsx", "PK\x03\x04", kHugeFileSize)),
+            "Filen är för stor för att vara en arbetsbok (" + std::to_string(kHugeFileSize >> 20) +
+                " MB; högst 1088 MB).");
   EXPECT_THROW(WorkbookDocument::CheckFileHead("PK\x03\x04", (1088ull << 20) + 1), std::exception);
   EXPECT_NO_THROW(WorkbookDocument::CheckFileHead("PK\x03\x04", 1088ull << 20));
 }

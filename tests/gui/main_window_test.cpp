@@ -403,6 +403,9 @@ void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
 }
 
 void MainWindowTest::dumpWrittenAsAWorkbookShowsTheHourglassAndProgress() {
+#ifdef _WIN32
+  QSKIP("On Windows the report dump goes to Excel, which imports it itself; no workbook is written here");
+#endif
   StartedWindow started([](sw::testing::FakeInstallation& install) {
     std::string dump = "%+A1 Panel%\r\n";
     for (int row = 1; row <= 500; ++row) dump += "\tX1\t" + std::to_string(row) + "\tPump\r\n";
