@@ -9,6 +9,7 @@
 #include "base/process_launcher.h"
 #include "base/program_folder.h"
 #include "cadenv/registry.h"
+#include "gui/font_engine.h"
 #include "gui/main_window.h"
 #include "gui/qt_dialogs.h"
 #include "gui/qt_translations.h"
@@ -38,6 +39,7 @@ class Application final : public QApplication {
 
 int main(int argc, char** argv) {
   sw::base::KeepFreedMemoryForReuse();
+  sw::gui::ChooseFontEngine();
   Application application(argc, argv);
   QApplication::setApplicationName(QString::fromUtf8(sw::base::kApplicationTitle));
 
