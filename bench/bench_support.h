@@ -7,6 +7,7 @@
 
 #include "base/dialogs.h"
 #include "base/environment.h"
+#include "base/process_launcher.h"
 #include "settings/settings.h"
 
 namespace sw::bench {
@@ -33,6 +34,14 @@ class SilentDialogs final : public base::Dialogs {
     return base::MessageAnswer::kOk;
   }
   std::optional<std::string> ShowFileDialog(const base::FileDialogRequest&) override { return target; }
+};
+
+// No outside program is ever started.
+class NoLauncher final : public base::ProcessLauncher {
+ public:
+  bool EditTextFile(std::string_view) override { return false; }
+  bool OpenWithDefaultApplication(std::string_view) override { return false; }
+  bool RunMinimisedAndWait(std::string_view) override { return false; }
 };
 
 // No variables at all: no CAD installation, no start log.

@@ -26,16 +26,11 @@
 
 namespace {
 
+using sw::bench::NoLauncher;
+
 namespace fs = std::filesystem;
 
 const fs::path kSource = fs::path(__FILE__).parent_path().parent_path();
-
-class NoLauncher final : public sw::base::ProcessLauncher {
- public:
-  bool EditTextFile(std::string_view) override { return false; }
-  bool OpenWithDefaultApplication(std::string_view) override { return false; }
-  bool RunMinimisedAndWait(std::string_view) override { return false; }
-};
 
 // The bench's own folder: one dump per size, a copy of the example template with its INI file, the results.
 class Workspace {

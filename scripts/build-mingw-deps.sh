@@ -17,27 +17,9 @@ if [ -f "$prefix/.complete" ] && [ "$(cat "$prefix/.complete")" = "$stamp" ]; th
   exit 0
 fi
 
-# The same archive the machine installs from, with deb-src instead of deb.
-apt_dir=$work/apt
-mkdir -p "$apt_dir/lists/partial" "$apt_dir/cache/archives/partial" "$apt_dir/sources.list.d"
-: >"$apt_dir/sources.list"
-for file in /etc/apt/sources.list.d/*.sources; do
-  [ -f "$file" ] || continue
-  sed -e 's/^Types:.*\bdeb\b.*/Types: deb-src/' "$file" >"$apt_dir/sources.list.d/$(basename "$file")"
-done
-for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
-  [ -f "$file" ] || continue
-  sed -n -e 's/^deb \(.*\)/deb-src \1/p' "$file" >>"$apt_dir/sources.list"
-done
-apt_options=(
-  -o "Dir::Etc::SourceList=$apt_dir/sources.list"
-  -o "Dir::Etc::SourceParts=$apt_dir/sources.list.d"
-  -o "Dir::State::Lists=$apt_dir/lists"
-  -o "Dir::Cache=$apt_dir/cache"
-  -o "Dir::Cache::pkgcache=" -o "Dir::Cache::srcpkgcache="
-  -o "APT::Sandbox::User=root"
-  -o "Debug::NoLocking=true"
-)
+# The same archive the machine installs from, with deb-src instead of deb, in a private apt state.
+source scripts/lib/debian-sources.sh
+debian_sources_apt "$work/apt"
 apt-get "${apt_options[@]}" update -qq
 
 toolchain=$root/cmake/mingw-w64.cmake

@@ -50,26 +50,8 @@ work=$cache/work-$key_hash
 mkdir -p "$work"
 
 # The same archive the machine installs from, with deb-src instead of deb, in a private apt state.
-apt_dir=$work/apt
-mkdir -p "$apt_dir/lists/partial" "$apt_dir/cache/archives/partial" "$apt_dir/sources.list.d"
-: >"$apt_dir/sources.list"
-for file in /etc/apt/sources.list.d/*.sources; do
-  [ -f "$file" ] || continue
-  sed -e 's/^Types:.*\bdeb\b.*/Types: deb-src/' "$file" >"$apt_dir/sources.list.d/$(basename "$file")"
-done
-for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
-  [ -f "$file" ] || continue
-  sed -n -e 's/^deb \(.*\)/deb-src \1/p' "$file" >>"$apt_dir/sources.list"
-done
-apt_options=(
-  -o "Dir::Etc::SourceList=$apt_dir/sources.list"
-  -o "Dir::Etc::SourceParts=$apt_dir/sources.list.d"
-  -o "Dir::State::Lists=$apt_dir/lists"
-  -o "Dir::Cache=$apt_dir/cache"
-  -o "Dir::Cache::pkgcache=" -o "Dir::Cache::srcpkgcache="
-  -o "APT::Sandbox::User=root"
-  -o "Debug::NoLocking=true"
-)
+source scripts/lib/debian-sources.sh
+debian_sources_apt "$work/apt"
 
 source_dir=$(find "$work/src" -maxdepth 1 -type d -name "qt6-base-$host_version*" 2>/dev/null | sort | tail -1 || true)
 if [ -z "$source_dir" ] || [ ! -f "$source_dir/.sheetwright-unpacked" ]; then

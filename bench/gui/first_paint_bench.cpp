@@ -18,12 +18,7 @@
 
 namespace {
 
-class NoLauncher final : public sw::base::ProcessLauncher {
- public:
-  bool EditTextFile(std::string_view) override { return false; }
-  bool OpenWithDefaultApplication(std::string_view) override { return false; }
-  bool RunMinimisedAndWait(std::string_view) override { return false; }
-};
+using sw::bench::NoLauncher;
 
 struct BenchWindow {
   BenchWindow()
