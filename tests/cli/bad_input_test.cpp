@@ -318,7 +318,7 @@ TEST_F(BadInputTest, WrongInputIsToldAsWhatIsWrong) {
   EXPECT_FALSE(std::filesystem::exists(temp.path() / "Lista.xlsx"));
 }
 
-TEST_F(BadInputTest, PosixOnlyIniWithoutReadPermissionIsToldAsSuch) {
+TEST_F(BadInputTest, IniWithoutReadPermissionIsToldAsSuch) {
   if (::geteuid() == 0) GTEST_SKIP() << "root reads every file";
   const auto workbook = TemplateFrom(GoodTemplateBytes());
   std::filesystem::permissions(temp.path() / "Mall.ini", std::filesystem::perms::none);
