@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <filesystem>
 #include <iostream>
 
 #include "base/environment.h"
@@ -40,6 +41,35 @@ std::optional<FieldValue> ParseFieldValue(std::string_view argument) {
   return value;
 }
 
+// What is wrong with a --field argument, in the program's words; empty when nothing is.
+std::string FieldValueProblem(std::string_view argument) {
+  if (ParseFieldValue(argument)) return {};
+  const auto equals = argument.find('=');
+  if (equals == std::string_view::npos || equals == 0) {
+    return "\"" + std::string(argument) + "\" ska skrivas N=TEXT, där N är textens nummer (0 till 29).";
+  }
+  return "Text nummer " + std::string(argument.substr(0, equals)) +
+         " finns inte; de gemensamma texterna har nummer 0 till 29.";
+}
+
+// The window's save dialog does not take a write-protected file; here such a target is replaced only
+// when the user says so with --yes. False when it is to stay, after telling so.
+bool MayReplaceReadOnlyTarget(const std::string& target, ConsoleDialogs& dialogs) {
+  std::error_code error;
+  const auto status = std::filesystem::status(base::ResolveWindowsPath(target), error);
+  if (error || !std::filesystem::is_regular_file(status)) return true;
+  constexpr auto kWritable = std::filesystem::perms::owner_write | std::filesystem::perms::group_write |
+                             std::filesystem::perms::others_write;
+  if ((status.permissions() & kWritable) != std::filesystem::perms::none) return true;
+  const auto answer = dialogs.ShowMessage(
+      base::Message{"Filen " + target + " är skrivskyddad.\rVill du ersätta den ändå?", "Skrivskyddad fil",
+                    base::MessageIcon::kQuestion, base::MessageButtons::kYesNo});
+  if (answer == base::MessageAnswer::kYes) return true;
+  dialogs.ShowMessage(base::Message{"Filen " + target + " har lämnats orörd. Ange --yes för att ersätta den.",
+                                    "Fel", base::MessageIcon::kExclamation, base::MessageButtons::kOk});
+  return false;
+}
+
 bool NamesAnExcelFile(std::string_view target) {
   const auto cut = target.find_last_of("\\/");
   const std::string name = base::AsciiUpper(cut == std::string_view::npos ? target : target.substr(cut + 1));
@@ -72,11 +102,7 @@ void AddGenerateCommand(CLI::App& app, GenerateOptions& options) {
           "--field", options.fields,
           "Common text N (0 to 29, in the order of the INI's [Common] lines) set to TEXT; repeatable")
       ->type_name("N=TEXT")
-      ->check(CLI::Validator(
-          [](const std::string& value) {
-            return ParseFieldValue(value) ? std::string() : "expected N=TEXT with N from 0 to 29";
-          },
-          "N=TEXT"));
+      ->check(CLI::Validator([](const std::string& value) { return FieldValueProblem(value); }, "N=TEXT"));
   command->add_flag("--yes", options.yes, "Answer OK to the single-sheet warning");
   command
       ->add_option("--engine", options.engine,
@@ -111,11 +137,19 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
   for (const auto& argument : options.fields) {
     auto value = ParseFieldValue(argument);
     if (!value) {
-      err << "--field " << argument << ": expected N=TEXT with N from 0 to 29\n";
+      err << "--field: " << FieldValueProblem(argument) << '\n';
       return 2;
     }
     fieldValues.push_back(std::move(*value));
   }
+  // Paired by name alone, a template that is not there would be told as one without its INI file.
+  std::error_code error;
+  if (!std::filesystem::exists(base::ResolveWindowsPath(options.templateWorkbook), error)) {
+    dialogs.ShowMessage(base::Message{"Hittar ej mallen " + options.templateWorkbook + ".", "Fel",
+                                      base::MessageIcon::kInformation, base::MessageButtons::kOk});
+    return 1;
+  }
+  if (!options.singleSheet && !MayReplaceReadOnlyTarget(options.target, dialogs)) return 1;
 
   auto registry = OpenUserSettings(err);
   if (!registry) return 1;

@@ -34,7 +34,8 @@ void WriteDataRow(GenerationRun& run, const std::vector<std::string_view>& cells
     const int row = Int16(definition.StartRow + state.rowsOnPage);
     const std::string_view text =
         k < static_cast<int>(cells.size()) ? cells[static_cast<std::size_t>(k)] : "";
-    ResumeOn1004([&] { state.currentSheet.Cells(row, column).SetValue(text); });
+    const std::string_view fitting = run.CellText(text);
+    ResumeOn1004([&] { state.currentSheet.Cells(row, column).SetValue(fitting); });
   }
   state.rowsOnPage = Int16(state.rowsOnPage + 1);
 }

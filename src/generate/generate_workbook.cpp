@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "base/file_identity.h"
 #include "base/out_of_memory.h"
 #include "base/own_temp_files.h"
 #include "base/strings.h"
@@ -16,6 +17,7 @@
 #include "generate/page_text.h"
 #include "generate/run_error.h"
 #include "generate/start_new_page.h"
+#include "generate/template_check.h"
 #include "templates/template_ini.h"
 
 namespace sw::generate {
@@ -89,8 +91,13 @@ bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, co
     return false;
   }
   // Refused before the user picks a file for a result that could never be made.
-  if (const auto layout = LayoutAsChecked(run.definition); layout && !FitsTheCounters(run, *layout)) {
-    return false;
+  if (const auto layout = LayoutAsChecked(run.definition); layout) {
+    if (const std::string refusal = RowsAboveTheSheetRefusal(*layout); !refusal.empty()) {
+      run.Tell(refusal, "Fel", MessageIcon::kExclamation);
+      run.SetMousePointer(MousePointer::kDefault);
+      return false;
+    }
+    if (!FitsTheCounters(run, *layout)) return false;
   }
   settings.SaveAppSetting("LastVoltDmp", inputs.dumpPickerText);
   settings.SaveAppSetting("LastRdsDir", inputs.templateDirPickerText);
@@ -215,6 +222,16 @@ bool MayWriteWhereTheRunWould(GenerationRun& run, const GenerationInputs& inputs
     run.SetMousePointer(MousePointer::kDefault);
     return false;
   }
+  // A dump saved with a workbook's name would be replaced by its own result, and could not be read again.
+  if (!inputs.targetPath.empty() && !inputs.dumpPickerText.empty() &&
+      base::SameFile(base::ResolveWindowsPath(inputs.targetPath),
+                     base::ResolveWindowsPath(inputs.dumpPickerText))) {
+    run.Tell("Filen " + inputs.targetPath +
+                 " är själva rapportfilen och kan inte skrivas över.\rAnge annat " + "filnamn.",
+             "Fel", MessageIcon::kExclamation);
+    run.SetMousePointer(MousePointer::kDefault);
+    return false;
+  }
   return true;
 }
 
@@ -255,7 +272,8 @@ void WriteCommonTexts(GenerationRun& run) {
   ResumeOn1004([&] { state.currentSheet = state.workbook.Worksheets().Item(state.commonSheetIndex); });
   for (const auto& field : run.definition.CommonFields) {
     if (field.Row > 0 && field.Col > 0) {
-      ResumeOn1004([&] { state.currentSheet.Cells(field.Row, field.Col).SetValue(field.Value); });
+      const std::string_view text = run.CellText(field.Value);
+      ResumeOn1004([&] { state.currentSheet.Cells(field.Row, field.Col).SetValue(text); });
     }
   }
 }
@@ -329,6 +347,12 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefini
   ResumeOn1004([&] { excel.SetVisible(true); });
   run.SetMousePointer(MousePointer::kDefault);
   outcome.completed = !run.resultLost;
+  if (outcome.completed && run.cellsCut > 0) {
+    run.Tell(std::to_string(run.cellsCut) + (run.cellsCut == 1 ? " cell hade" : " celler hade") +
+                 " längre text än en cell rymmer (" + std::to_string(kCellTextLimit) +
+                 " tecken) och har kortats till det.",
+             "", MessageIcon::kInformation);
+  }
 }
 
 }  // namespace

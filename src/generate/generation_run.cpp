@@ -150,4 +150,26 @@ int FirstDataColumn(const templates::TemplateDefinition& definition) {
   return definition.DataColumns.front();
 }
 
+std::string_view GenerationRun::CellText(std::string_view text) {
+  const std::string_view cut = CutToCellLimit(text);
+  if (cut.size() != text.size()) ++cellsCut;
+  return cut;
+}
+
+std::string_view CutToCellLimit(std::string_view text) {
+  // Every character is at most four bytes and two units: a text of few bytes fits without counting.
+  if (text.size() <= kCellTextLimit) return text;
+  std::size_t units = 0;
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const auto lead = static_cast<unsigned char>(text[at]);
+    const std::size_t length = lead < 0x80 ? 1 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+    const std::size_t needed = length == 4 ? 2 : 1;
+    if (units + needed > kCellTextLimit) break;
+    units += needed;
+    at = std::min(at + length, text.size());
+  }
+  return text.substr(0, at);
+}
+
 }  // namespace sw::generate

@@ -30,6 +30,7 @@ struct GenerationRun {
   // alike (a full disk, a page number past the counter): the run ends there and saves nothing more.
   bool stopped = false;
   int pagesStarted = 0;
+  int cellsCut = 0;  // texts cut to what a cell holds
 
   excel::Application& Excel() const;
   void SetMousePointer(MousePointer pointer) const;
@@ -49,7 +50,15 @@ struct GenerationRun {
   void RemoveWorkingFile() const;
   // Whether `path` reaches the template's file, found as the program finds files.
   bool IsTheTemplate(std::string_view path) const;
+  // `text` as a cell can hold it: cut to kCellTextLimit characters, counting the cut.
+  std::string_view CellText(std::string_view text);
 };
+
+// The most characters a workbook cell holds (UTF-16 units, as the workbook counts them).
+inline constexpr std::size_t kCellTextLimit = 32767;
+
+// The part of the UTF-8 `text` that fits in a cell, ending on a whole character.
+std::string_view CutToCellLimit(std::string_view text);
 
 // The file name that keeps a template's content before a run writes into it, for a run started at
 // `localTime` ("Lista (kopia före körning 2026-11-23 11.40.07).xlsx").

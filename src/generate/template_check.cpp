@@ -69,4 +69,11 @@ std::vector<std::string> PageLayoutWarnings(const templates::TemplateDefinition&
   return warnings;
 }
 
+std::string RowsAboveTheSheetRefusal(const templates::TemplateDefinition& definition) {
+  if (definition.Infinite || definition.EndRow >= 1 || definition.EndRow < definition.StartRow) return {};
+  return "Sidans rader ligger ovanför rad 1 (STARTROW " + std::to_string(definition.StartRow) + ", ENDROW " +
+         std::to_string(definition.EndRow) +
+         "), så ingen rad ur rapporten skulle skrivas.\rRedigera ini-filen " + definition.IniPath + ".";
+}
+
 }  // namespace sw::generate

@@ -19,4 +19,8 @@ bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
 // Plain warnings, one line each: a page of no rows, or rows above row 1, which are never written.
 std::vector<std::string> PageLayoutWarnings(const templates::TemplateDefinition& definition);
 
+// A fixed-length page whose every row lies above row 1 would write none of the report: the refusal, in
+// the program's words, or empty when some row of the page is on the sheet.
+std::string RowsAboveTheSheetRefusal(const templates::TemplateDefinition& definition);
+
 }  // namespace sw::generate

@@ -39,7 +39,13 @@ PreviewResult LoadDumpFile(ReportTable& table, const PreviewContext& context) {
     ShowFileError(context.dialogs, "Kan ej läsa filen " + context.dumpPath + ".");
     return PreviewResult::kUnreadable;
   }
-  // A folder, device or pipe named as the dump is as good as no file (and a pipe would never end).
+  // A folder, device or pipe named as the dump is no report and is not read (a pipe would never end);
+  // the user is told what lies there, not that nothing does.
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+    ShowFileError(context.dialogs,
+                  "Kan ej läsa filen " + context.dumpPath + " eftersom det inte är någon vanlig fil.");
+    return PreviewResult::kUnreadable;
+  }
   if (!std::filesystem::is_regular_file(status)) {
     context.dialogs.ShowMessage({"Hittar ej filen " + context.dumpPath + ".", "Fel",
                                  base::MessageIcon::kInformation, base::MessageButtons::kOk});

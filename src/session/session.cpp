@@ -334,6 +334,11 @@ bool Session::CheckTemplate(std::string_view workbookPath,
   if (warn) {
     for (const auto& warning : generate::PageLayoutWarnings(definition_)) warn(warning);
   }
+  if (const std::string refusal = generate::RowsAboveTheSheetRefusal(definition_); !refusal.empty()) {
+    services_.dialogs.ShowMessage(
+        {refusal, "Fel", base::MessageIcon::kExclamation, base::MessageButtons::kOk});
+    return false;
+  }
   return generate::OpenTemplateAsGenerationWould(std::string(workbookPath), definition_, services_.dialogs);
 }
 

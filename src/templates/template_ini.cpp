@@ -1,6 +1,9 @@
 #include "templates/template_ini.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
 
 #include "base/strings.h"
 #include "base/system_colours.h"
@@ -22,7 +25,27 @@ void Tell(base::Dialogs& dialogs, std::string text, std::string title, MessageIc
   dialogs.ShowMessage({std::move(text), std::move(title), icon, base::MessageButtons::kOk});
 }
 
+// Why the INI file cannot be read at all, in the message's words; empty when it can be (or is not there,
+// which the pairing has told already). An unreadable file reads as empty, and is then not to be told as
+// one that lacks its sections.
+std::string UnreadableReason(std::string_view iniPath) {
+  const std::filesystem::path path = base::ResolveWindowsPath(iniPath);
+  std::error_code error;
+  const auto status = std::filesystem::status(path, error);
+  if (error && error != std::errc::no_such_file_or_directory) return "eftersom den inte kan kommas åt";
+  if (!std::filesystem::exists(status)) return {};
+  if (!std::filesystem::is_regular_file(status)) return "eftersom det inte är någon vanlig fil";
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return "eftersom behörighet saknas";
+  return {};
+}
+
 void TellMissingSection(base::Dialogs& dialogs, std::string_view iniPath, std::string_view section) {
+  if (const std::string reason = UnreadableReason(iniPath); !reason.empty()) {
+    Tell(dialogs, "Ini-filen " + std::string(iniPath) + kCr + "går inte att läsa " + reason + ".",
+         kTitleCannotUse, MessageIcon::kInformation);
+    return;
+  }
   Tell(dialogs,
        "Ini-filen " + std::string(iniPath) + kCr + "saknar sektionen [" + std::string(section) + "].",
        kTitleCannotUse, MessageIcon::kInformation);
@@ -80,9 +103,19 @@ bool FindIniForTemplate(std::string_view templateFolder, std::string_view templa
     ReadCommonFields(definition.IniPath, definition, fields, preview, dialogs, today);
     return true;
   }
+  definition.IniPath.clear();
+  // A folder or the like under the INI file's name is not missing: it is there and cannot be read.
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(base::ResolveWindowsPath(templateFolder), error), end;
+       !error && entry != end; entry.increment(error)) {
+    const auto name = entry->path().filename().u8string();
+    const std::string text(name.begin(), name.end());
+    if (base::RemoveAll(base::UpperCase(text), ".INI") != base || entry->is_regular_file(error)) continue;
+    TellMissingSection(dialogs, std::string(templateFolder) + "\\" + text, "Common");
+    return false;
+  }
   Tell(dialogs, "Excel-rapportmallen saknar nödvändig tillhörande INI-fil", kTitleError,
        MessageIcon::kInformation);
-  definition.IniPath.clear();
   return false;
 }
 

@@ -2,6 +2,7 @@
 // Every case ends on a Swedish message and a non-zero exit, never a hang or a crash.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -77,9 +78,17 @@ TEST_F(BadInputTest, DumpOrTemplateThatIsNoFileIsRefused) {
     CliRunner runner{folder.path()};
     const auto dump = folder.path() / "dump.txt";
     MakeNonFile(dump, kind);
+    const std::string notAFile = "Filfel: Kan ej l\u00e4sa filen " + dump.string() +
+                                 " eftersom det inte \u00e4r n\u00e5gon vanlig fil.\n";
     auto result = runner.Run({"preview", dump.string()});
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.err, "Fel: Hittar ej filen " + dump.string() + ".\n");
+    EXPECT_EQ(result.err, notAFile);
+    result = runner.Run({"generate", "--dump", dump.string(), "--template",
+                         TemplateFrom(GoodTemplateBytes()).string(), "--out",
+                         (folder.path() / "Lista.xlsx").string()});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(Contains(result.err, notAFile), "");
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "Lista.xlsx"));
 
     const auto workbook = folder.path() / "Mall.xlsx";
     MakeNonFile(workbook, kind);
@@ -276,6 +285,129 @@ TEST_F(BadInputTest, ReportPastThePageCounterIsRefusedAndTheEarlierResultStays) 
                     "--start", "32764"});
   EXPECT_EQ(result.exitCode, 0) << result.err;
   EXPECT_TRUE(base::ReadWholeFile(target)->starts_with("PK"));
+}
+
+// What is wrong is said as it is: an INI file that is there but cannot be read, a template that is not
+// there, and a text number that does not exist.
+TEST_F(BadInputTest, WrongInputIsToldAsWhatIsWrong) {
+  {
+    TempDir folder;
+    CliRunner runner{folder.path()};
+    const auto workbook = folder.Write("Mall.xlsx", GoodTemplateBytes());
+    std::filesystem::create_directory(folder.path() / "Mall.ini");
+    const auto result = runner.Run({"check", workbook.string()});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(
+        Contains(result.err, "g\u00e5r inte att l\u00e4sa eftersom det inte \u00e4r n\u00e5gon vanlig fil."),
+        "");
+    EXPECT_EQ(result.err.find("saknar sektionen"), std::string::npos) << result.err;
+  }
+  const auto missing = temp.path() / "Saknas.xlsx";
+  auto result = cli.Run({"generate", "--dump", kExample, "--template", missing.string(), "--out",
+                         (temp.path() / "Lista.xlsx").string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "Fel: Hittar ej mallen " + missing.string() + ".\n");
+
+  const auto workbook = TemplateFrom(GoodTemplateBytes());
+  result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out",
+                    (temp.path() / "Lista.xlsx").string(), "--field", "99=x"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_EQ(Contains(result.err, "Text nummer 99 finns inte; de gemensamma texterna har nummer 0 till 29."),
+            "");
+  EXPECT_EQ(result.err.find("expected"), std::string::npos) << result.err;
+  EXPECT_FALSE(std::filesystem::exists(temp.path() / "Lista.xlsx"));
+}
+
+TEST_F(BadInputTest, IniWithoutReadPermissionIsToldAsSuch) {
+  if (::geteuid() == 0) GTEST_SKIP() << "root reads every file";
+  const auto workbook = TemplateFrom(GoodTemplateBytes());
+  std::filesystem::permissions(temp.path() / "Mall.ini", std::filesystem::perms::none);
+  const auto result = cli.Run({"check", workbook.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(Contains(result.err, "g\u00e5r inte att l\u00e4sa eftersom beh\u00f6righet saknas."), "");
+}
+
+// The dump itself, saved under a workbook's name, is never the target; a write-protected target is
+// replaced only when the user says yes.
+TEST_F(BadInputTest, TargetThatIsTheDumpOrWriteProtectedIsNotReplacedUnasked) {
+  const auto workbook = TemplateFrom(GoodTemplateBytes());
+  const std::string dumpBytes = *base::ReadWholeFile(kExample);
+  const auto dump = temp.Write("Rapport.xlsx", dumpBytes);
+  auto result = cli.Run({"generate", "--dump", dump.string(), "--template", workbook.string(), "--out",
+                         (temp.path() / "." / "Rapport.xlsx").string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(Contains(result.err, "Fel: Filen " + (temp.path() / "." / "Rapport.xlsx").string() +
+                                     " \u00e4r sj\u00e4lva rapportfilen och kan inte skrivas \u00f6ver.\n"),
+            "");
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(base::ReadWholeFile(dump), dumpBytes);
+
+  const auto target = temp.Write("Skyddad.xlsx", "det f\u00f6rra resultatet");
+  std::filesystem::permissions(target, std::filesystem::perms::owner_read |
+                                           std::filesystem::perms::group_read |
+                                           std::filesystem::perms::others_read);
+  result =
+      cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, "Skrivskyddad fil: Filen " + target.string() +
+                            " \u00e4r skrivskyddad.\nVill du ers\u00e4tta den \u00e4nd\u00e5?\n"
+                            "Fel: Filen " +
+                            target.string() +
+                            " har l\u00e4mnats or\u00f6rd. Ange --yes f\u00f6r att ers\u00e4tta den.\n");
+  EXPECT_EQ(base::ReadWholeFile(target), "det f\u00f6rra resultatet");
+
+  result = cli.Run(
+      {"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string(), "--yes"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_TRUE(base::ReadWholeFile(target)->starts_with("PK"));
+}
+
+bool WorkbookHolds(const std::filesystem::path& workbook, const std::string& text) {
+  for (const auto& entry : excel::ReadZipArchive(*base::ReadWholeFile(workbook), {})) {
+    if (entry.bytes.find(text) != std::string::npos) return true;
+  }
+  return false;
+}
+
+// A cell holds 32767 characters: longer texts are cut to that, and the run says once how many were.
+TEST_F(BadInputTest, TextsLongerThanACellHoldsAreCutAndCounted) {
+  const auto workbook = TemplateFrom(GoodTemplateBytes());
+  std::string dumpBytes = *base::ReadWholeFile(kExample);
+  for (int i = 0; i < 2; ++i)
+    dumpBytes.replace(dumpBytes.find("\tW101\t"), 6, "\t" + std::string(40000, 'q') + "\t");
+  const auto dump = temp.Write("lang.txt", dumpBytes);
+  const auto target = temp.path() / "Lista.xlsx";
+  const auto result = cli.Run(
+      {"generate", "--dump", dump.string(), "--template", workbook.string(), "--out", target.string()});
+  ASSERT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(
+      result.err,
+      "Sheetwright: 2 celler hade l\u00e4ngre text \u00e4n en cell rymmer (32767 tecken) och har kortats "
+      "till det.\n");
+  EXPECT_TRUE(WorkbookHolds(target, std::string(32767, 'q')));
+  EXPECT_FALSE(WorkbookHolds(target, std::string(32768, 'q')));
+}
+
+// A page whose rows all lie above row 1 writes nothing of the report: generation refuses it before the
+// target is touched, and the check says it cannot run.
+TEST_F(BadInputTest, PageAboveTheSheetIsRefused) {
+  const std::string ini = std::string(kIni).replace(std::string(kIni).find("STARTROW=10\r\nENDROW=40"), 22,
+                                                    "STARTROW=-5\r\nENDROW=-1");
+  const auto workbook = TemplateFrom(GoodTemplateBytes(), "Mall.xlsx", ini);
+  const auto target = temp.Write("Lista.xlsx", "det f\u00f6rra resultatet");
+  auto result =
+      cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(Contains(result.err,
+                     "Fel: Sidans rader ligger ovanf\u00f6r rad 1 (STARTROW -5, ENDROW -1), s\u00e5 "
+                     "ingen rad ur rapporten skulle skrivas.\nRedigera ini-filen "),
+            "");
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(base::ReadWholeFile(target), "det f\u00f6rra resultatet");
+
+  result = cli.Run({"check", workbook.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(Contains(result.err, "Fel: Sidans rader ligger ovanf\u00f6r rad 1"), "");
 }
 
 }  // namespace

@@ -122,16 +122,29 @@ TEST_F(PreviewVoltDumpTest, EmptyPathLeavesOnlyTheHeadingRowSilently) {
 
 TEST_F(PreviewVoltDumpTest, MissingFileOrFolderIsReportedAndNothingElseRuns) {
   testing::TempDir temp;
-  for (const std::string& path : {(temp.path() / "saknas.txt").string(), temp.path().string()}) {
+  struct Case {
+    std::string path;
+    std::string text;
+    std::string title;
+    base::MessageIcon icon;
+  };
+  const std::string missing = (temp.path() / "saknas.txt").string();
+  const std::string folder = temp.path().string();
+  const std::vector<Case> cases = {
+      {missing, "Hittar ej filen " + missing + ".", "Fel", base::MessageIcon::kInformation},
+      {folder, "Kan ej l\u00e4sa filen " + folder + " eftersom det inte \u00e4r n\u00e5gon vanlig fil.",
+       "Filfel", base::MessageIcon::kCritical},
+  };
+  for (const auto& c : cases) {
     table.SetRows(4);
     dialogs.messages.clear();
-    PreviewVoltDump(table, Context(path));
+    PreviewVoltDump(table, Context(c.path));
     EXPECT_EQ(table.Rows(), 1);
     ASSERT_EQ(dialogs.messages.size(), 1u);
     const base::Message& message = dialogs.messages[0];
-    EXPECT_EQ(message.text, "Hittar ej filen " + path + ".");
-    EXPECT_EQ(message.title, "Fel");
-    EXPECT_EQ(message.icon, base::MessageIcon::kInformation);
+    EXPECT_EQ(message.text, c.text);
+    EXPECT_EQ(message.title, c.title);
+    EXPECT_EQ(message.icon, c.icon);
     EXPECT_EQ(message.buttons, base::MessageButtons::kOk);
   }
   EXPECT_TRUE(window.calls.empty());
