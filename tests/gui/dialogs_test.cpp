@@ -6,6 +6,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTabWidget>
@@ -17,6 +18,7 @@
 #include "gui/about_box.h"
 #include "gui/control_colouring.h"
 #include "gui/options_dialog.h"
+#include "gui/qt_dialogs.h"
 #include "gui/qt_translations.h"
 #include "gui/warning_dialog.h"
 #include "memory_settings.h"
@@ -97,6 +99,9 @@ class DialogsTest : public QObject {
   void reportBoxActsAtOnceAndCancelKeepsIt();
   void okStoresTheFourInOrderAndRedrawsTheMarks();
   void optionsPlacementComesBackAtLeastTheDefaultSize();
+  void optionsOpenCentredOverTheWindow();
+  void optionsPlacementIsKeptOnTheScreen();
+  void messagesOpenOverTheWindowBeingStarted();
   void warningNoMoreAndCancelStopsTheRunAndSwitchesItOff();
   void warningOkGoesOn();
   void colouringFollowsTheNamePrefixes();
@@ -222,6 +227,54 @@ void DialogsTest::optionsPlacementComesBackAtLeastTheDefaultSize() {
   QCOMPARE(dialog.width(), qRound(6930 / twips));
   QVERIFY(dialog.height() >= qRound(3900 / twips));
   QVERIFY(dialog.height() < 99999999 / twips);
+}
+
+void DialogsTest::optionsOpenCentredOverTheWindow() {
+  StartedWindow started;
+  auto* window = started.window.get();
+  window->move(60, 40);
+  QPoint offCentre;
+  WhenModal([&offCentre, window](QDialog* dialog) {
+    offCentre = dialog->frameGeometry().center() - window->frameGeometry().center();
+    dialog->reject();
+  });
+  window->Command(sw::gui::kCommandOptions)->trigger();
+  QVERIFY2(std::abs(offCentre.x()) <= 16 && std::abs(offCentre.y()) <= 16,
+           qPrintable(QStringLiteral("%1,%2").arg(offCentre.x()).arg(offCentre.y())));
+}
+
+void DialogsTest::optionsPlacementIsKeptOnTheScreen() {
+  StartedWindow started;
+  // Remembered on a larger screen: beyond this one's right and lower edges.
+  started.install.settings.SaveAppSetting("Top", "30000", "frmOptions");
+  started.install.settings.SaveAppSetting("Left", "30000", "frmOptions");
+  sw::gui::OptionsDialog dialog(started.window->Session(), started.settings, started.window.get());
+  const QRect area = dialog.screen()->availableGeometry();
+  QVERIFY(area.contains(QRect(dialog.pos(), dialog.size())));
+  const double twips = 1440.0 / dialog.logicalDpiX();
+  QCOMPARE(dialog.width(), qRound(6930 / twips));
+}
+
+void DialogsTest::messagesOpenOverTheWindowBeingStarted() {
+  // The main window during its start: placed, not shown yet, and not yet the dialogs' owner.
+  QMainWindow window;
+  window.move(420, 330);
+  window.resize(300, 200);
+  sw::gui::QtDialogs dialogs;
+  QPoint offCentre;
+  QString text;
+  WhenModal([&](QDialog* box) {
+    offCentre = box->frameGeometry().center() - window.geometry().center();
+    text = Child<QLabel>(box, "qt_msgbox_label")->text();
+    box->reject();
+  });
+  dialogs.ShowMessage({.text = "Det gick inte",
+                       .title = "Fel",
+                       .icon = sw::base::MessageIcon::kExclamation,
+                       .buttons = sw::base::MessageButtons::kOk});
+  QCOMPARE(text, QStringLiteral("Det gick inte"));
+  QVERIFY2(std::abs(offCentre.x()) <= 16 && std::abs(offCentre.y()) <= 40,
+           qPrintable(QStringLiteral("%1,%2").arg(offCentre.x()).arg(offCentre.y())));
 }
 
 void DialogsTest::warningNoMoreAndCancelStopsTheRunAndSwitchesItOff() {
@@ -396,11 +449,13 @@ void DialogsTest::aboutBoxHasNoToolButtonWhereThereIsNoTool() {
 void DialogsTest::qtsOwnButtonsSpeakSwedish() {
   // The installed program's folder comes first; a folder without the catalog is passed over.
   const QStringList folders = sw::gui::QtTranslationFolders(QStringLiteral("C:/Program Files/Sheetwright"));
-  QCOMPARE(folders.first(), QDir(QStringLiteral("C:/Program Files/Sheetwright")).filePath(QStringLiteral("translations")));
-  QVERIFY(!sw::gui::InstallQtSwedishTranslation(*QCoreApplication::instance(), {QDir::tempPath() + "/no-such"}));
+  QCOMPARE(folders.first(),
+           QDir(QStringLiteral("C:/Program Files/Sheetwright")).filePath(QStringLiteral("translations")));
+  QVERIFY(
+      !sw::gui::InstallQtSwedishTranslation(*QCoreApplication::instance(), {QDir::tempPath() + "/no-such"}));
 
-  QVERIFY(sw::gui::InstallQtSwedishTranslation(*QCoreApplication::instance(),
-                                               {QDir::tempPath() + "/no-such", QStringLiteral(SW_QT_TRANSLATIONS)}));
+  QVERIFY(sw::gui::InstallQtSwedishTranslation(
+      *QCoreApplication::instance(), {QDir::tempPath() + "/no-such", QStringLiteral(SW_QT_TRANSLATIONS)}));
   QMessageBox box(QMessageBox::Question, QStringLiteral("Sheetwright"), QStringLiteral("Skriva över?"),
                   QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
   QCOMPARE(box.button(QMessageBox::Yes)->text(), QStringLiteral("&Ja"));
