@@ -8,7 +8,10 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
@@ -109,6 +112,8 @@ class DialogsTest : public QObject {
   void aboutBoxShowsTheProgramAndIsColoured();
   void aboutBoxLinksAndToolWorkFromTheKeyboard();
   void aboutBoxHasNoToolButtonWhereThereIsNoTool();
+  void aboutBoxOffersOnlyTheAddressesTheBuildWasGiven();
+  void aboutBoxShowsTheBuildAndTheLicences();
   void qtsOwnButtonsSpeakSwedish();
 };
 
@@ -411,7 +416,11 @@ void DialogsTest::aboutBoxLinksAndToolWorkFromTheKeyboard() {
   QList<QUrl> opened;
   sw::gui::AboutBox box({.themeColour = 0x00FFFFFF,
                          .systemInformation = &tool,
-                         .openUrl = [&opened](const QUrl& url) { opened << url; }});
+                         .openUrl = [&opened](const QUrl& url) { opened << url; },
+                         .build = {.version = QStringLiteral("1.2.3"),
+                                   .build = QStringLiteral("Bygge 2026-01-02"),
+                                   .supportMail = QStringLiteral("support@firma.se"),
+                                   .webAddress = QStringLiteral("https://www.firma.se")}});
   box.show();
   QVERIFY(QTest::qWaitForWindowActive(&box));
   QCOMPARE(box.focusWidget()->objectName(), QStringLiteral("cmdOK"));
@@ -431,8 +440,8 @@ void DialogsTest::aboutBoxLinksAndToolWorkFromTheKeyboard() {
   QTest::keyClick(box.focusWidget(), Qt::Key_Space);
   QCOMPARE(Child<QLabel>(&box, "lblMailCaption")->buddy()->objectName(), QStringLiteral("lnkMail"));
   QCOMPARE(Child<QLabel>(&box, "lblWebCaption")->buddy()->objectName(), QStringLiteral("lnkWeb"));
-  QCOMPARE(opened, (QList<QUrl>{QUrl(QStringLiteral("mailto:" SW_SUPPORT_MAIL)),
-                                QUrl(QStringLiteral(SW_WEB_ADDRESS))}));
+  QCOMPARE(opened, (QList<QUrl>{QUrl(QStringLiteral("mailto:support@firma.se")),
+                                QUrl(QStringLiteral("https://www.firma.se"))}));
 
   QTest::keyClick(&box, Qt::Key_Escape);
   QVERIFY(!box.isVisible());
@@ -444,6 +453,65 @@ void DialogsTest::aboutBoxHasNoToolButtonWhereThereIsNoTool() {
   QVERIFY(!box.findChild<QPushButton*>(QStringLiteral("cmdSysInfo")));
   sw::gui::AboutBox withoutTool({.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}});
   QVERIFY(!withoutTool.findChild<QPushButton*>(QStringLiteral("cmdSysInfo")));
+}
+
+void DialogsTest::aboutBoxOffersOnlyTheAddressesTheBuildWasGiven() {
+  // A build given no addresses (as this one is, unless configured with them) offers none.
+  QCOMPARE(sw::gui::ThisBuild().supportMail, QStringLiteral(SW_SUPPORT_MAIL));
+  QCOMPARE(sw::gui::ThisBuild().webAddress, QStringLiteral(SW_WEB_ADDRESS));
+  sw::gui::BuildFacts none = sw::gui::ThisBuild();
+  none.supportMail.clear();
+  none.webAddress.clear();
+  sw::gui::AboutBox box(
+      {.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}, .build = none});
+  for (const char* name : {"lnkMail", "lnkWeb"})
+    QVERIFY(!box.findChild<QPushButton*>(QString::fromUtf8(name)));
+  for (const char* name : {"lblMailCaption", "lblWebCaption"})
+    QVERIFY(!box.findChild<QLabel*>(QString::fromUtf8(name)));
+  for (const QLabel* label : box.findChildren<QLabel*>())
+    QVERIFY2(!label->text().contains(QStringLiteral("example")), qPrintable(label->text()));
+  if (QStringLiteral(SW_SUPPORT_MAIL).isEmpty() && QStringLiteral(SW_WEB_ADDRESS).isEmpty()) {
+    sw::gui::AboutBox standard({.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}});
+    QVERIFY(!standard.findChild<QPushButton*>(QStringLiteral("lnkMail")));
+    QVERIFY(!standard.findChild<QPushButton*>(QStringLiteral("lnkWeb")));
+  }
+
+  // Given only a web address: that one alone.
+  sw::gui::BuildFacts web = none;
+  web.webAddress = QStringLiteral("https://www.firma.se");
+  sw::gui::AboutBox withWeb(
+      {.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}, .build = web});
+  QVERIFY(!withWeb.findChild<QPushButton*>(QStringLiteral("lnkMail")));
+  QCOMPARE(Child<QPushButton>(&withWeb, "lnkWeb")->text(), QStringLiteral("https://www.firma.se"));
+  QCOMPARE(Child<QLabel>(&withWeb, "lblWebCaption")->text(), QStringLiteral("&Webbplats:"));
+}
+
+void DialogsTest::aboutBoxShowsTheBuildAndTheLicences() {
+  sw::gui::AboutBox box({.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}});
+  // The build: the day it was configured, and the commit where the sources were checked out.
+  const QString build = Child<QLabel>(&box, "lblBuild")->text();
+  QVERIFY2(QRegularExpression(QStringLiteral("^Bygge \\d{4}-\\d{2}-\\d{2}( \\([0-9a-f]+\\))?$"))
+               .match(build)
+               .hasMatch(),
+           qPrintable(build));
+
+  // The licences of what ships with the program, in a box to scroll through.
+  box.show();
+  QVERIFY(QTest::qWaitForWindowExposed(&box));
+  auto* licences = Child<QPlainTextEdit>(&box, "txtLicences");
+  QVERIFY(licences->isReadOnly());
+  QCOMPARE(Child<QLabel>(&box, "lblLicences")->buddy(), licences);
+  const QString text = licences->toPlainText();
+  for (const char* shipped : {"Qt 6", "GNU Lesser General Public License version 3", "shared libraries",
+                              "== libzip ==", "== pugixml ==", "== CLI11 ==", "== zlib ==",
+                              "GNU LESSER GENERAL PUBLIC LICENSE", "GNU GENERAL PUBLIC LICENSE"})
+    QVERIFY2(text.contains(QString::fromUtf8(shipped)), shipped);
+  QVERIFY(licences->verticalScrollBar()->maximum() > 0);
+  licences->setFocus(Qt::TabFocusReason);
+  QTest::keyClick(licences, Qt::Key_End, Qt::ControlModifier);
+  // Ctrl+End reaches the end of the texts and scrolls there.
+  QVERIFY(licences->textCursor().atEnd());
+  QVERIFY(licences->verticalScrollBar()->value() >= licences->verticalScrollBar()->maximum() - 1);
 }
 
 void DialogsTest::qtsOwnButtonsSpeakSwedish() {
