@@ -5,20 +5,17 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStyle>
 #include <QVBoxLayout>
 
 #include "base/dialogs.h"
 #include "gui/control_colouring.h"
+#include "gui/licence_texts.h"
 
 namespace sw::gui {
 namespace {
-
-// From the build (src/gui/CMakeLists.txt): the project's version and the support addresses.
-constexpr const char* kProgramVersion = SW_PROGRAM_VERSION;
-constexpr const char* kSupportMail = SW_SUPPORT_MAIL;
-constexpr const char* kWebAddress = SW_WEB_ADDRESS;
 
 // The about box shows the theme's colour as it is.
 constexpr std::int32_t kColourOffset = 0;
@@ -51,6 +48,16 @@ QPushButton* Link(const char* name, const QString& text, QWidget* parent) {
 
 }  // namespace
 
+BuildFacts ThisBuild() {
+  QString build = QStringLiteral("Bygge ") + QString::fromUtf8(SW_BUILD_DATE);
+  const QString commit = QString::fromUtf8(SW_BUILD_COMMIT);
+  if (!commit.isEmpty()) build += QStringLiteral(" (") + commit + QLatin1Char(')');
+  return {.version = QString::fromUtf8(SW_PROGRAM_VERSION),
+          .build = build,
+          .supportMail = QString::fromUtf8(SW_SUPPORT_MAIL).trimmed(),
+          .webAddress = QString::fromUtf8(SW_WEB_ADDRESS).trimmed()};
+}
+
 QString AboutCommandCaption() {
   return QStringLiteral("&Om ") + Title() + QStringLiteral("...");
 }
@@ -76,32 +83,37 @@ AboutBox::AboutBox(AboutBoxServices services, QWidget* parent)
   titleFont.setPointSizeF(titleFont.pointSizeF() * 1.5);
   titleFont.setBold(true);
   lblTitle->setFont(titleFont);
-  auto* lblVersion =
-      Label("lblVersion", QStringLiteral("Version ") + QString::fromUtf8(kProgramVersion), this);
+  auto* lblVersion = Label("lblVersion", QStringLiteral("Version ") + services_.build.version, this);
+  auto* lblBuild = Label("lblBuild", services_.build.build, this);
+  lblBuild->setTextInteractionFlags(Qt::TextSelectableByMouse);
   auto* lblDescription = Label("lblDescription", ProgramDescription(), this);
   lblDescription->setWordWrap(true);
 
-  const QString mail = QString::fromUtf8(kSupportMail);
-  const QString web = QString::fromUtf8(kWebAddress);
-  auto* lnkMail = Link("lnkMail", mail, this);
-  auto* lnkWeb = Link("lnkWeb", web, this);
-  auto* lblMailCaption = Label("lblMailCaption", QStringLiteral("&E-post:"), this);
-  lblMailCaption->setBuddy(lnkMail);
-  auto* lblWebCaption = Label("lblWebCaption", QStringLiteral("&Webbplats:"), this);
-  lblWebCaption->setBuddy(lnkWeb);
-  connect(lnkMail, &QPushButton::clicked, this, [this, mail] { OpenLink(QStringLiteral("mailto:") + mail); });
-  connect(lnkWeb, &QPushButton::clicked, this, [this, web] { OpenLink(web); });
-
+  // Only the addresses the build was given.
+  QList<QWidget*> focusChain;
   auto* links = new QGridLayout;
-  links->addWidget(lblMailCaption, 0, 0);
-  links->addWidget(lnkMail, 0, 1, Qt::AlignLeft);
-  links->addWidget(lblWebCaption, 1, 0);
-  links->addWidget(lnkWeb, 1, 1, Qt::AlignLeft);
+  auto addLink = [&](const char* name, const char* captionName, const char* caption, const QString& text,
+                     const QString& target) {
+    if (text.isEmpty()) return;
+    auto* link = Link(name, text, this);
+    auto* label = Label(captionName, QString::fromUtf8(caption), this);
+    label->setBuddy(link);
+    connect(link, &QPushButton::clicked, this, [this, target] { OpenLink(target); });
+    const int row = links->rowCount();
+    links->addWidget(label, row, 0);
+    links->addWidget(link, row, 1, Qt::AlignLeft);
+    focusChain << link;
+  };
+  const QString mail = services_.build.supportMail;
+  const QString web = services_.build.webAddress;
+  addLink("lnkMail", "lblMailCaption", "&E-post:", mail, QStringLiteral("mailto:") + mail);
+  addLink("lnkWeb", "lblWebCaption", "&Webbplats:", web, web);
   links->setColumnStretch(1, 1);
 
   auto* texts = new QVBoxLayout;
   texts->addWidget(lblTitle);
   texts->addWidget(lblVersion);
+  texts->addWidget(lblBuild);
   texts->addWidget(lblDescription);
   texts->addSpacing(8);
   texts->addLayout(links);
@@ -125,13 +137,32 @@ AboutBox::AboutBox(AboutBoxServices services, QWidget* parent)
   }
   buttons->addStretch();
 
-  auto* layout = new QHBoxLayout(this);
-  layout->addLayout(top, 1);
-  layout->addLayout(buttons);
+  // The licences of what the program ships, to read and scroll through.
+  auto* txtLicences = new QPlainTextEdit(this);
+  txtLicences->setObjectName(QStringLiteral("txtLicences"));
+  const std::string_view licences = LicenceTexts();
+  txtLicences->setPlainText(QString::fromUtf8(licences.data(), static_cast<qsizetype>(licences.size())));
+  txtLicences->setReadOnly(true);
+  // Read with the keys as well as with the mouse, and copied from.
+  txtLicences->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  txtLicences->setLineWrapMode(QPlainTextEdit::NoWrap);
+  txtLicences->setMinimumSize(txtLicences->fontMetrics().horizontalAdvance(QLatin1Char('x')) * 84,
+                              txtLicences->fontMetrics().lineSpacing() * 12);
+  auto* lblLicences = Label("lblLicences", QStringLiteral("&Licenser:"), this);
+  lblLicences->setBuddy(txtLicences);
 
-  setTabOrder(cmdOK, lnkMail);
-  setTabOrder(lnkMail, lnkWeb);
-  if (cmdSysInfo) setTabOrder(lnkWeb, cmdSysInfo);
+  auto* upper = new QHBoxLayout;
+  upper->addLayout(top, 1);
+  upper->addLayout(buttons);
+  auto* layout = new QVBoxLayout(this);
+  layout->addLayout(upper);
+  layout->addWidget(lblLicences);
+  layout->addWidget(txtLicences, 1);
+
+  focusChain.prepend(cmdOK);
+  if (cmdSysInfo) focusChain << cmdSysInfo;
+  focusChain << txtLicences;
+  for (qsizetype i = 1; i < focusChain.size(); ++i) setTabOrder(focusChain[i - 1], focusChain[i]);
   cmdOK->setFocus();
 
   ColourByPrefix(*this, services_.themeColour, kColourOffset);

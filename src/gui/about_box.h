@@ -1,7 +1,8 @@
 #pragma once
-// frmAbout (command 601): the program's title, version and what it does, the support addresses as
-// links the desktop opens, and a button that starts the system's information tool where there is one.
-// It takes the theme's colours when it opens.
+// frmAbout (command 601): the program's title, version, build and what it does, the support addresses
+// as links the desktop opens (only those the build was given), the licences of what the program ships,
+// and a button that starts the system's information tool where there is one. It takes the theme's
+// colours when it opens.
 #include <QDialog>
 #include <QUrl>
 #include <cstdint>
@@ -11,10 +12,20 @@
 
 namespace sw::gui {
 
+// What the build tells of itself (src/gui/CMakeLists.txt).
+struct BuildFacts {
+  QString version;
+  QString build;        // the day it was configured and the commit it came from, as far as known
+  QString supportMail;  // empty: none offered
+  QString webAddress;   // empty: none offered
+};
+BuildFacts ThisBuild();
+
 struct AboutBoxServices {
   std::int32_t themeColour = 0x00FFFFFF;  // packed 0x00BBGGRR, as the window's theme gives it
   base::SystemInformationTool* systemInformation = nullptr;  // none: no button
   std::function<void(const QUrl&)> openUrl;                  // empty: the desktop's handler for the address
+  BuildFacts build = ThisBuild();
 };
 
 // The caption of command 601: "&Om " + the program's title + "...".

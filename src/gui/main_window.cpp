@@ -18,16 +18,19 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStatusBar>
+#include <QStyle>
 #include <QToolBar>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <cmath>
+#include <map>
 
 #include "base/out_of_memory.h"
 #include "base/upper_case.h"
 #include "base/windows_path.h"
 #include "gui/about_box.h"
 #include "gui/busy_state.h"
+#include "gui/dialog_placement.h"
 #include "gui/field_box.h"
 #include "gui/options_dialog.h"
 #include "gui/preview_grid.h"
@@ -35,6 +38,7 @@
 #include "gui/theme_look.h"
 #include "preview/preview_controls.h"
 #include "preview/preview_edits.h"
+#include "session/editing_messages.h"
 #include "session/themes.h"
 #include "session/toolbar_layout.h"
 #include "settings/window_placement.h"
@@ -115,7 +119,7 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
   // The load step: the session runs it in order and calls back for the window's own steps.
   Apply([this] {
     session_->Start([this] {
-      RestorePlacement();
+      const bool placed = RestorePlacement();
       // The grid gets its restored size now, so the column layout at the end of the load shares out
       // the width the user will see.
       layout()->activate();
@@ -126,6 +130,12 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
       if (!layout.isEmpty()) restoreState(layout, kToolbarLayoutVersion);
       Command(kCommandStandardToolbar)->setChecked(!bars_.standard()->isHidden());
       ShowTheme(theme_);
+      if (!placed) {
+        // Measured in the look it starts with, with its toolbars where they were left.
+        PlaceAtFirstStart();
+        this->layout()->activate();
+        centralWidget()->layout()->activate();
+      }
     });
   });
 }
@@ -384,19 +394,70 @@ double MainWindow::TwipsPerPixel() const {
   return 1440.0 / dpi;
 }
 
-void MainWindow::RestorePlacement() {
-  const QScreen* display = screen() ? screen() : QGuiApplication::primaryScreen();
-  const QRect area = display ? display->geometry() : QRect(0, 0, 1024, 768);
+void MainWindow::PlaceAtFirstStart() {
   const double twips = TwipsPerPixel();
+  const int least = static_cast<int>(std::lround(settings::kMainWindowDefaultSize / twips));
+  const QRect wanted(QPoint(0, 0), FirstStartSize().expandedTo(QSize(least, least)));
+  const QRect area = AvailableAreaFor(screen() ? screen()->geometry() : wanted);
+  QRect frame = FitInto(wanted, area, QSize(least, least));
+  frame.moveCenter(area.center());
+  frame = FitInto(frame, area, QSize(least, least));
+  move(frame.topLeft());
+  resize(frame.size());
+}
+
+bool MainWindow::RestorePlacement() {
+  const double twips = TwipsPerPixel();
+  auto pixels = [twips](float value) { return static_cast<int>(std::lround(value / twips)); };
+  const QSize least(pixels(settings::kMainWindowDefaultSize), pixels(settings::kMainWindowDefaultSize));
+  const std::string_view section = settings::kMainWindowName;
+  const bool placed = !services_.settings.GetAppSetting("Top", "", section).empty() ||
+                      !services_.settings.GetAppSetting("Left", "", section).empty();
+  if (!placed) return false;
+  const QScreen* display = screen() ? screen() : QGuiApplication::primaryScreen();
+  const QRect screenArea = display ? display->geometry() : QRect(0, 0, 1024, 768);
   const auto placement = settings::RestoreWindowPlacement(
       services_.settings, settings::kMainWindowName, settings::kMainWindowDefaultSize,
       settings::kMainWindowDefaultSize,
-      {static_cast<float>(area.width() * twips), static_cast<float>(area.height() * twips)});
-  auto pixels = [twips](float value) { return static_cast<int>(std::lround(value / twips)); };
-  move(pixels(placement.left), pixels(placement.top));
-  resize(pixels(placement.width), pixels(placement.height));
+      {static_cast<float>(screenArea.width() * twips), static_cast<float>(screenArea.height() * twips)});
+  // Kept on the screen it was on (or the primary one) as the screens are now: another layout or scale
+  // factor must not leave it beyond the edge.
+  const QRect restored(pixels(placement.left), pixels(placement.top), pixels(placement.width),
+                       pixels(placement.height));
+  const QRect frame = FitInto(restored, AvailableAreaFor(restored), least);
+  move(frame.topLeft());
+  resize(frame.size());
   if (placement.state == settings::WindowState::kMaximised) setWindowState(Qt::WindowMaximized);
   if (placement.state == settings::WindowState::kMinimised) setWindowState(Qt::WindowMinimized);
+  return true;
+}
+
+QSize MainWindow::FirstStartSize() {
+  constexpr int kRowsShown = 20;
+  // Laid out at a generous size first, so that nothing is squeezed when the rest is measured.
+  resize(4000, 4000);
+  layout()->activate();
+  centralWidget()->layout()->activate();
+  // The toolbars stand in rows; each row must hold its bars at their full length.
+  std::map<int, int> rowWidths;
+  for (QToolBar* bar : bars_.toolbars) {
+    const Qt::ToolBarArea area = toolBarArea(bar);
+    if (bar->isHidden() || bar->isFloating() || (area != Qt::TopToolBarArea && area != Qt::BottomToolBarArea))
+      continue;
+    const int spacing = bar->layout() ? bar->layout()->spacing() : 0;
+    rowWidths[(area == Qt::TopToolBarArea ? 0 : 100000) + bar->y()] += bar->sizeHint().width() + spacing + 4;
+  }
+  int width = centralWidget()->minimumSizeHint().width();
+  for (const auto& row : rowWidths) width = std::max(width, row.second);
+  width += 2 * style()->pixelMetric(QStyle::PM_DockWidgetSeparatorExtent, nullptr, this) + 8;
+  // The grid shows its heading and the rows with room for a horizontal scroll bar below them, and a
+  // row more for the spacing and borders this measure leaves out.
+  const int gridHeight = grid_->horizontalHeader()->sizeHint().height() +
+                         (kRowsShown + 1) * grid_->verticalHeader()->defaultSectionSize() +
+                         grid_->horizontalScrollBar()->sizeHint().height() + 2 * grid_->frameWidth();
+  // Everything else at its least height: the grid takes what the window gains.
+  const int height = minimumSizeHint().height() - grid_->minimumSizeHint().height() + gridHeight;
+  return {width, height};
 }
 
 void MainWindow::SavePlacement() {
@@ -621,11 +682,10 @@ void MainWindow::Generate() {
   QString status = QString::fromUtf8("Skapad: ") + Q(host);
   if (!result.BackupNotice().empty()) status += QStringLiteral("   ") + Q(result.BackupNotice());
   statusBar()->showMessage(status);
-  if (services_.openWorkbook) {
-    services_.openWorkbook(host);
-  } else {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(Q(host)));
-  }
+  const bool opened = services_.openWorkbook ? services_.openWorkbook(host)
+                                             : QDesktopServices::openUrl(QUrl::fromLocalFile(Q(host)));
+  // Told as the editing commands tell it: the workbook is written, only nothing shows it.
+  if (!opened) session::TellNothingStarted(services_.dialogs, host);
 }
 
 }  // namespace sw::gui

@@ -50,8 +50,9 @@ struct MainWindowServices {
   const settings::StartLog* startLog = nullptr;  // start-up trace, when switched on
   std::string programFolder;                     // the dialogs' folder until one is remembered
   generate::ApplicationFactory createExcel;      // empty: the workbook engine of this platform
-  // Opens the workbook a generation leaves showing (host path); empty: the desktop's default application.
-  std::function<void(const std::string&)> openWorkbook;
+  // Opens the workbook a generation leaves showing (host path), false when no program could be started;
+  // empty: the desktop's default application.
+  std::function<bool(const std::string&)> openWorkbook;
   // Writes "Init.reg" into the settings when the standard look is restored; none: this platform's way.
   session::DefaultsMerger* defaultsMerger = nullptr;
 };
@@ -95,7 +96,12 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   void ShowCommands();
   void ToggleStandardToolbar();
   void ResetAppearance();
-  void RestorePlacement();
+  // The remembered placement, kept on the screens there are; false when none is remembered.
+  bool RestorePlacement();
+  // Without a remembered placement: a size at which every toolbar button and twenty rows of the grid
+  // show, centred on the screen.
+  void PlaceAtFirstStart();
+  QSize FirstStartSize();
   void SavePlacement();
   // Runs one session operation with the grid detached from the table, then shows the result.
   void Apply(const std::function<void()>& operation);

@@ -1,6 +1,8 @@
 #include "gui/qt_dialogs.h"
 
+#include <QApplication>
 #include <QFileDialog>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QStringList>
 
@@ -74,6 +76,17 @@ QString MessageText(const std::string& text) {
   return result;
 }
 
+// The window the dialogs belong to: the one set, else the program's main window (which shows the
+// messages of its own start before it is set), so that they open over it rather than anywhere.
+QWidget* OwnerOr(QWidget* owner) {
+  if (owner) return owner;
+  if (QWidget* active = QApplication::activeWindow()) return active;
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (qobject_cast<QMainWindow*>(widget)) return widget;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 QString QtNameFilter(const std::vector<base::FileFilter>& filters) {
@@ -87,13 +100,13 @@ QString QtNameFilter(const std::vector<base::FileFilter>& filters) {
 
 base::MessageAnswer QtDialogs::ShowMessage(const base::Message& message) {
   QMessageBox box(IconOf(message.icon), FromUtf8(base::EffectiveTitle(message)), MessageText(message.text),
-                  ButtonsOf(message.buttons), owner_);
+                  ButtonsOf(message.buttons), OwnerOr(owner_));
   return AnswerOf(box.exec());
 }
 
 std::optional<std::string> QtDialogs::ShowFileDialog(const base::FileDialogRequest& request) {
   const auto folder = base::ResolveWindowsPath(request.initialFolder);
-  QFileDialog dialog(owner_, FromUtf8(request.title), QString::fromStdString(folder.string()),
+  QFileDialog dialog(OwnerOr(owner_), FromUtf8(request.title), QString::fromStdString(folder.string()),
                      QtNameFilter(request.filters));
   if (request.kind == base::FileDialogRequest::Kind::kSave) {
     dialog.setAcceptMode(QFileDialog::AcceptSave);

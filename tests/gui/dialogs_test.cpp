@@ -6,8 +6,12 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
@@ -17,6 +21,7 @@
 #include "gui/about_box.h"
 #include "gui/control_colouring.h"
 #include "gui/options_dialog.h"
+#include "gui/qt_dialogs.h"
 #include "gui/qt_translations.h"
 #include "gui/warning_dialog.h"
 #include "memory_settings.h"
@@ -97,6 +102,9 @@ class DialogsTest : public QObject {
   void reportBoxActsAtOnceAndCancelKeepsIt();
   void okStoresTheFourInOrderAndRedrawsTheMarks();
   void optionsPlacementComesBackAtLeastTheDefaultSize();
+  void optionsOpenCentredOverTheWindow();
+  void optionsPlacementIsKeptOnTheScreen();
+  void messagesOpenOverTheWindowBeingStarted();
   void warningNoMoreAndCancelStopsTheRunAndSwitchesItOff();
   void warningOkGoesOn();
   void colouringFollowsTheNamePrefixes();
@@ -104,6 +112,8 @@ class DialogsTest : public QObject {
   void aboutBoxShowsTheProgramAndIsColoured();
   void aboutBoxLinksAndToolWorkFromTheKeyboard();
   void aboutBoxHasNoToolButtonWhereThereIsNoTool();
+  void aboutBoxOffersOnlyTheAddressesTheBuildWasGiven();
+  void aboutBoxShowsTheBuildAndTheLicences();
   void qtsOwnButtonsSpeakSwedish();
 };
 
@@ -222,6 +232,54 @@ void DialogsTest::optionsPlacementComesBackAtLeastTheDefaultSize() {
   QCOMPARE(dialog.width(), qRound(6930 / twips));
   QVERIFY(dialog.height() >= qRound(3900 / twips));
   QVERIFY(dialog.height() < 99999999 / twips);
+}
+
+void DialogsTest::optionsOpenCentredOverTheWindow() {
+  StartedWindow started;
+  auto* window = started.window.get();
+  window->move(60, 40);
+  QPoint offCentre;
+  WhenModal([&offCentre, window](QDialog* dialog) {
+    offCentre = dialog->frameGeometry().center() - window->frameGeometry().center();
+    dialog->reject();
+  });
+  window->Command(sw::gui::kCommandOptions)->trigger();
+  QVERIFY2(std::abs(offCentre.x()) <= 16 && std::abs(offCentre.y()) <= 16,
+           qPrintable(QStringLiteral("%1,%2").arg(offCentre.x()).arg(offCentre.y())));
+}
+
+void DialogsTest::optionsPlacementIsKeptOnTheScreen() {
+  StartedWindow started;
+  // Remembered on a larger screen: beyond this one's right and lower edges.
+  started.install.settings.SaveAppSetting("Top", "30000", "frmOptions");
+  started.install.settings.SaveAppSetting("Left", "30000", "frmOptions");
+  sw::gui::OptionsDialog dialog(started.window->Session(), started.settings, started.window.get());
+  const QRect area = dialog.screen()->availableGeometry();
+  QVERIFY(area.contains(QRect(dialog.pos(), dialog.size())));
+  const double twips = 1440.0 / dialog.logicalDpiX();
+  QCOMPARE(dialog.width(), qRound(6930 / twips));
+}
+
+void DialogsTest::messagesOpenOverTheWindowBeingStarted() {
+  // The main window during its start: placed, not shown yet, and not yet the dialogs' owner.
+  QMainWindow window;
+  window.move(420, 330);
+  window.resize(300, 200);
+  sw::gui::QtDialogs dialogs;
+  QPoint offCentre;
+  QString text;
+  WhenModal([&](QDialog* box) {
+    offCentre = box->frameGeometry().center() - window.geometry().center();
+    text = Child<QLabel>(box, "qt_msgbox_label")->text();
+    box->reject();
+  });
+  dialogs.ShowMessage({.text = "Det gick inte",
+                       .title = "Fel",
+                       .icon = sw::base::MessageIcon::kExclamation,
+                       .buttons = sw::base::MessageButtons::kOk});
+  QCOMPARE(text, QStringLiteral("Det gick inte"));
+  QVERIFY2(std::abs(offCentre.x()) <= 16 && std::abs(offCentre.y()) <= 40,
+           qPrintable(QStringLiteral("%1,%2").arg(offCentre.x()).arg(offCentre.y())));
 }
 
 void DialogsTest::warningNoMoreAndCancelStopsTheRunAndSwitchesItOff() {
@@ -358,7 +416,11 @@ void DialogsTest::aboutBoxLinksAndToolWorkFromTheKeyboard() {
   QList<QUrl> opened;
   sw::gui::AboutBox box({.themeColour = 0x00FFFFFF,
                          .systemInformation = &tool,
-                         .openUrl = [&opened](const QUrl& url) { opened << url; }});
+                         .openUrl = [&opened](const QUrl& url) { opened << url; },
+                         .build = {.version = QStringLiteral("1.2.3"),
+                                   .build = QStringLiteral("Bygge 2026-01-02"),
+                                   .supportMail = QStringLiteral("support@firma.se"),
+                                   .webAddress = QStringLiteral("https://www.firma.se")}});
   box.show();
   QVERIFY(QTest::qWaitForWindowActive(&box));
   QCOMPARE(box.focusWidget()->objectName(), QStringLiteral("cmdOK"));
@@ -378,8 +440,8 @@ void DialogsTest::aboutBoxLinksAndToolWorkFromTheKeyboard() {
   QTest::keyClick(box.focusWidget(), Qt::Key_Space);
   QCOMPARE(Child<QLabel>(&box, "lblMailCaption")->buddy()->objectName(), QStringLiteral("lnkMail"));
   QCOMPARE(Child<QLabel>(&box, "lblWebCaption")->buddy()->objectName(), QStringLiteral("lnkWeb"));
-  QCOMPARE(opened, (QList<QUrl>{QUrl(QStringLiteral("mailto:" SW_SUPPORT_MAIL)),
-                                QUrl(QStringLiteral(SW_WEB_ADDRESS))}));
+  QCOMPARE(opened, (QList<QUrl>{QUrl(QStringLiteral("mailto:support@firma.se")),
+                                QUrl(QStringLiteral("https://www.firma.se"))}));
 
   QTest::keyClick(&box, Qt::Key_Escape);
   QVERIFY(!box.isVisible());
@@ -393,14 +455,75 @@ void DialogsTest::aboutBoxHasNoToolButtonWhereThereIsNoTool() {
   QVERIFY(!withoutTool.findChild<QPushButton*>(QStringLiteral("cmdSysInfo")));
 }
 
+void DialogsTest::aboutBoxOffersOnlyTheAddressesTheBuildWasGiven() {
+  // A build given no addresses (as this one is, unless configured with them) offers none.
+  QCOMPARE(sw::gui::ThisBuild().supportMail, QStringLiteral(SW_SUPPORT_MAIL));
+  QCOMPARE(sw::gui::ThisBuild().webAddress, QStringLiteral(SW_WEB_ADDRESS));
+  sw::gui::BuildFacts none = sw::gui::ThisBuild();
+  none.supportMail.clear();
+  none.webAddress.clear();
+  sw::gui::AboutBox box(
+      {.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}, .build = none});
+  for (const char* name : {"lnkMail", "lnkWeb"})
+    QVERIFY(!box.findChild<QPushButton*>(QString::fromUtf8(name)));
+  for (const char* name : {"lblMailCaption", "lblWebCaption"})
+    QVERIFY(!box.findChild<QLabel*>(QString::fromUtf8(name)));
+  for (const QLabel* label : box.findChildren<QLabel*>())
+    QVERIFY2(!label->text().contains(QStringLiteral("example")), qPrintable(label->text()));
+  if (QStringLiteral(SW_SUPPORT_MAIL).isEmpty() && QStringLiteral(SW_WEB_ADDRESS).isEmpty()) {
+    sw::gui::AboutBox standard({.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}});
+    QVERIFY(!standard.findChild<QPushButton*>(QStringLiteral("lnkMail")));
+    QVERIFY(!standard.findChild<QPushButton*>(QStringLiteral("lnkWeb")));
+  }
+
+  // Given only a web address: that one alone.
+  sw::gui::BuildFacts web = none;
+  web.webAddress = QStringLiteral("https://www.firma.se");
+  sw::gui::AboutBox withWeb(
+      {.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}, .build = web});
+  QVERIFY(!withWeb.findChild<QPushButton*>(QStringLiteral("lnkMail")));
+  QCOMPARE(Child<QPushButton>(&withWeb, "lnkWeb")->text(), QStringLiteral("https://www.firma.se"));
+  QCOMPARE(Child<QLabel>(&withWeb, "lblWebCaption")->text(), QStringLiteral("&Webbplats:"));
+}
+
+void DialogsTest::aboutBoxShowsTheBuildAndTheLicences() {
+  sw::gui::AboutBox box({.themeColour = 0x00FFFFFF, .systemInformation = nullptr, .openUrl = {}});
+  // The build: the day it was configured, and the commit where the sources were checked out.
+  const QString build = Child<QLabel>(&box, "lblBuild")->text();
+  QVERIFY2(QRegularExpression(QStringLiteral("^Bygge \\d{4}-\\d{2}-\\d{2}( \\([0-9a-f]+\\))?$"))
+               .match(build)
+               .hasMatch(),
+           qPrintable(build));
+
+  // The licences of what ships with the program, in a box to scroll through.
+  box.show();
+  QVERIFY(QTest::qWaitForWindowExposed(&box));
+  auto* licences = Child<QPlainTextEdit>(&box, "txtLicences");
+  QVERIFY(licences->isReadOnly());
+  QCOMPARE(Child<QLabel>(&box, "lblLicences")->buddy(), licences);
+  const QString text = licences->toPlainText();
+  for (const char* shipped : {"Qt 6", "GNU Lesser General Public License version 3", "shared libraries",
+                              "== libzip ==", "== pugixml ==", "== CLI11 ==", "== zlib ==",
+                              "GNU LESSER GENERAL PUBLIC LICENSE", "GNU GENERAL PUBLIC LICENSE"})
+    QVERIFY2(text.contains(QString::fromUtf8(shipped)), shipped);
+  QVERIFY(licences->verticalScrollBar()->maximum() > 0);
+  licences->setFocus(Qt::TabFocusReason);
+  QTest::keyClick(licences, Qt::Key_End, Qt::ControlModifier);
+  // Ctrl+End reaches the end of the texts and scrolls there.
+  QVERIFY(licences->textCursor().atEnd());
+  QVERIFY(licences->verticalScrollBar()->value() >= licences->verticalScrollBar()->maximum() - 1);
+}
+
 void DialogsTest::qtsOwnButtonsSpeakSwedish() {
   // The installed program's folder comes first; a folder without the catalog is passed over.
   const QStringList folders = sw::gui::QtTranslationFolders(QStringLiteral("C:/Program Files/Sheetwright"));
-  QCOMPARE(folders.first(), QDir(QStringLiteral("C:/Program Files/Sheetwright")).filePath(QStringLiteral("translations")));
-  QVERIFY(!sw::gui::InstallQtSwedishTranslation(*QCoreApplication::instance(), {QDir::tempPath() + "/no-such"}));
+  QCOMPARE(folders.first(),
+           QDir(QStringLiteral("C:/Program Files/Sheetwright")).filePath(QStringLiteral("translations")));
+  QVERIFY(
+      !sw::gui::InstallQtSwedishTranslation(*QCoreApplication::instance(), {QDir::tempPath() + "/no-such"}));
 
-  QVERIFY(sw::gui::InstallQtSwedishTranslation(*QCoreApplication::instance(),
-                                               {QDir::tempPath() + "/no-such", QStringLiteral(SW_QT_TRANSLATIONS)}));
+  QVERIFY(sw::gui::InstallQtSwedishTranslation(
+      *QCoreApplication::instance(), {QDir::tempPath() + "/no-such", QStringLiteral(SW_QT_TRANSLATIONS)}));
   QMessageBox box(QMessageBox::Question, QStringLiteral("Sheetwright"), QStringLiteral("Skriva över?"),
                   QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
   QCOMPARE(box.button(QMessageBox::Yes)->text(), QStringLiteral("&Ja"));

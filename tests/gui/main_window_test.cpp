@@ -11,9 +11,11 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QProgressBar>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTest>
 #include <QTimer>
+#include <QToolBar>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -115,6 +117,8 @@ class MainWindowTest : public QObject {
 
  private slots:
   void startUpShowsTheLastDumpAndCloseSavesInOrder();
+  void firstStartShowsEveryButtonAndTwentyRowsCentred();
+  void rememberedPlacementIsKeptOnTheScreen();
   void gridShowsColoursPicturesAndHeadings();
   void popupEntriesFollowTheRowUnderThePointer();
   void popupEditsThePreview();
@@ -122,6 +126,7 @@ class MainWindowTest : public QObject {
   void sheetNumberAndFieldBoxesFilterAndCommit();
   void sheetNumberBoxTakesOnlyWhatItsFilterPasses();
   void generateWritesTheWorkbookAndShowsIt();
+  void generatedWorkbookThatNoProgramOpensIsTold();
   void dumpWrittenAsAWorkbookShowsTheHourglassAndProgress();
   void viewSwitchDisablesGenerateForAnIniToEdit();
   void modelKeepsItsInvariants();
@@ -178,6 +183,71 @@ void MainWindowTest::startUpShowsTheLastDumpAndCloseSavesInOrder() {
   // The saved size is never below the 5500-twip minimum.
   const auto width = started.install.settings.GetAppSetting("Width", "", "frmMain");
   QVERIFY(std::stof(width) >= 5500.0f);
+}
+
+void MainWindowTest::firstStartShowsEveryButtonAndTwentyRowsCentred() {
+  StartedWindow started;
+  started.window.reset();  // not closed: nothing of it is remembered
+  QVERIFY(started.install.settings.GetAppSetting("Top", "", "frmMain").empty());
+  started.startSize = QSize();
+  started.Reopen();
+  auto* window = started.window.get();
+
+  // Every toolbar button is on its toolbar, none in an overflow menu.
+  QStringList shown;
+  for (QToolBar* bar : window->findChildren<QToolBar*>()) {
+    for (QAction* action : bar->actions()) {
+      QWidget* button = bar->widgetForAction(action);
+      if (!button || !action->isVisible()) continue;
+      QVERIFY2(button->isVisible() && bar->rect().contains(button->geometry()),
+               qPrintable(action->text() + QStringLiteral(" is not shown")));
+      shown << action->text();
+    }
+  }
+  QVERIFY(shown.contains(QStringLiteral("&Nästa")));
+  QVERIFY(shown.contains(window->Command(sw::gui::kCommandGenerate)->text()));
+  // Twenty rows of the grid show.
+  auto* grid = started.Grid();
+  QVERIFY2(grid->viewport()->height() >= 20 * grid->verticalHeader()->defaultSectionSize(),
+           qPrintable(QString::number(grid->viewport()->height())));
+  // Centred on the screen, and never below the minimum of 5500 twips.
+  const QRect area = window->screen()->availableGeometry();
+  const QRect frame = window->frameGeometry();
+  QVERIFY2(area.contains(frame), qPrintable(QStringLiteral("%1,%2 %3x%4")
+                                                .arg(frame.x())
+                                                .arg(frame.y())
+                                                .arg(frame.width())
+                                                .arg(frame.height())));
+  const QPoint offCentre = window->frameGeometry().center() - area.center();
+  QVERIFY2(std::abs(offCentre.x()) <= 16 && std::abs(offCentre.y()) <= 16,
+           qPrintable(QStringLiteral("%1,%2").arg(offCentre.x()).arg(offCentre.y())));
+  const double twips = 1440.0 / window->logicalDpiX();
+  QVERIFY(window->width() >= qRound(5500 / twips) && window->height() >= qRound(5500 / twips));
+}
+
+void MainWindowTest::rememberedPlacementIsKeptOnTheScreen() {
+  // Remembered on a wider screen (or at another scale factor): 1200 pixels from the left, 1500 wide.
+  StartedWindow started([](sw::testing::FakeInstallation& install) {
+    install.settings.SaveAppSetting("Top", "3000", "frmMain");
+    install.settings.SaveAppSetting("Left", "18000", "frmMain");
+    install.settings.SaveAppSetting("Width", "22500", "frmMain");
+    install.settings.SaveAppSetting("Height", "12000", "frmMain");
+  });
+  started.window.reset();
+  started.startSize = QSize();
+  started.Reopen();
+  auto* window = started.window.get();
+  const QRect area = window->screen()->availableGeometry();
+  QCOMPARE(area.size(), QSize(1600, 1000));
+  // Wholly on the screen, as large as was remembered where that fits.
+  QVERIFY2(area.adjusted(0, 0, 16, 16).contains(window->frameGeometry()),
+           qPrintable(QStringLiteral("%1,%2 %3x%4")
+                          .arg(window->frameGeometry().x())
+                          .arg(window->frameGeometry().y())
+                          .arg(window->frameGeometry().width())
+                          .arg(window->frameGeometry().height())));
+  QCOMPARE(window->width(), 1500);
+  QCOMPARE(window->height(), 800);
 }
 
 void MainWindowTest::gridShowsColoursPicturesAndHeadings() {
@@ -400,6 +470,25 @@ void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
   QCOMPARE(started.opened, (List{shown}));
   QVERIFY(started.window->statusBar()->currentMessage().contains(QString::fromStdString(shown)));
   QCOMPARE(started.install.settings.GetAppSetting("ResultPath", ""), std::string("C:\\Ut\\"));
+}
+
+void MainWindowTest::generatedWorkbookThatNoProgramOpensIsTold() {
+  StartedWindow started(WithExampleTemplate);
+  started.workbookOpens = false;
+  auto& dialogs = started.install.dialogs;
+  dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
+  started.window->Command(sw::gui::kCommandGenerate)->trigger();
+
+  // The workbook is written and named in the status bar; the user is told that nothing shows it.
+  const std::string shown =
+      std::filesystem::path(started.install.Host("Ut/Panel.xlsx")).make_preferred().string();
+  QVERIFY(std::filesystem::file_size(shown) > 0);
+  QCOMPARE(started.opened, (List{shown}));
+  QVERIFY(started.window->statusBar()->currentMessage().contains(QString::fromStdString(shown)));
+  QCOMPARE(dialogs.messages.size(), std::size_t{1});
+  QCOMPARE(dialogs.messages[0].text, "Det gick inte att starta något program som kan öppna\r" + shown);
+  QCOMPARE(dialogs.messages[0].title, std::string("Fel"));
+  QCOMPARE(dialogs.messages[0].icon, sw::base::MessageIcon::kExclamation);
 }
 
 void MainWindowTest::dumpWrittenAsAWorkbookShowsTheHourglassAndProgress() {

@@ -1,6 +1,7 @@
 #pragma once
 // The main window started over a fake CAD installation, with scripted dialogs, a start log in the
 // installation's folder and the settings recorded in the order they are saved.
+#include <QSize>
 #include <memory>
 #include <string>
 #include <vector>
@@ -66,6 +67,9 @@ struct StartedWindow {
   // "Init.reg" read by the program itself on every platform, so the reset is seen in `settings`.
   session::SettingsDefaultsMerger defaults{settings};
   std::vector<std::string> opened;  // workbooks handed to the desktop
+  bool workbookOpens = true;        // false: no desktop program starts for them
+  // The size the window gets once started; empty: the one it chose itself.
+  QSize startSize{900, 600};
   std::unique_ptr<gui::MainWindow> window;
 };
 
