@@ -31,7 +31,7 @@ struct BenchWindow {
                 .startLog = nullptr,
                 .programFolder = {},
                 .createExcel = {},
-                .openWorkbook = [](const std::string&) {}}) {
+                .openWorkbook = [](const std::string&) { return true; }}) {
     window.resize(1200, 800);
     window.show();
     QApplication::processEvents();
