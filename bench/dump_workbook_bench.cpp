@@ -17,6 +17,7 @@
 
 #include "base/process_launcher.h"
 #include "bench_support.h"
+#include "example_generation.h"
 #include "excel/application_factory.h"
 #include "generate/generate_workbook.h"
 #include "report/preview_loader.h"
@@ -108,27 +109,8 @@ void BM_GenerateSameCells(benchmark::State& state) {
   const std::string folder = (Space().folder() / "mall").string();
   int pages = 0;
   for (auto _ : state) {
-    sw::bench::SilentDialogs dialogs;
-    dialogs.target = (Space().folder() / "generated.xlsx").string();
-    sw::bench::DefaultSettings settings;
-    NoLauncher launcher;
-    sw::report::ReportTable table;
-    sw::templates::TemplateDefinition definition;
-    sw::templates::FieldPanel fields;
-    sw::templates::FindIniForTemplate(folder, "yttre_forbindningstabell.xlsx", definition, fields, table,
-                                      dialogs);
-    sw::report::PreviewVoltDump(
-        table, sw::report::PreviewContext{.dumpPath = dump, .settings = settings, .dialogs = dialogs});
-    sw::generate::MessageSingleSheetWarning warning(dialogs);
-    sw::generate::GenerationServices services{settings, dialogs, warning, launcher, {}, {}, {}, {}};
-    std::vector<std::string> texts;
-    for (const auto& entry : fields.entries) texts.push_back(entry.text);
-    sw::generate::GenerationInputs inputs{
-        table, "1", folder, "yttre_forbindningstabell.xlsx", dump, folder, std::move(texts), false, {}};
-    sw::generate::GenerationState generation;
-    const auto outcome = sw::generate::GenerateWorkbook(inputs, definition, generation, services);
-    if (!outcome.completed || dialogs.messages != 0) state.SkipWithError("the generation ended on a message");
-    pages = generation.sheetNumber;
+    pages = sw::bench::GenerateExample(folder, dump, (Space().folder() / "generated.xlsx").string());
+    if (pages < 0) state.SkipWithError("the generation ended on a message");
   }
   state.counters["rows"] = rows;
   state.counters["pages"] = pages;

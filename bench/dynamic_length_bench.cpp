@@ -15,6 +15,8 @@
 
 #include "excel/application_factory.h"
 
+#include "example_generation.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -24,15 +26,7 @@ constexpr int kStartRow = 10;
 constexpr int kPageRows = 30;
 constexpr int kColumns = 7;
 
-fs::path TemplatePath() {
-  for (const fs::path candidate :
-       {"tests/data/templates/title_block.xlsx", "../tests/data/templates/title_block.xlsx",
-        "../../tests/data/templates/title_block.xlsx"}) {
-    if (fs::exists(candidate)) return candidate;
-  }
-  const char* data = std::getenv("SW_TEST_DATA");
-  return fs::path(data ? data : "tests/data") / "templates/title_block.xlsx";
-}
+fs::path TemplatePath() { return sw::bench::TitleBlockTemplate(); }
 
 fs::path TargetPath(const char* mode) {
   return fs::temp_directory_path() /

@@ -15,6 +15,8 @@
 
 #include "excel/application_factory.h"
 
+#include "example_generation.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -22,15 +24,7 @@ namespace fs = std::filesystem;
 constexpr int kPages = 330;
 constexpr int kDataCells = 61000;
 
-fs::path TemplatePath() {
-  for (const fs::path candidate :
-       {"tests/data/templates/title_block.xlsx", "../tests/data/templates/title_block.xlsx",
-        "../../tests/data/templates/title_block.xlsx"}) {
-    if (fs::exists(candidate)) return candidate;
-  }
-  const char* data = std::getenv("SW_TEST_DATA");
-  return fs::path(data ? data : "tests/data") / "templates/title_block.xlsx";
-}
+fs::path TemplatePath() { return sw::bench::TitleBlockTemplate(); }
 
 void GeneratePages(const fs::path& target) {
   using namespace sw::excel;
