@@ -173,6 +173,7 @@ void Session::RefillTemplates() {
 void Session::PairTemplate() {
   templates::FindIniForTemplate(templateListFolder_, rdsFile_.text, definition_, fields_, table_,
                                 services_.dialogs);
+  ForgetEdits();
   Notify(Change::kFields | Change::kTable);
 }
 
@@ -187,7 +188,10 @@ report::PreviewResult Session::PreviewVoltDump() {
                                        .reloadTemplateLayout = [this] { layout_.ReloadLayout(); },
                                        .showPageBreaks = [this] { layout_.ShowPageBreaks(table_); }};
   const auto result = report::PreviewVoltDump(table_, context);
-  if (result != report::PreviewResult::kSkipped) Notify(Change::kTable | Change::kMarks);
+  if (result != report::PreviewResult::kSkipped) {
+    ForgetEdits();
+    Notify(Change::kTable | Change::kMarks);
+  }
   return result;
 }
 
@@ -294,12 +298,49 @@ void Session::RemoveManualBreak(int row) {
 
 void Session::RunPreviewAction(int row, preview::PreviewAction action) {
   if (action == preview::PreviewAction::kNone) return;
+  // Every edit adds or removes rows; one that does not has changed nothing worth a step.
+  EditedState before = CurrentEdits();
+  history_.CloseFieldStep();
   bool marksDrawn = false;
   preview::RunPreviewAction(table_, row, action, [this, &marksDrawn] {
     layout_.ShowPageBreaks(table_);
     marksDrawn = true;
   });
-  Notify(marksDrawn ? Change::kTable | Change::kMarks : Changes(Change::kTable));
+  if (table_.Rows() != before.table.Rows()) history_.Record(std::move(before));
+  Notify((marksDrawn ? Change::kTable | Change::kMarks : Changes(Change::kTable)) | Change::kCommands);
+}
+
+void Session::DeletePlacementAt(int row) {
+  if (preview::DoubleClickAction(table_, row) != preview::PreviewAction::kDeletePlacement) return;
+  RunPreviewAction(row, preview::PreviewAction::kDeletePlacement);
+}
+
+EditedState Session::CurrentEdits() const {
+  EditedState state{.table = table_, .texts = {}};
+  for (std::size_t i = 0; i < state.texts.size(); ++i) state.texts[i] = fields_.entries[i].text;
+  return state;
+}
+
+void Session::ShowEdits(EditedState&& state) {
+  table_ = std::move(state.table);
+  for (std::size_t i = 0; i < state.texts.size(); ++i) fields_.entries[i].text = std::move(state.texts[i]);
+  Notify(Change::kTable | Change::kMarks | Change::kFields | Change::kCommands);
+}
+
+void Session::Undo() {
+  EditedState current = CurrentEdits();
+  if (history_.Undo(current)) ShowEdits(std::move(current));
+}
+
+void Session::Redo() {
+  EditedState current = CurrentEdits();
+  if (history_.Redo(current)) ShowEdits(std::move(current));
+}
+
+void Session::ForgetEdits() {
+  const bool had = history_.CanUndo() || history_.CanRedo();
+  history_.Clear();
+  if (had) Notify(Change::kCommands);
 }
 
 bool Session::FixExport(bool force) {
@@ -315,7 +356,10 @@ bool Session::FixExport(bool force) {
         templateListFolder_ = rdsDir_.text;
         PairTemplate();
       });
-  if (fixed) Notify(Change::kTable | Change::kPickers);
+  if (fixed) {
+    ForgetEdits();
+    Notify(Change::kTable | Change::kPickers);
+  }
   return fixed;
 }
 
@@ -344,28 +388,49 @@ bool Session::CheckTemplate(std::string_view workbookPath,
 
 void Session::ShowPageBreaks() {
   layout_.SetTemplate(rdsDir_.text, rdsFile_.text);
-  if (layout_.ShowPageBreaks(table_)) Notify(Change::kMarks);
+  if (layout_.ShowPageBreaks(table_)) {
+    ForgetEdits();
+    Notify(Change::kMarks);
+  }
 }
 
 void Session::SetFieldText(int index, std::string text) {
   if (index < 0 || index >= templates::kFieldCount) return;
-  fields_.entries[static_cast<std::size_t>(index)].text = std::move(text);
-  Notify(Change::kFields);
+  auto& entry = fields_.entries[static_cast<std::size_t>(index)];
+  if (entry.text == text) return;
+  // The first change since the box was entered makes the step; the rest of the typing joins it.
+  if (history_.OpenField() != index) {
+    history_.Record(CurrentEdits());
+    history_.OpenFieldStep(index);
+  }
+  entry.text = std::move(text);
+  Notify(Change::kFields | Change::kCommands);
 }
 
 void Session::CommitFieldText(int index) {
   if (index < 0 || index >= templates::kFieldCount) return;
   auto& entry = fields_.entries[static_cast<std::size_t>(index)];
   const std::string committed = preview::FieldTextOnCommit(entry.text, services_.today);
+  const bool typing = history_.OpenField() == index;
+  history_.CloseFieldStep();
   if (committed == entry.text) return;
+  if (!typing) history_.Record(CurrentEdits());
   entry.text = committed;
-  Notify(Change::kFields);
+  Notify(Change::kFields | Change::kCommands);
 }
 
 int Session::PressEnterInField(int index) {
   if (index < 0 || index >= templates::kFieldCount) return 0;
+  const std::string before = fields_.entries[static_cast<std::size_t>(index)].text;
+  const bool typing = history_.OpenField() == index;
+  history_.CloseFieldStep();
   const int next = preview::PressEnterInField(fields_, index, services_.today);
-  Notify(Change::kFields);
+  if (!typing && fields_.entries[static_cast<std::size_t>(index)].text != before) {
+    EditedState previous = CurrentEdits();
+    previous.texts[static_cast<std::size_t>(index)] = before;
+    history_.Record(std::move(previous));
+  }
+  Notify(Change::kFields | Change::kCommands);
   return next;
 }
 
@@ -395,6 +460,7 @@ void Session::SetIncludeEmptyRows(bool on) {
     PreviewVoltDump();
   } else {
     report::CleanupEmptyRows(table_);
+    ForgetEdits();
     Notify(Change::kTable);
   }
 }
@@ -407,6 +473,7 @@ void Session::SetUseSlashTwo(bool on) {
     PreviewVoltDump();
   } else {
     report::CleanupSlashTwo(table_);
+    ForgetEdits();
     Notify(Change::kTable);
   }
 }

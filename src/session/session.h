@@ -28,6 +28,7 @@
 #include "report/dump_reader.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
+#include "session/edit_history.h"
 #include "session/external_editor.h"
 #include "session/options.h"
 #include "session/session_observer.h"
@@ -164,6 +165,18 @@ class Session {
   void InsertManualBreak(int row);
   void RemoveManualBreak(int row);
   void RunPreviewAction(int row, preview::PreviewAction action);
+  // The Delete key on the grid: deletes the placement whose head is `row`, as the popup's "Radera
+  // placering" does; nothing on any other row.
+  void DeletePlacementAt(int row);
+
+  // --- Undo and redo of the preview edits (placements deleted, manual breaks inserted or removed,
+  // title-block texts) since the dump was loaded. Loading a dump, pairing a template, the report
+  // clean-ups, the export repair and a redraw of the marks start a new history: the steps would no
+  // longer fit the table.
+  bool CanUndo() const { return history_.CanUndo(); }
+  bool CanRedo() const { return history_.CanRedo(); }
+  void Undo();
+  void Redo();
   // The export-file repair of the outer connection table; offered without `force` only for that report.
   bool FixExport(bool force);
   // The page-break marks drawn again (command 308 after the repair, the options dialog's OK).
@@ -230,6 +243,10 @@ class Session {
   // The template path the editing commands use, or nothing (after telling the user) without a template.
   std::optional<std::string> ChosenTemplateForEditing();
   ExternalEditor& Editor();
+  EditedState CurrentEdits() const;
+  void ShowEdits(EditedState&& state);
+  // Starts a new history, telling the window when there was one.
+  void ForgetEdits();
 
   SessionServices services_;
   std::unique_ptr<ExternalEditor> platformEditor_;
@@ -252,6 +269,7 @@ class Session {
   templates::TemplateDefinition definition_;
   report::ReportTable table_;
   preview::PreviewPageLayout layout_;
+  EditHistory history_;
 };
 
 }  // namespace sw::session
