@@ -26,6 +26,12 @@ QAction* MakeCommand(QMainWindow& window, const CommandDispatcher& dispatcher, i
   if (!text.toolTip.empty()) action->setToolTip(Q(text.toolTip));
   if (!text.description.empty()) action->setStatusTip(Q(text.description));
   action->setCheckable(text.checkable);
+  if (!text.shortcut.empty()) {
+    action->setShortcut(QKeySequence(Q(text.shortcut), QKeySequence::PortableText));
+    // The key works wherever the command's button or entry is, a hidden toolbar's included.
+    action->setShortcutContext(Qt::WindowShortcut);
+    window.addAction(action);
+  }
   QObject::connect(action, &QAction::triggered, &window, [&dispatcher, id] { dispatcher.Dispatch(id); });
   return action;
 }
@@ -53,6 +59,8 @@ void TakeKey(QMainWindow& window, const CommandDispatcher& dispatcher, int id, Q
 CommandBars BuildCommandBars(QMainWindow& window, const CommandDispatcher& dispatcher,
                              QWidget* filesControl) {
   auto command = [&](int id) { return MakeCommand(window, dispatcher, id); };
+  QAction* undo = command(kCommandUndo);
+  QAction* redo = command(kCommandRedo);
   QAction* generate = command(kCommandGenerate);
   QAction* exit = command(kCommandExit);
   QAction* standardBar = command(kCommandStandardToolbar);
@@ -74,6 +82,9 @@ CommandBars BuildCommandBars(QMainWindow& window, const CommandDispatcher& dispa
     return menu;
   };
   QMenu* file = addMenu(bar, "&Arkiv", "mnuArkiv");
+  file->addAction(undo);
+  file->addAction(redo);
+  file->addSeparator();
   file->addAction(generate);
   file->addAction(exit);
   QMenu* view = addMenu(bar, "&Visa", "mnuVisa");

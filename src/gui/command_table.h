@@ -8,6 +8,8 @@
 namespace sw::gui {
 
 inline constexpr int kCommandExit = 100;
+inline constexpr int kCommandUndo = 201;
+inline constexpr int kCommandRedo = 202;
 inline constexpr int kCommandEditIni = 302;
 inline constexpr int kCommandEditTemplate = 303;
 inline constexpr int kCommandOptions = 304;
@@ -35,6 +37,7 @@ struct CommandText {
   std::string toolbarCaption;  // "" : the caption
   std::string description;     // the status-bar text, "" : none
   bool checkable = false;      // a check box on its toolbar (or a checked menu entry)
+  std::string shortcut;        // its key, as Qt writes it portably ("Ctrl+Z", "F5"); "" : none
 };
 
 // Every command of the menus and toolbars; the six theme commands come from session/themes.h.

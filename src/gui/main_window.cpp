@@ -254,6 +254,14 @@ QWidget* MainWindow::BuildTemplateDirectoryControl() {
 void MainWindow::BuildCommands() {
   bars_ = BuildCommandBars(*this, dispatcher_, BuildTemplateDirectoryControl());
   Command(kCommandPrevious)->setEnabled(false);
+  // The Delete key, while the grid has the focus, deletes the placement of the current row.
+  auto* deletePlacement = new QAction(grid_);
+  deletePlacement->setObjectName(QStringLiteral("cmd%1").arg(preview::kCommandDeletePlacement));
+  deletePlacement->setShortcut(QKeySequence(Qt::Key_Delete));
+  deletePlacement->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  connect(deletePlacement, &QAction::triggered, this,
+          [this] { dispatcher_.Dispatch(preview::kCommandDeletePlacement); });
+  grid_->addAction(deletePlacement);
   ConnectCommands();
 }
 
@@ -268,6 +276,11 @@ void MainWindow::ConnectCommands() {
         {base::OutOfMemoryMessage(doing), "Fel", base::MessageIcon::kCritical, base::MessageButtons::kOk});
   });
   on.On(kCommandExit, [this] { close(); });
+  on.On(kCommandUndo, [this] { Apply([this] { session_->Undo(); }); });
+  on.On(kCommandRedo, [this] { Apply([this] { session_->Redo(); }); });
+  // The Delete key on the grid, as the popup's "Radera placering" on the current row.
+  on.On(preview::kCommandDeletePlacement,
+        [this] { Apply([this, row = grid_->CurrentTableRow()] { session_->DeletePlacementAt(row); }); });
   for (const auto& theme : session::Themes()) {
     on.On(theme.commandId, [this, number = theme.number] { ApplyTheme(number); });
   }
@@ -328,6 +341,8 @@ void MainWindow::ShowCommands() {
   Command(kCommandSlashTwo)->setChecked(ws.UseSlashTwo());
   Command(kCommandSingleSheet)->setChecked(ws.SingleSheet());
   Command(kCommandSingleSheet)->setEnabled(ws.SingleSheetEnabled());
+  Command(kCommandUndo)->setEnabled(ws.CanUndo());
+  Command(kCommandRedo)->setEnabled(ws.CanRedo());
 }
 
 void MainWindow::ToggleStandardToolbar() {
@@ -371,7 +386,8 @@ void MainWindow::ConnectWidgets() {
           [this](int index) { session_->ChooseSheetNumber(index); });
 
   for (FieldBox* box : txtField_) {
-    connect(box, &QLineEdit::textEdited, this,
+    // Changed, not only edited: the box's own undo (Ctrl+Z while typing in it) reaches the session too.
+    connect(box, &QLineEdit::textChanged, this,
             [this, box](const QString& text) { session_->SetFieldText(box->Index(), S(text)); });
     connect(box, &FieldBox::focusLost, this, [this, box](int index) {
       session_->CommitFieldText(index);

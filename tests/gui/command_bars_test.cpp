@@ -134,6 +134,7 @@ class CommandBarsTest : public QObject {
   void toolCommandsOpenTheirDialogsAndPrograms();
   void windowTakesCtrlVAndCtrlAButTextBoxesKeepThem();
   void accessKeysReachTheCommands();
+  void usualKeysReachTheirCommands();
 };
 
 void CommandBarsTest::menusListTheirEntriesInOrder() {
@@ -146,7 +147,9 @@ void CommandBarsTest::menusListTheirEntriesInOrder() {
   QCOMPARE(titles, (QStringList{"&Arkiv", "&Visa", "Ver&ktyg", QString::fromUtf8("&Hjälp")}));
 
   const auto menu = [bar](int index) { return bar->actions().at(index)->menu(); };
-  QCOMPARE(Entries(menu(0)), (QStringList{"cmd403 Generera Excel-dokument", "cmd100 &Avsluta"}));
+  QCOMPARE(Entries(menu(0)),
+           (QStringList{QString::fromUtf8("cmd201 &Ångra"), QString::fromUtf8("cmd202 &Gör om"), " ",
+                        "cmd403 Generera Excel-dokument", "cmd100 &Avsluta"}));
   QCOMPARE(Entries(menu(1)), (QStringList{QString::fromUtf8("> &Verktygsfält"), "> &Utseende"}));
   QCOMPARE(Entries(SubMenu(menu(1), QString::fromUtf8("&Verktygsfält"))),
            (QStringList{"cmd59392 &Standard"}));
@@ -539,7 +542,8 @@ void CommandBarsTest::toolCommandsOpenTheirDialogsAndPrograms() {
 #else
   const std::string noExcel = "Det gick inte att starta";
 #endif
-  for (const auto& [id, told] : {std::pair<int, std::string>{302, "Det gick inte att starta"}, {303, noExcel}}) {
+  for (const auto& [id, told] :
+       {std::pair<int, std::string>{302, "Det gick inte att starta"}, {303, noExcel}}) {
     started.install.dialogs.messages.clear();
     Command(started, id)->trigger();
     QCOMPARE(started.install.dialogs.messages.size(), std::size_t{1});
@@ -636,6 +640,33 @@ void CommandBarsTest::accessKeysReachTheCommands() {
   QTRY_VERIFY(window->findChild<QWidget*>(QStringLiteral("fraFields"))->isVisible());
   QTest::keyClick(window, Qt::Key_F, Qt::AltModifier);
   QTRY_VERIFY(window->findChild<QWidget*>(QStringLiteral("fraFiles"))->isVisible());
+}
+
+void CommandBarsTest::usualKeysReachTheirCommands() {
+  StartedWindow started;
+  const auto keyOf = [&](int id) {
+    return Command(started, id)->shortcut().toString(QKeySequence::PortableText);
+  };
+  QCOMPARE(keyOf(201), QStringLiteral("Ctrl+Z"));
+  QCOMPARE(keyOf(202), QStringLiteral("Ctrl+Y"));
+  QCOMPARE(keyOf(706), QStringLiteral("Ctrl+O"));
+  QCOMPARE(keyOf(704), QStringLiteral("F5"));
+  QCOMPARE(keyOf(601), QStringLiteral("F1"));
+
+  // The keys work with the toolbar of their buttons hidden.
+  auto* window = started.window.get();
+  ToolBar(started, QStringLiteral("VOLTARIS-rapport"))->hide();
+  window->activateWindow();
+  QVERIFY(QTest::qWaitForWindowActive(window));
+  QSignalSpy refresh(Command(started, 704), &QAction::triggered);
+  QSignalSpy choose(Command(started, 706), &QAction::triggered);
+  auto* grid = started.Grid();
+  grid->setFocus();
+  QTRY_VERIFY(grid->hasFocus());
+  QTest::keyClick(grid, Qt::Key_F5);
+  QCOMPARE(refresh.count(), 1);
+  QTest::keyClick(grid, Qt::Key_O, Qt::ControlModifier);  // the scripted open dialog is cancelled
+  QCOMPARE(choose.count(), 1);
 }
 
 QTEST_MAIN(CommandBarsTest)

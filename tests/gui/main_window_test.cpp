@@ -123,6 +123,7 @@ class MainWindowTest : public QObject {
   void popupEntriesFollowTheRowUnderThePointer();
   void popupEditsThePreview();
   void doubleClickEditsThePreview();
+  void undoAndRedoFollowEveryEdit();
   void sheetNumberAndFieldBoxesFilterAndCommit();
   void sheetNumberBoxTakesOnlyWhatItsFilterPasses();
   void generateWritesTheWorkbookAndShowsIt();
@@ -362,6 +363,78 @@ void MainWindowTest::doubleClickEditsThePreview() {
   QCOMPARE(model->rowCount(), 2);
   QCOMPARE(Column0(model, 1), QStringLiteral("+A2 Panel"));
   QCOMPARE(StatusText(started), QStringLiteral("Rader: 2   Placeringar: 1   Sidor: 1"));
+}
+
+void MainWindowTest::undoAndRedoFollowEveryEdit() {
+  StartedWindow started;
+  auto* window = started.window.get();
+  auto* model = started.Grid()->model();
+  QAction* undo = window->Command(sw::gui::kCommandUndo);
+  QAction* redo = window->Command(sw::gui::kCommandRedo);
+  QVERIFY(!undo->isEnabled());
+  QVERIFY(!redo->isEnabled());
+
+  RightClick(started, started.RowPoint(3), QStringLiteral("cmd952"));
+  QCOMPARE(model->rowCount(), 7);
+  QVERIFY(undo->isEnabled());
+
+  window->activateWindow();
+  QVERIFY(QTest::qWaitForWindowActive(window));
+  auto* grid = started.Grid();
+  grid->setFocus();
+  QTRY_VERIFY(grid->hasFocus());
+  QTest::keyClick(grid, Qt::Key_Z, Qt::ControlModifier);
+  QCOMPARE(model->rowCount(), 6);
+  QCOMPARE(Background(model, 4, 0), kYellow);
+  QCOMPARE(StatusText(started), QStringLiteral("Rader: 6   Placeringar: 1   Sidor: 2"));
+  QVERIFY(!undo->isEnabled());
+  QVERIFY(redo->isEnabled());
+  QTest::keyClick(grid, Qt::Key_Y, Qt::ControlModifier);
+  QCOMPARE(model->rowCount(), 7);
+  QCOMPARE(Background(model, 3, 0), kGreen);
+  QCOMPARE(Background(model, 6, 0), kYellow);
+  QCOMPARE(StatusText(started), QStringLiteral("Rader: 7   Placeringar: 1   Sidor: 3"));
+  QVERIFY(!redo->isEnabled());
+
+  // The Delete key deletes the placement of a head row, nothing elsewhere.
+  grid->setCurrentIndex(model->index(1, 1));
+  QTest::keyClick(grid, Qt::Key_Delete);
+  QCOMPARE(model->rowCount(), 7);
+  grid->setCurrentIndex(model->index(0, 1));
+  QTest::keyClick(grid, Qt::Key_Delete);
+  QCOMPARE(model->rowCount(), 0);
+  QTest::keyClick(grid, Qt::Key_Z, Qt::ControlModifier);
+  QCOMPARE(model->rowCount(), 7);
+  QCOMPARE(Column0(model, 1), QStringLiteral("+A1 Panel"));
+
+  // A double-click is a step like the popup's.
+  DoubleClick(started, started.RowPoint(3));  // removes the manual break
+  QCOMPARE(model->rowCount(), 6);
+  undo->trigger();
+  QCOMPARE(model->rowCount(), 7);
+  QCOMPARE(Background(model, 3, 0), kGreen);
+
+  // The title-block texts: what was typed into one box goes back in one step.
+  window->Command(sw::gui::kCommandNext)->trigger();
+  auto* box0 = window->findChild<QLineEdit*>(QStringLiteral("txtField0"));
+  auto* box1 = window->findChild<QLineEdit*>(QStringLiteral("txtField1"));
+  box0->setFocus();
+  QTRY_VERIFY(box0->hasFocus());
+  QTest::keyClicks(box0, QStringLiteral("Kraft"));
+  box1->setFocus();
+  QTRY_VERIFY(box1->hasFocus());
+  undo->trigger();
+  QCOMPARE(box0->text(), QString());
+  QCOMPARE(window->Session().Fields().entries[0].text, std::string());
+  redo->trigger();
+  QCOMPARE(box0->text(), QStringLiteral("Kraft"));
+  QCOMPARE(model->rowCount(), 7);
+
+  // Reading the dump again starts a new history.
+  window->Command(sw::gui::kCommandRefresh)->trigger();
+  QCOMPARE(model->rowCount(), 6);
+  QVERIFY(!undo->isEnabled());
+  QVERIFY(!redo->isEnabled());
 }
 
 void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {
