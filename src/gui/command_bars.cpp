@@ -85,6 +85,9 @@ CommandBars BuildCommandBars(QMainWindow& window, const CommandDispatcher& dispa
   file->addAction(undo);
   file->addAction(redo);
   file->addSeparator();
+  // Filled by the window with the dumps last chosen.
+  addMenu(file, "&Senaste textfiler", "mnuSenaste");
+  file->addSeparator();
   file->addAction(generate);
   file->addAction(exit);
   QMenu* view = addMenu(bar, "&Visa", "mnuVisa");

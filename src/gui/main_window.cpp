@@ -4,6 +4,9 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDesktopServices>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QGuiApplication>
@@ -13,6 +16,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QProgressBar>
 #include <QScreen>
 #include <QScrollBar>
@@ -95,6 +99,7 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
     : QMainWindow(parent), services_(std::move(services)), warning_(services_.settings, this) {
   setObjectName(QStringLiteral("frmMain"));
   setWindowTitle(QString::fromUtf8(base::kApplicationTitle));
+  setAcceptDrops(true);
   BuildWidgets();
   BuildCommands();
   progress_ = std::make_unique<ProgressBarLoadProgress>(progressBar_, [this](bool busy) { SetBusy(busy); });
@@ -594,6 +599,50 @@ void MainWindow::ShowSession() {
   if (summary.pages) text += QString::fromUtf8("   Sidor: %1").arg(*summary.pages);
   summary_->setText(text);
   ShowCommands();
+  ShowRecentDumps();
+}
+
+void MainWindow::ShowRecentDumps() {
+  auto* menu = findChild<QMenu*>(QStringLiteral("mnuSenaste"));
+  const auto& recent = session_->RecentDumps();
+  menu->setEnabled(!recent.empty());
+  if (recent == recentShown_) return;
+  recentShown_ = recent;
+  // The entry being chosen may be the one running this: the old entries go when it has ended.
+  for (QAction* old : menu->actions()) {
+    menu->removeAction(old);
+    old->deleteLater();
+  }
+  for (std::size_t i = 0; i < recent.size(); ++i) {
+    QString caption = Q(recent[i]);
+    caption.replace(QStringLiteral("&"), QStringLiteral("&&"));
+    QAction* entry = menu->addAction(QStringLiteral("&%1 ").arg(i + 1) + caption);
+    entry->setObjectName(QStringLiteral("recentDump%1").arg(i));
+    connect(entry, &QAction::triggered, this, [this, index = static_cast<int>(i)] {
+      Apply([this, index] { session_->OpenRecentDump(index); });
+    });
+  }
+}
+
+namespace {
+
+// The one local file of a drag, "" when it brings anything else.
+QString DraggedFile(const QMimeData* data) {
+  if (!data || !data->hasUrls() || data->urls().size() != 1 || !data->urls().front().isLocalFile()) return {};
+  return QDir::toNativeSeparators(data->urls().front().toLocalFile());
+}
+
+}  // namespace
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (!busy_ && !DraggedFile(event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  const QString file = DraggedFile(event->mimeData());
+  if (file.isEmpty()) return;
+  event->acceptProposedAction();
+  Apply([this, path = S(file)] { session_->TypeReportDump(path); });
 }
 
 void MainWindow::ShowPopup(int tableRow, int pointerY, const QPoint& globalPos) {

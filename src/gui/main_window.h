@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/dialogs.h"
 #include "base/environment.h"
@@ -84,6 +85,9 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  // A dump file dropped on the window is loaded as "Välj textfil..." loads the chosen one.
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   void BuildWidgets();
@@ -94,6 +98,7 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   void ConnectWidgets();
   void ShowTheme(int themeNumber);
   void ShowCommands();
+  void ShowRecentDumps();
   void ToggleStandardToolbar();
   void ResetAppearance();
   // The remembered placement, kept on the screens there are; false when none is remembered.
@@ -145,6 +150,7 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   ReportTableModel* model_ = nullptr;
   QProgressBar* progressBar_ = nullptr;
   QLabel* summary_ = nullptr;
+  std::vector<std::string> recentShown_;  // the dumps the "Senaste textfiler" menu lists
   bool fieldsShown_ = false;
   bool busy_ = false;
   bool columnsNeedLayout_ = false;

@@ -29,6 +29,9 @@ class SilentDialogs final : public base::Dialogs {
   std::optional<std::string> ShowFileDialog(const base::FileDialogRequest&) override { return std::nullopt; }
 };
 
+constexpr int kRecentDumps = 8;
+constexpr std::string_view kRecentDumpsSection = "RecentDumps";
+
 bool IsError(const base::Message& message) {
   return message.icon == base::MessageIcon::kCritical;
 }
@@ -113,6 +116,11 @@ void Session::Start(const std::function<void()>& windowSteps) {
   ReadCurrentReport();
   Log("Restore Mainform");
   if (windowSteps) windowSteps();
+  recentDumps_.clear();
+  for (int i = 1; i <= kRecentDumps; ++i) {
+    std::string dump = services_.settings.GetAppSetting("Dump" + std::to_string(i), "", kRecentDumpsSection);
+    if (!dump.empty()) recentDumps_.push_back(std::move(dump));
+  }
   includeEmptyRows_ = IntegerSetting(services_.settings, "IncludeEmptyRows", "0") > 0;
   useSlashTwo_ = IntegerSetting(services_.settings, "UseSlashTwo", "1") > 0;
   Notify(Change::kCommands);
@@ -255,12 +263,37 @@ void Session::TypeReportDump(std::string text) {
   voltDump_.SetText(std::move(text));
   Notify(Change::kPickers);
   DumpChanged();
+  RememberDump();
 }
 
 void Session::ChooseReportDump(int index) {
   voltDump_.SelectIndex(index);
   Notify(Change::kPickers);
   DumpChanged();
+  RememberDump();
+}
+
+void Session::OpenRecentDump(int index) {
+  if (index < 0 || index >= static_cast<int>(recentDumps_.size())) return;
+  TypeReportDump(recentDumps_[static_cast<std::size_t>(index)]);
+}
+
+void Session::RememberDump() {
+  const std::string dump = voltDump_.text;
+  if (base::TrimSpaces(dump).empty() || !base::WindowsFileExists(dump)) return;
+  std::erase(recentDumps_, dump);
+  recentDumps_.insert(recentDumps_.begin(), dump);
+  if (recentDumps_.size() > static_cast<std::size_t>(kRecentDumps)) recentDumps_.resize(kRecentDumps);
+  for (int i = 1; i <= kRecentDumps; ++i) {
+    const std::string key = "Dump" + std::to_string(i);
+    if (i <= static_cast<int>(recentDumps_.size())) {
+      services_.settings.SaveAppSetting(key, recentDumps_[static_cast<std::size_t>(i - 1)],
+                                        kRecentDumpsSection);
+    } else {
+      services_.settings.DeleteAppSetting(key, kRecentDumpsSection);
+    }
+  }
+  Notify(Change::kPickers);
 }
 
 report::PreviewResult Session::OpenReportDump(std::string path) {

@@ -151,6 +151,12 @@ class Session {
   report::PreviewResult OpenReportDump(std::string path);
   // Command 706 "Välj textfil...": the open dialog; the chosen file stands in the dump picker.
   void ChooseDumpFile();
+  // The dumps the user last chose in the dump picker, by "Välj textfil...", from this list or by
+  // dropping them on the window, the newest first: at most eight, kept in the settings ("RecentDumps",
+  // "Dump1".."Dump8"). Only dumps that were there when chosen are listed.
+  const std::vector<std::string>& RecentDumps() const { return recentDumps_; }
+  // Loads recent dump `index` as if typed into the dump picker.
+  void OpenRecentDump(int index);
   // Command 704: RefreshFiles, the current report and the template list with the refreshing flag up,
   // then the preview and the export-file check.
   void Refresh();
@@ -237,6 +243,7 @@ class Session {
   void RefillTemplates();
   void PairTemplate();
   void DumpChanged();
+  void RememberDump();
   void TemplateChanged();
   void TemplateDirectoryChanged();
   report::PreviewResult PreviewVoltDump();
@@ -270,6 +277,7 @@ class Session {
   report::ReportTable table_;
   preview::PreviewPageLayout layout_;
   EditHistory history_;
+  std::vector<std::string> recentDumps_;
 };
 
 }  // namespace sw::session

@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QProgressBar>
 #include <QScreen>
 #include <QStatusBar>
@@ -124,6 +125,7 @@ class MainWindowTest : public QObject {
   void popupEditsThePreview();
   void doubleClickEditsThePreview();
   void undoAndRedoFollowEveryEdit();
+  void droppedAndRecentDumpsLoad();
   void sheetNumberAndFieldBoxesFilterAndCommit();
   void sheetNumberBoxTakesOnlyWhatItsFilterPasses();
   void generateWritesTheWorkbookAndShowsIt();
@@ -435,6 +437,48 @@ void MainWindowTest::undoAndRedoFollowEveryEdit() {
   QCOMPARE(model->rowCount(), 6);
   QVERIFY(!undo->isEnabled());
   QVERIFY(!redo->isEnabled());
+}
+
+void MainWindowTest::droppedAndRecentDumpsLoad() {
+  StartedWindow started;
+  auto* window = started.window.get();
+  auto* model = started.Grid()->model();
+  auto* recent = window->findChild<QMenu*>(QStringLiteral("mnuSenaste"));
+  QVERIFY(!recent->isEnabled());
+
+  // A dump dragged from the file manager onto the window.
+  const QString dropped =
+      QString::fromStdString(started.install.Host("VOLTARIS/Rapport/volt_report.txt").string());
+  QMimeData data;
+  data.setUrls({QUrl::fromLocalFile(dropped)});
+  QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+  QCoreApplication::sendEvent(window, &enter);
+  QVERIFY(enter.isAccepted());
+  QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+  QCoreApplication::sendEvent(window, &drop);
+  QCOMPARE(Column0(model, 1), QStringLiteral("+B1 Rapport"));
+  QVERIFY(recent->isEnabled());
+
+  // Anything but one file is refused.
+  QMimeData text;
+  text.setText(QStringLiteral("volt_report.txt"));
+  QDragEnterEvent refused(QPoint(50, 50), Qt::CopyAction, &text, Qt::LeftButton, {});
+  QCoreApplication::sendEvent(window, &refused);
+  QVERIFY(!refused.isAccepted());
+
+  const std::string chosen = "C:\\Temp\\VOLTARIS\\VOLTARIS ic\\volt_report.txt";
+  started.install.dialogs.fileAnswers = {chosen};
+  window->Command(sw::gui::kCommandChooseTextFile)->trigger();
+  QCOMPARE(Column0(model, 1), QStringLiteral("+A1 Panel"));
+  QStringList entries;
+  for (QAction* entry : recent->actions())
+    entries << entry->objectName() + QStringLiteral(" ") + entry->text();
+  QCOMPARE(entries,
+           (QStringList{"recentDump0 &1 " + QString::fromStdString(chosen), "recentDump1 &2 " + dropped}));
+
+  recent->actions().at(1)->trigger();
+  QCOMPARE(Column0(model, 1), QStringLiteral("+B1 Rapport"));
+  QCOMPARE(started.install.settings.GetAppSetting("Dump1", "", "RecentDumps"), dropped.toStdString());
 }
 
 void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {

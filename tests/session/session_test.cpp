@@ -164,6 +164,38 @@ TEST_F(SessionTest, ChoosingADumpLoadsItAndStoresTheChoice) {
   EXPECT_EQ(install_.settings.GetAppSetting("LastVoltDmp", ""), "C:\\Saknas.txt");
 }
 
+TEST_F(SessionTest, ChosenDumpsAreRememberedNewestFirstUpToEight) {
+  session_.Start();
+  EXPECT_TRUE(session_.RecentDumps().empty());  // the start's own choice is not one of the user's
+  session_.ChooseReportDump(0);
+  session_.TypeReportDump("C:\\Saknas.txt");  // not there: not listed
+  session_.TypeReportDump(kTempDump);
+  EXPECT_EQ(session_.RecentDumps(), (List{kTempDump, kRegistryDump}));
+
+  session_.OpenRecentDump(1);
+  EXPECT_EQ(session_.ReportDumps().text, kRegistryDump);
+  EXPECT_EQ(session_.Table().Text(1, 0), "+B1 Rapport");
+  EXPECT_EQ(session_.RecentDumps(), (List{kRegistryDump, kTempDump}));
+
+  List chosen;
+  for (int i = 0; i < 9; ++i) {
+    install_.Write("Dumpar/d" + std::to_string(i) + ".txt", "%+X1 Panel%\r\n\tX1\t1\tPump\r\n");
+    chosen.insert(chosen.begin(), "C:\\Dumpar\\d" + std::to_string(i) + ".txt");
+    session_.TypeReportDump(chosen.front());
+  }
+  chosen.resize(8);
+  EXPECT_EQ(session_.RecentDumps(), chosen);
+
+  // The next start lists them again.
+  Session next({.registry = install_.registry,
+                .settings = install_.settings,
+                .environment = install_.environment,
+                .dialogs = install_.dialogs,
+                .launcher = launcher_});
+  next.Start();
+  EXPECT_EQ(next.RecentDumps(), chosen);
+}
+
 TEST_F(SessionTest, ChoosingADumpFileRemembersItsFolder) {
   session_.Start();
   install_.dialogs.fileAnswers = {std::nullopt, std::string(kRegistryDump)};
