@@ -9,6 +9,16 @@ void EditHistory::Record(EditedState before) {
   redo_.clear();
 }
 
+std::optional<bool> EditHistory::UndoHoldsTable() const {
+  if (undo_.empty()) return std::nullopt;
+  return undo_.back().table.has_value();
+}
+
+std::optional<bool> EditHistory::RedoHoldsTable() const {
+  if (redo_.empty()) return std::nullopt;
+  return redo_.back().table.has_value();
+}
+
 bool EditHistory::Undo(EditedState& current) {
   openField_ = -1;
   if (undo_.empty()) return false;

@@ -1,9 +1,10 @@
 #pragma once
 // The undo and redo history of the preview edits: deleted placements, inserted and removed manual
-// page breaks and the title-block texts. A step keeps the whole edited state as it was (the report
-// table with its marks, and the thirty texts), so undoing brings back exactly what the user saw,
-// marks included, whatever the edit rules did. A new load starts a new history.
+// page breaks and the title-block texts. A step keeps the edited state as it was: the thirty texts,
+// and for an edit of the grid the whole report table with its marks, so undoing brings back exactly
+// what the user saw, marks included, whatever the edit rules did. A new load starts a new history.
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,7 @@
 namespace sw::session {
 
 struct EditedState {
-  report::ReportTable table;
+  std::optional<report::ReportTable> table;  // none: the step left the table as it was
   std::array<std::string, templates::kFieldCount> texts;
 };
 
@@ -27,7 +28,11 @@ class EditHistory {
   // `before` is the state an edit is about to change: it becomes the step to undo and whatever was
   // undone can no longer be redone.
   void Record(EditedState before);
-  // Swaps `current` with the state of the last step; false when there is none.
+  // Whether the step Undo (Redo) would take back holds a table, nothing when there is none.
+  std::optional<bool> UndoHoldsTable() const;
+  std::optional<bool> RedoHoldsTable() const;
+  // Swaps `current` with the state of the last step; false when there is none. `current` holds a
+  // table exactly when the step does.
   bool Undo(EditedState& current);
   bool Redo(EditedState& current);
   void Clear();

@@ -332,14 +332,14 @@ void Session::RemoveManualBreak(int row) {
 void Session::RunPreviewAction(int row, preview::PreviewAction action) {
   if (action == preview::PreviewAction::kNone) return;
   // Every edit adds or removes rows; one that does not has changed nothing worth a step.
-  EditedState before = CurrentEdits();
+  EditedState before = CurrentEdits(true);
   history_.CloseFieldStep();
   bool marksDrawn = false;
   preview::RunPreviewAction(table_, row, action, [this, &marksDrawn] {
     layout_.ShowPageBreaks(table_);
     marksDrawn = true;
   });
-  if (table_.Rows() != before.table.Rows()) history_.Record(std::move(before));
+  if (table_.Rows() != before.table->Rows()) history_.Record(std::move(before));
   Notify((marksDrawn ? Change::kTable | Change::kMarks : Changes(Change::kTable)) | Change::kCommands);
 }
 
@@ -348,26 +348,37 @@ void Session::DeletePlacementAt(int row) {
   RunPreviewAction(row, preview::PreviewAction::kDeletePlacement);
 }
 
-EditedState Session::CurrentEdits() const {
-  EditedState state{.table = table_, .texts = {}};
+EditedState Session::CurrentEdits(bool withTable) const {
+  EditedState state;
+  if (withTable) state.table = table_;
   for (std::size_t i = 0; i < state.texts.size(); ++i) state.texts[i] = fields_.entries[i].text;
   return state;
 }
 
-void Session::ShowEdits(EditedState&& state) {
-  table_ = std::move(state.table);
-  for (std::size_t i = 0; i < state.texts.size(); ++i) fields_.entries[i].text = std::move(state.texts[i]);
-  Notify(Change::kTable | Change::kMarks | Change::kFields | Change::kCommands);
+void Session::TakeStep(bool undo) {
+  const auto holdsTable = undo ? history_.UndoHoldsTable() : history_.RedoHoldsTable();
+  if (!holdsTable) return;
+  // The table changes hands instead of being copied: the step keeps the one shown until now.
+  EditedState current = CurrentEdits(false);
+  if (*holdsTable) current.table = std::move(table_);
+  if (undo) {
+    history_.Undo(current);
+  } else {
+    history_.Redo(current);
+  }
+  if (current.table) table_ = std::move(*current.table);
+  for (std::size_t i = 0; i < current.texts.size(); ++i)
+    fields_.entries[i].text = std::move(current.texts[i]);
+  Notify(*holdsTable ? Change::kTable | Change::kMarks | Change::kFields | Change::kCommands
+                     : Change::kFields | Change::kCommands);
 }
 
 void Session::Undo() {
-  EditedState current = CurrentEdits();
-  if (history_.Undo(current)) ShowEdits(std::move(current));
+  TakeStep(true);
 }
 
 void Session::Redo() {
-  EditedState current = CurrentEdits();
-  if (history_.Redo(current)) ShowEdits(std::move(current));
+  TakeStep(false);
 }
 
 void Session::ForgetEdits() {
@@ -433,7 +444,7 @@ void Session::SetFieldText(int index, std::string text) {
   if (entry.text == text) return;
   // The first change since the box was entered makes the step; the rest of the typing joins it.
   if (history_.OpenField() != index) {
-    history_.Record(CurrentEdits());
+    history_.Record(CurrentEdits(false));
     history_.OpenFieldStep(index);
   }
   entry.text = std::move(text);
@@ -447,7 +458,7 @@ void Session::CommitFieldText(int index) {
   const bool typing = history_.OpenField() == index;
   history_.CloseFieldStep();
   if (committed == entry.text) return;
-  if (!typing) history_.Record(CurrentEdits());
+  if (!typing) history_.Record(CurrentEdits(false));
   entry.text = committed;
   Notify(Change::kFields | Change::kCommands);
 }
@@ -459,7 +470,7 @@ int Session::PressEnterInField(int index) {
   history_.CloseFieldStep();
   const int next = preview::PressEnterInField(fields_, index, services_.today);
   if (!typing && fields_.entries[static_cast<std::size_t>(index)].text != before) {
-    EditedState previous = CurrentEdits();
+    EditedState previous = CurrentEdits(false);
     previous.texts[static_cast<std::size_t>(index)] = before;
     history_.Record(std::move(previous));
   }

@@ -250,8 +250,10 @@ class Session {
   // The template path the editing commands use, or nothing (after telling the user) without a template.
   std::optional<std::string> ChosenTemplateForEditing();
   ExternalEditor& Editor();
-  EditedState CurrentEdits() const;
-  void ShowEdits(EditedState&& state);
+  // The texts, and the table when `withTable`.
+  EditedState CurrentEdits(bool withTable) const;
+  // Undo or Redo of the history, on the table and the texts the window shows.
+  void TakeStep(bool undo);
   // Starts a new history, telling the window when there was one.
   void ForgetEdits();
 

@@ -117,6 +117,30 @@ TEST_F(EditHistoryTest, TypingIntoOneBoxIsOneStepUntilTheBoxIsLeft) {
   EXPECT_EQ(session_.Fields().entries[0].text, "Kraft");
 }
 
+TEST_F(EditHistoryTest, TextStepsAndGridStepsTakeTurns) {
+  const std::string loaded = Rows();
+  session_.InsertManualBreak(3);
+  const std::string withBreak = Rows();
+  session_.SetFieldText(0, "Kraft");
+  session_.CommitFieldText(0);
+  session_.DeletePlacement(1);
+
+  session_.Undo();
+  EXPECT_EQ(Rows(), withBreak);
+  EXPECT_EQ(session_.Fields().entries[0].text, "Kraft");
+  session_.Undo();
+  EXPECT_EQ(Rows(), withBreak);  // a text step leaves the table alone
+  EXPECT_EQ(session_.Fields().entries[0].text, "");
+  session_.Undo();
+  EXPECT_EQ(Rows(), loaded);
+  session_.Redo();
+  session_.Redo();
+  EXPECT_EQ(Rows(), withBreak);
+  EXPECT_EQ(session_.Fields().entries[0].text, "Kraft");
+  session_.Redo();
+  EXPECT_EQ(session_.Table().Rows(), 1);
+}
+
 TEST_F(EditHistoryTest, EnterThatMakesTheDateIsAStep) {
   session_.SetFieldText(0, ".");
   session_.PressEnterInField(0);
