@@ -215,6 +215,53 @@ TEST_F(PackageEngineTest, RefusesDanglingPartsDocumentTypesAndMisleadingNames) {
   EXPECT_EQ(WorkbookFileRefusal((temp_.path() / "Finns inte.xlsx").string()), "");
 }
 
+// A row element that carries attributes of the template's own (here an outline level, and no style
+// or height) stays when its cells are emptied: by a text the report leaves empty, and by the
+// clearing and refilling of a page in one-workbook-per-page runs.
+TEST_F(PackageEngineTest, EmptiedRowsKeepTheAttributesTheTemplateGaveThem) {
+  const std::string plainRow =
+      "<row r=\"1%\" customFormat=\"false\" ht=\"15\" hidden=\"false\" customHeight=\"false\" "
+      "outlineLevel=\"0\" collapsed=\"false\"><c r=\"A1%\" s=\"5\"/>";
+  const auto row = [&](int n) {
+    std::string text = plainRow;
+    for (auto at = text.find('%'); at != std::string::npos; at = text.find('%'))
+      text.replace(at, 1, std::to_string(n));
+    return text;
+  };
+  Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath("title_block.xlsx")));
+  std::string sheet = package.Bytes("xl/worksheets/sheet2.xml");
+  for (const int n : {0, 1}) {
+    const std::string from = row(n);
+    ASSERT_NE(sheet.find(from), std::string::npos);
+    // The whole row: one cell with a text and no style, in a row of no style or height.
+    const auto at = sheet.find(from);
+    sheet.replace(at, sheet.find("</row>", at) - at,
+                  "<row r=\"1" + std::to_string(n) + "\" outlineLevel=\"1\"><c r=\"A1" + std::to_string(n) +
+                      "\" t=\"inlineStr\"><is><t>x</t></is></c>");
+  }
+  package.SetBytes("xl/worksheets/sheet2.xml", sheet);
+  const auto path = temp_.Write("Disposition.xlsx", package.ToZip());
+
+  Workbook book = app_.Workbooks().Open(path.string());
+  Sheet page = book.Sheets().Item(2);
+  page.Cells(10, 1).SetValue("");  // a field the report leaves empty
+  page.Range(page.Cells(11, 1), page.Cells(11, 1)).Select();
+  app_.Selection().ClearContents();  // a page cleared for the next one ...
+  page.Cells(11, 1).SetValue("W2");  // ... and filled again
+  pugi::xml_document saved;
+  ASSERT_TRUE(saved.load_string(
+      Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx")).Bytes("xl/worksheets/sheet2.xml").c_str()));
+  const auto rows = saved.document_element().child("sheetData");
+  const auto emptied = rows.find_child_by_attribute("row", "r", "10");
+  ASSERT_TRUE(emptied);
+  EXPECT_STREQ(emptied.attribute("outlineLevel").value(), "1");
+  EXPECT_FALSE(emptied.find_child_by_attribute("c", "r", "A10"));
+  const auto refilled = rows.find_child_by_attribute("row", "r", "11");
+  ASSERT_TRUE(refilled);
+  EXPECT_STREQ(refilled.attribute("outlineLevel").value(), "1");
+  EXPECT_STREQ(refilled.child("c").child("is").child_value("t"), "W2");
+}
+
 TEST_F(PackageEngineTest, ReadOnlyWorkbookIsNotSavedOverItself) {
   const auto path = temp_.Write("mall.xlsx", *base::ReadWholeFile(TemplatePath("title_block.xlsx")));
   const std::string before = *base::ReadWholeFile(path);
