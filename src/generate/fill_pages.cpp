@@ -15,13 +15,34 @@ std::string RowsAddress(int first, int last) {
   return std::to_string(first) + ":" + std::to_string(last);
 }
 
+// A worksheet holds at most this many manual page breaks (Excel's own limit).
+constexpr int kManualPageBreakLimit = 1023;
+
 // Before a placement's first row (dynamic length): the break goes on the active sheet, above the row
-// the next data row will take.
+// the next data row will take. A break refused because the sheet already holds all it can would leave
+// this placement and every later one running on from the one before in print: the run says so once
+// and stops, so the earlier result stays. Any other refusal is passed over as it always was.
 void BreakBeforeNextRow(GenerationRun& run) {
   excel::Application& excel = run.Excel();
   const int row = Int16(run.definition.StartRow + run.state.rowsOnPage);
   ResumeOn1004([&] { excel.ActiveSheet().Rows(RowsAddress(row, row)).Select(); });
-  ResumeOn1004([&] { excel.ActiveSheet().HPageBreaks().Add(excel.ActiveCell()); });
+  try {
+    excel.ActiveSheet().HPageBreaks().Add(excel.ActiveCell());
+  } catch (const excel::AutomationError& error) {
+    if (error.number() != kApplicationDefined) throw;
+    int breaks = 0;
+    ResumeOn1004([&] { breaks = excel.ActiveSheet().HPageBreaks().Count(); });
+    if (breaks < kManualPageBreakLimit) return;
+    run.resultLost = true;
+    run.stopped = true;
+    run.Tell(
+        "Rapporten har fler placeringar än bladet rymmer sidbrytningar för: ett kalkylblad rymmer högst " +
+            std::to_string(kManualPageBreakLimit) + " manuella sidbrytningar, och placeringen på rad " +
+            std::to_string(row) + " skulle inte börja på en egen sida.\rMallen " + run.inputs.templateFile +
+            " har dynamisk sidlängd; dela upp rapporten eller använd en mall "
+            "med fast sidlängd.",
+        "Fel", base::MessageIcon::kExclamation);
+  }
 }
 
 void WriteDataRow(GenerationRun& run, const std::vector<std::string_view>& cells, int tableColumns) {
@@ -63,6 +84,7 @@ void FillPages(GenerationRun& run) {
         firstMarker = false;
       } else {
         BreakBeforeNextRow(run);
+        if (run.stopped) return;
       }
       continue;
     }

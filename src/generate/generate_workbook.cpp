@@ -11,6 +11,7 @@
 #include "base/upper_case.h"
 #include "base/windows_path.h"
 #include "excel/application_factory.h"
+#include "excel/package/package_engine.h"
 #include "generate/counter_limit.h"
 #include "generate/fill_pages.h"
 #include "generate/generation_run.h"
@@ -90,7 +91,15 @@ bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, co
     run.Tell("Ingen data att överföra till Excel.", "Fel", MessageIcon::kExclamation);
     return false;
   }
-  // Refused before the user picks a file for a result that could never be made.
+  // Refused before the user picks a file for a result that could never be made: a template the
+  // engine will not open, and a layout that writes nothing.
+  if (const std::string refusal =
+          excel::WorkbookFileRefusal(EnginePath(inputs.templateFolder + "\\" + inputs.templateFile));
+      !refusal.empty()) {
+    run.Tell(refusal, "Filfel", MessageIcon::kCritical);
+    run.SetMousePointer(MousePointer::kDefault);
+    return false;
+  }
   if (const auto layout = LayoutAsChecked(run.definition); layout) {
     if (const std::string refusal = RowsAboveTheSheetRefusal(*layout); !refusal.empty()) {
       run.Tell(refusal, "Fel", MessageIcon::kExclamation);
@@ -139,6 +148,20 @@ bool KeepsMacros(const GenerationRun& run, const GenerationInputs& inputs, const
     return true;
   run.Tell("Mallen " + inputs.templateFile + " innehåller makron, som inte kan sparas i en .xlsx-fil.\r" +
                "Ange ett filnamn som slutar på .xlsm.",
+           "Fel", MessageIcon::kExclamation);
+  return false;
+}
+
+// The engine writes Open XML workbooks (and, as Excel does without a file format, an Open XML
+// workbook under a .xls name); a name whose extension promises another format (.xlsb, .xltx, .ods)
+// would hold something else than it says, which Excel refuses to open.
+bool TargetSaysItsFormat(const GenerationRun& run, const GenerationInputs& inputs) {
+  if (inputs.singleSheet || inputs.targetPath.empty()) return true;
+  const std::string extension = TemplateExtension(inputs.targetPath);
+  if (extension == "xlsx" || extension == "xlsm" || extension == "xls") return true;
+  run.Tell("Filen " + inputs.targetPath + " kan inte skapas: ändelsen ." + extension +
+               " anger ett annat format än den arbetsbok som skrivs.\r" +
+               "Ange ett filnamn som slutar på .xlsx eller .xlsm.",
            "Fel", MessageIcon::kExclamation);
   return false;
 }
@@ -285,6 +308,7 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefini
   run.pageFileExtension = "." + extension;
   if (!CheckInputsAndAskForTarget(run, inputs, extension)) return;
   if (!KeepsMacros(run, inputs, extension)) return;
+  if (!TargetSaysItsFormat(run, inputs)) return;
   if (!ValidateIni(run, definition)) return;
   if (!FitsTheCounters(run, definition)) return;
 

@@ -216,6 +216,89 @@ TEST_F(BadInputTest, CheckOpensTheWorkbookAsGenerationDoes) {
   EXPECT_EQ(cli.Run({"check", workbook.string()}).exitCode, 0);
 }
 
+std::string WithEntries(const std::string& workbook, const std::string& drop, const std::string& part = {},
+                        const std::string& from = {}, const std::string& to = {}) {
+  auto entries = excel::ReadZipArchive(workbook, {});
+  std::vector<excel::ZipSource> sources;
+  for (auto& entry : entries) {
+    if (entry.name == drop) continue;
+    if (entry.name == part) entry.bytes.replace(entry.bytes.find(from), from.size(), to);
+    sources.push_back({entry.name, entry.bytes});
+  }
+  return excel::WriteZipArchive(sources);
+}
+
+// A template that names a part it lacks, one with a document type declaration and one whose name
+// promises another format fail the check, naming the file and the part, and generation refuses them
+// before the target is asked for: the earlier result stays as it was.
+TEST_F(BadInputTest, DamagedOrMisnamedTemplateFailsCheckAndGeneration) {
+  const std::string good = GoodTemplateBytes();
+  struct Case {
+    std::string name;
+    std::string bytes;
+    std::string message;  // after "Filfel: " and the path
+  };
+  const std::vector<Case> cases = {
+      {"Stilar.xlsx", WithEntries(good, "xl/styles.xml"),
+       " \u00e4r skadad: delen xl/styles.xml, som xl/workbook.xml h\u00e4nvisar till, saknas.\n"},
+      {"Ritning.xlsx", WithEntries(good, "xl/drawings/drawing1.xml"),
+       " \u00e4r skadad: delen xl/drawings/drawing1.xml, som xl/worksheets/sheet2.xml h\u00e4nvisar till, "
+       "saknas.\n"},
+      {"Texter.xlsx", WithEntries(good, "xl/sharedStrings.xml"),
+       " \u00e4r skadad: delen xl/sharedStrings.xml, som xl/workbook.xml h\u00e4nvisar till, saknas.\n"},
+      {"Doctype.xlsx",
+       WithEntries(good, "", "xl/sharedStrings.xml", "<sst ",
+                   "<!DOCTYPE sst [<!ENTITY xxe SYSTEM \"file:///etc/passwd\">]><sst "),
+       " kan inte anv\u00e4ndas: delen xl/sharedStrings.xml har en dokumenttypsdeklaration (DOCTYPE), som "
+       "kan "
+       "h\u00e4mta in andra filer och som en arbetsbok fr\u00e5n Excel aldrig har. Spara om arbetsboken i "
+       "Excel.\n"},
+  };
+  for (const auto& c : cases) {
+    const auto workbook = TemplateFrom(c.bytes, c.name);
+    const std::string expected = "Filfel: Arbetsboken " + workbook.string() + c.message;
+    auto result = cli.Run({"check", workbook.string()});
+    EXPECT_EQ(result.exitCode, 1) << c.name;
+    EXPECT_EQ(result.out, "") << c.name;
+    EXPECT_EQ(result.err, expected) << c.name;
+
+    const auto target = temp.Write("Lista.xlsx", "det f\u00f6rra resultatet");
+    result =
+        cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string()});
+    EXPECT_EQ(result.exitCode, 1) << c.name;
+    EXPECT_EQ(result.out, "") << c.name;
+    EXPECT_EQ(result.err, expected) << c.name;
+    EXPECT_EQ(base::ReadWholeFile(target), "det f\u00f6rra resultatet") << c.name;
+    EXPECT_EQ(base::ReadWholeFile(workbook), c.bytes) << c.name;
+  }
+
+  // A good workbook renamed .xlsb is no binary workbook; the program refuses it as a template, and
+  // refuses to write its result under such a name.
+  const auto binary = TemplateFrom(good, "Mall.xlsb");
+  temp.Write("Mallb.ini", kIni);  // the pairing takes ".xls" out of the name
+  const std::string refusal = "Filfel: Filen " + binary.string() +
+                              " har \u00e4ndelsen .xlsb (bin\u00e4r arbetsbok), som inte kan \u00f6ppnas. "
+                              "Spara den som .xlsx eller .xlsm.\n";
+  auto result = cli.Run({"check", binary.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, refusal);
+  const auto target = temp.path() / "Lista.xlsb";
+  result = cli.Run({"generate", "--dump", kExample, "--template", binary.string(), "--out", target.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, refusal);
+  EXPECT_FALSE(std::filesystem::exists(target));
+
+  const auto workbook = TemplateFrom(good);
+  result =
+      cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err,
+            "Fel: Filen " + target.string() +
+                " kan inte skapas: \u00e4ndelsen .xlsb anger ett annat format \u00e4n den "
+                "arbetsbok som skrivs.\nAnge ett filnamn som slutar p\u00e5 .xlsx eller .xlsm.\n");
+  EXPECT_FALSE(std::filesystem::exists(target));
+}
+
 TEST_F(BadInputTest, CheckWarnsAboutLayoutsGenerationRunsAsTheyAre) {
   struct Case {
     std::string rows;

@@ -144,6 +144,124 @@ TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
             static_cast<std::ptrdiff_t>(cases.size()));
 }
 
+std::string TemplateWithout(const char* name, const std::string& part) {
+  Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath(name)));
+  package.Remove(part);
+  return package.ToZip();
+}
+
+std::string Utf16Le(std::string_view ascii) {
+  std::string wide = "\xFF\xFE";
+  for (const char c : ascii) {
+    wide += c;
+    wide += '\0';
+  }
+  return wide;
+}
+
+// A part that a relationship names but the archive lacks, a document type declaration (which could
+// pull in other files) in any XML part, and a name whose extension promises another format: each is
+// refused when the workbook is opened, naming the file and the part.
+TEST_F(PackageEngineTest, RefusesDanglingPartsDocumentTypesAndMisleadingNames) {
+  const std::string good = *base::ReadWholeFile(TemplatePath("title_block.xlsx"));
+  const std::string doctype =
+      "<!DOCTYPE styleSheet [<!ENTITY xxe SYSTEM \"file:///etc/passwd\">]><styleSheet ";
+  const std::string utf16Rels = Utf16Le(
+      "<?xml version=\"1.0\" encoding=\"UTF-16\"?><!DOCTYPE r [<!ENTITY e \"x\">]>"
+      "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\"/>");
+  Package withUtf16 = Package::FromZip(good);
+  withUtf16.SetBytes("xl/drawings/_rels/drawing1.xml.rels", utf16Rels);
+  struct Case {
+    std::string file;
+    std::string bytes;
+    std::string says;
+  };
+  const std::vector<Case> cases = {
+      {"Stilar.xlsx", TemplateWithout("title_block.xlsx", "xl/styles.xml"),
+       " är skadad: delen xl/styles.xml, som xl/workbook.xml hänvisar till, saknas."},
+      {"Ritning.xlsx", TemplateWithout("title_block.xlsx", "xl/drawings/drawing1.xml"),
+       " är skadad: delen xl/drawings/drawing1.xml, som xl/worksheets/sheet2.xml hänvisar till, saknas."},
+      {"Texter.xlsx", TemplateWithout("title_block.xlsx", "xl/sharedStrings.xml"),
+       " är skadad: delen xl/sharedStrings.xml, som xl/workbook.xml hänvisar till, saknas."},
+      {"Bild.xlsx", TemplateWithout("title_block.xlsx", "xl/media/image1.png"),
+       " är skadad: delen xl/media/image1.png, som xl/drawings/drawing1.xml hänvisar till, saknas."},
+      {"Doctype.xlsx", TemplateWith("title_block.xlsx", "xl/styles.xml", "<styleSheet ", doctype),
+       " kan inte användas: delen xl/styles.xml har en dokumenttypsdeklaration (DOCTYPE)"},
+      {"Utf16.xlsx", withUtf16.ToZip(),
+       " kan inte användas: delen xl/drawings/_rels/drawing1.xml.rels har en dokumenttypsdeklaration"},
+      {"Binar.xlsb", good, " har ändelsen .xlsb (binär arbetsbok), som inte kan öppnas."},
+      {"Makro.xlsx",
+       TemplateWith("title_block.xlsx", "[Content_Types].xml",
+                    "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml",
+                    "application/vnd.ms-excel.sheet.macroEnabled.main+xml"),
+       " har ändelsen .xlsx men är en arbetsbok av typen .xlsm."},
+  };
+  for (const auto& c : cases) {
+    const auto path = temp_.Write(c.file, c.bytes);
+    try {
+      app_.Workbooks().Open(path.string());
+      ADD_FAILURE() << c.file << " was opened";
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.number(), kApplicationDefined) << c.file;
+      EXPECT_NE(error.description().find(path.string() + c.says), std::string::npos)
+          << c.file << ": " << error.description();
+    }
+    EXPECT_EQ(WorkbookFileRefusal(path.string()).find(c.says) != std::string::npos, true) << c.file;
+    EXPECT_EQ(base::ReadWholeFile(path), c.bytes) << c.file;
+  }
+  EXPECT_EQ(app_.Workbooks().Count(), 0);
+  // The same workbook, whole and rightly named, opens.
+  EXPECT_EQ(WorkbookFileRefusal(temp_.Write("Hel.xlsx", good).string()), "");
+  EXPECT_EQ(WorkbookFileRefusal((temp_.path() / "Finns inte.xlsx").string()), "");
+}
+
+// A row element that carries attributes of the template's own (here an outline level, and no style
+// or height) stays when its cells are emptied: by a text the report leaves empty, and by the
+// clearing and refilling of a page in one-workbook-per-page runs.
+TEST_F(PackageEngineTest, EmptiedRowsKeepTheAttributesTheTemplateGaveThem) {
+  const std::string plainRow =
+      "<row r=\"1%\" customFormat=\"false\" ht=\"15\" hidden=\"false\" customHeight=\"false\" "
+      "outlineLevel=\"0\" collapsed=\"false\"><c r=\"A1%\" s=\"5\"/>";
+  const auto row = [&](int n) {
+    std::string text = plainRow;
+    for (auto at = text.find('%'); at != std::string::npos; at = text.find('%'))
+      text.replace(at, 1, std::to_string(n));
+    return text;
+  };
+  Package package = Package::FromZip(*base::ReadWholeFile(TemplatePath("title_block.xlsx")));
+  std::string sheet = package.Bytes("xl/worksheets/sheet2.xml");
+  for (const int n : {0, 1}) {
+    const std::string from = row(n);
+    ASSERT_NE(sheet.find(from), std::string::npos);
+    // The whole row: one cell with a text and no style, in a row of no style or height.
+    const auto at = sheet.find(from);
+    sheet.replace(at, sheet.find("</row>", at) - at,
+                  "<row r=\"1" + std::to_string(n) + "\" outlineLevel=\"1\"><c r=\"A1" + std::to_string(n) +
+                      "\" t=\"inlineStr\"><is><t>x</t></is></c>");
+  }
+  package.SetBytes("xl/worksheets/sheet2.xml", sheet);
+  const auto path = temp_.Write("Disposition.xlsx", package.ToZip());
+
+  Workbook book = app_.Workbooks().Open(path.string());
+  Sheet page = book.Sheets().Item(2);
+  page.Cells(10, 1).SetValue("");  // a field the report leaves empty
+  page.Range(page.Cells(11, 1), page.Cells(11, 1)).Select();
+  app_.Selection().ClearContents();  // a page cleared for the next one ...
+  page.Cells(11, 1).SetValue("W2");  // ... and filled again
+  pugi::xml_document saved;
+  ASSERT_TRUE(saved.load_string(
+      Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx")).Bytes("xl/worksheets/sheet2.xml").c_str()));
+  const auto rows = saved.document_element().child("sheetData");
+  const auto emptied = rows.find_child_by_attribute("row", "r", "10");
+  ASSERT_TRUE(emptied);
+  EXPECT_STREQ(emptied.attribute("outlineLevel").value(), "1");
+  EXPECT_FALSE(emptied.find_child_by_attribute("c", "r", "A10"));
+  const auto refilled = rows.find_child_by_attribute("row", "r", "11");
+  ASSERT_TRUE(refilled);
+  EXPECT_STREQ(refilled.attribute("outlineLevel").value(), "1");
+  EXPECT_STREQ(refilled.child("c").child("is").child_value("t"), "W2");
+}
+
 TEST_F(PackageEngineTest, ReadOnlyWorkbookIsNotSavedOverItself) {
   const auto path = temp_.Write("mall.xlsx", *base::ReadWholeFile(TemplatePath("title_block.xlsx")));
   const std::string before = *base::ReadWholeFile(path);

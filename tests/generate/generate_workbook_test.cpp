@@ -3,11 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/file_io.h"
 #include "base/own_temp_files.h"
 #include "base/windows_path.h"
+#include "excel/package/zip_archive.h"
 #include "generate/page_count.h"
 #include "generate/page_text.h"
 #include "generation_fixture.h"
+#include "temp_dir.h"
 
 namespace sw::generate {
 namespace {
@@ -220,6 +223,26 @@ TEST_F(GenerateWorkbookTest, DynamicRunFillsTheCommonSheetWithBreaksBeforeEachLa
                                        std::string("Selection.Borders(9).Weight = -4138")}));
   EXPECT_TRUE(outcome.completed);
   EXPECT_TRUE(state.dynamicLength);
+}
+
+// A sheet holds 1023 manual page breaks: a dynamic run whose report has more placements says so once
+// and stops without saving, as its printout could not start each placement on a page of its own.
+TEST_F(GenerateWorkbookTest, DynamicRunPastTheSheetsPageBreaksStopsWithOneMessage) {
+  UseIni("dynamic.ini");
+  for (int i = 1; i <= 1100; ++i) AddPlacement("+A" + std::to_string(i), i, 1);
+  const auto outcome = Generate();
+
+  EXPECT_FALSE(outcome.completed);
+  EXPECT_THAT(outcome.savedFiles, IsEmpty());
+  ASSERT_EQ(dialogs.messages.size(), 2u);
+  EXPECT_EQ(dialogs.messages[0].title, "Fel");
+  EXPECT_EQ(dialogs.messages[0].text,
+            "Rapporten har fler placeringar än bladet rymmer sidbrytningar för: ett kalkylblad rymmer högst "
+            "1023 manuella sidbrytningar, och placeringen på rad 1034 skulle inte börja på en egen sida.\r"
+            "Mallen Lista.xlsx har dynamisk sidlängd; dela upp rapporten eller använd en mall med fast "
+            "sidlängd.");
+  EXPECT_EQ(dialogs.messages[1].text,
+            "Genereringen avbröts och arbetsboken har inte sparats: /R/Lista.xlsx är som före körningen.");
 }
 
 TEST_F(GenerateWorkbookTest, DynamicSingleSheetRunWritesTheTemplateItself) {
@@ -439,6 +462,47 @@ TEST_F(GenerateWorkbookTest, MacroTemplateRefusesAnXlsxTarget) {
   dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsm")};
   EXPECT_TRUE(Generate().completed);
   EXPECT_THAT(dialogs.messages, IsEmpty());
+}
+
+// A template the engine will not open (here: its styles part is named but missing) is refused before
+// the user is asked where the result goes, and nothing is started or written.
+TEST_F(GenerateWorkbookTest, DamagedTemplateIsRefusedBeforeTheTargetIsAskedFor) {
+  AddPlacement("+A1", 1, 1);
+  testing::TempDir folder;
+  std::vector<excel::ZipSource> kept;
+  const auto entries =
+      excel::ReadZipArchive(*base::ReadWholeFile(testing::DataFile("templates/title_block.xlsx")), {});
+  for (const auto& entry : entries) {
+    if (entry.name != "xl/styles.xml") kept.push_back({entry.name, entry.bytes});
+  }
+  const auto workbook = folder.Write("Lista.xlsx", excel::WriteZipArchive(kept));
+  inputs.templateFolder = folder.path().string();
+  recording.AddWorkbookFile(EnginePath(inputs.templateFolder + "\\Lista.xlsx"), {"Common", "Mall"});
+
+  const auto outcome = Generate();
+  EXPECT_FALSE(outcome.completed);
+  EXPECT_THAT(dialogs.fileRequests, IsEmpty());
+  EXPECT_THAT(recording.lines(), IsEmpty());
+  ASSERT_EQ(dialogs.messages.size(), 1u);
+  EXPECT_EQ(dialogs.messages[0].title, "Filfel");
+  EXPECT_EQ(dialogs.messages[0].text, "Arbetsboken " + EnginePath(inputs.templateFolder + "\\Lista.xlsx") +
+                                          " är skadad: delen xl/styles.xml, som xl/workbook.xml hänvisar "
+                                          "till, saknas.");
+}
+
+// The engine writes Open XML: a target whose extension promises the binary format is refused once
+// chosen, before Excel is started.
+TEST_F(GenerateWorkbookTest, TargetNamedForAnotherFormatIsRefused) {
+  AddPlacement("+A1", 1, 1);
+  dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsb")};
+  const auto outcome = Generate();
+  EXPECT_FALSE(outcome.completed);
+  EXPECT_THAT(recording.lines(), IsEmpty());
+  EXPECT_THAT(outcome.savedFiles, IsEmpty());
+  ASSERT_EQ(dialogs.messages.size(), 1u);
+  EXPECT_EQ(dialogs.messages[0].text,
+            "Filen C:\\Rapporter\\Pump.xlsb kan inte skapas: ändelsen .xlsb anger ett annat format än den "
+            "arbetsbok som skrivs.\rAnge ett filnamn som slutar på .xlsx eller .xlsm.");
 }
 
 }  // namespace

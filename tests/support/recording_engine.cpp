@@ -225,7 +225,12 @@ class RecordingEngine final : public Engine {
     recording_.Record("Add", SheetText(sheet) + ".HPageBreaks.Add Before:=" + RangeText(before));
     if (before.firstRow <= 1)
       throw AutomationError(kApplicationDefined, DefaultErrorText(kApplicationDefined));
-    FindSheet(sheet).pageBreakRows.insert(before.firstRow);
+    auto& rows = FindSheet(sheet).pageBreakRows;
+    // Excel's limit of manual breaks on one sheet.
+    if (rows.size() >= 1023 && !rows.contains(before.firstRow))
+      throw AutomationError(kApplicationDefined,
+                            "Kalkylbladet har redan det största antalet sidbrytningar (1023).");
+    rows.insert(before.firstRow);
   }
   int PageBreakCount(SheetRef sheet) override {
     recording_.Record("Count", SheetText(sheet) + ".HPageBreaks.Count");

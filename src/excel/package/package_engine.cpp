@@ -145,8 +145,21 @@ WorkbookId PackageEngine::Adopt(std::unique_ptr<WorkbookDocument> document, cons
   return id;
 }
 
+std::string WorkbookFileRefusal(const std::string& path) {
+  try {
+    CheckBeforeReading(base::PathFromUtf8(path));
+    std::error_code error;
+    const auto bytes = base::ReadWholeFile(base::PathFromUtf8(path), &error);
+    if (!bytes) return {};
+    (void)WorkbookDocument::FromBytes(*bytes, {}, path);
+    return {};
+  } catch (const PackageError& error) {
+    return error.what();
+  }
+}
+
 WorkbookId PackageEngine::OpenBytes(std::string_view bytes, const std::string& fullName, bool readOnly) {
-  auto document = AsExcel([&] { return WorkbookDocument::FromBytes(bytes); });
+  auto document = AsExcel([&] { return WorkbookDocument::FromBytes(bytes, {}, fullName); });
   return Adopt(std::move(document), fullName, readOnly, false);
 }
 

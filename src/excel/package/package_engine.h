@@ -14,6 +14,12 @@ namespace sw::excel {
 
 class WorkbookDocument;
 
+// What the engine refuses in the workbook file at `path` when it opens it (damaged, a part it cannot
+// trust, another format than its name says), in the program's words; empty when it opens, and when
+// the file cannot be read at all, which the open itself tells. Lets a run refuse a template before
+// it asks where the result goes.
+std::string WorkbookFileRefusal(const std::string& path);
+
 class PackageEngine final : public Engine {
  public:
   // Every file is written through `writer` (by default base::WriteFileAtomically).

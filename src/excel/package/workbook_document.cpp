@@ -1,6 +1,7 @@
 #include "excel/package/workbook_document.h"
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 
 #include "base/strings.h"
@@ -52,6 +53,88 @@ void RenameInWorksheetFormulas(pugi::xml_node root, std::string_view oldName, st
   ForEachFormulaElement(root, [&](pugi::xml_node node) { RenameInFormula(node, oldName, newName); });
 }
 
+std::string BookNamed(std::string_view fileName) {
+  return fileName.empty() ? std::string("Arbetsboken") : "Arbetsboken " + std::string(fileName);
+}
+
+std::string ExtensionOf(std::string_view fileName) {
+  const auto slash = fileName.find_last_of("\\/");
+  const auto dot = fileName.rfind('.');
+  if (dot == std::string_view::npos || (slash != std::string_view::npos && dot < slash)) return {};
+  return base::AsciiLower(fileName.substr(dot));
+}
+
+// The binary workbook format is one this engine can neither read nor write; a package under that
+// name is a renamed file, and saving it back would write Open XML under a name promising binary.
+void RefuseBinaryExtension(std::string_view fileName) {
+  if (ExtensionOf(fileName) != ".xlsb") return;
+  throw PackageError("Filen " + std::string(fileName) +
+                     " har ändelsen .xlsb (binär arbetsbok), som inte kan öppnas. Spara den som .xlsx "
+                     "eller .xlsm.");
+}
+
+// Excel refuses a workbook whose extension names another kind of workbook than the one it holds (a
+// macro workbook named .xlsx, a template named .xlsm); a result saved from it would carry the mismatch.
+void RefuseOtherFormat(std::string_view fileName, std::string_view contentType) {
+  const std::string extension = ExtensionOf(fileName);
+  std::string_view expected;
+  if (extension == ".xlsx") expected = contenttype::kWorkbook;
+  if (extension == ".xlsm") expected = contenttype::kMacroWorkbook;
+  if (extension == ".xltx") expected = contenttype::kTemplate;
+  if (extension == ".xltm") expected = contenttype::kMacroTemplate;
+  if (expected.empty() || contentType == expected) return;
+  std::string holds = ".xlsx";
+  if (contentType == contenttype::kMacroWorkbook) holds = ".xlsm";
+  if (contentType == contenttype::kTemplate) holds = ".xltx";
+  if (contentType == contenttype::kMacroTemplate) holds = ".xltm";
+  throw PackageError("Filen " + std::string(fileName) + " har ändelsen " + extension +
+                     " men är en arbetsbok av typen " + holds + ". Ge den rätt ändelse.");
+}
+
+bool IsXmlPartName(std::string_view name) {
+  const std::string lower = base::AsciiLower(name);
+  const auto endsWith = [&](std::string_view suffix) {
+    return lower.size() >= suffix.size() &&
+           std::string_view(lower).substr(lower.size() - suffix.size()) == suffix;
+  };
+  return endsWith(".xml") || endsWith(".rels") || endsWith(".vml");
+}
+
+// A declaration in the part's prolog, looked for as UTF-8 and, for parts saved as UTF-16, in either
+// byte order. The bytes "<!DOCTYPE" can stand nowhere else in well-formed XML but in a comment or a
+// CDATA section, neither of which a workbook needs.
+bool HasDocumentType(std::string_view bytes) {
+  constexpr std::string_view kMarker = "<!DOCTYPE";
+  if (bytes.find(kMarker) != std::string_view::npos) return true;
+  std::string little, big;
+  for (const char c : kMarker) {
+    little += c;
+    little += '\0';
+    big += '\0';
+    big += c;
+  }
+  return bytes.find(little) != std::string_view::npos || bytes.find(big) != std::string_view::npos;
+}
+
+// "xl/worksheets/_rels/sheet1.xml.rels" -> "xl/worksheets/sheet1.xml"; "_rels/.rels" -> "".
+std::optional<std::string> SourceOfRelationships(std::string_view relsName) {
+  const std::string lower = base::AsciiLower(relsName);
+  if (lower.size() < 5 || lower.substr(lower.size() - 5) != ".rels") return std::nullopt;
+  const auto slash = relsName.rfind('/');
+  const std::string_view folder =
+      slash == std::string_view::npos ? std::string_view() : relsName.substr(0, slash);
+  const std::string_view file = relsName.substr(slash == std::string_view::npos ? 0 : slash + 1);
+  const auto folderSlash = folder.rfind('/');
+  const std::string_view last =
+      folderSlash == std::string_view::npos ? folder : folder.substr(folderSlash + 1);
+  if (last != "_rels") return std::nullopt;
+  const std::string_view parent =
+      folderSlash == std::string_view::npos ? std::string_view() : folder.substr(0, folderSlash);
+  const std::string_view stem = file.substr(0, file.size() - 5);
+  if (stem.empty()) return parent.empty() ? std::optional<std::string>("") : std::nullopt;
+  return parent.empty() ? std::string(stem) : std::string(parent) + "/" + std::string(stem);
+}
+
 }  // namespace
 
 void WorkbookDocument::CheckFileHead(std::string_view head, std::uintmax_t size,
@@ -72,15 +155,46 @@ void WorkbookDocument::CheckFileHead(std::string_view head, std::uintmax_t size,
 }
 
 std::unique_ptr<WorkbookDocument> WorkbookDocument::FromBytes(std::string_view bytes,
-                                                              const PackageLimits& limits) {
+                                                              const PackageLimits& limits,
+                                                              std::string_view fileName) {
   CheckFileHead(bytes.substr(0, std::min<std::size_t>(bytes.size(), 8)), bytes.size(), limits);
+  RefuseBinaryExtension(fileName);
   std::unique_ptr<WorkbookDocument> document(new WorkbookDocument());
   document->package_ = Package::FromZip(bytes, limits);
-  document->Load();
+  if (!document->package_.Has(kContentTypesPart)) NotAWorkbook();
+  document->RefuseDocumentTypes(fileName);
+  document->RefuseMissingParts(fileName);
+  document->Load(fileName);
   return document;
 }
 
-void WorkbookDocument::Load() {
+void WorkbookDocument::RefuseDocumentTypes(std::string_view fileName) {
+  for (const std::string& name : package_.PartNames()) {
+    if (!IsXmlPartName(name) || package_.IsParsed(name)) continue;
+    if (HasDocumentType(package_.Bytes(name))) {
+      throw PackageError(BookNamed(fileName) + " kan inte användas: delen " + name +
+                         " har en dokumenttypsdeklaration (DOCTYPE), som kan hämta in andra filer och "
+                         "som en arbetsbok från Excel aldrig har. Spara om arbetsboken i Excel.");
+    }
+  }
+}
+
+void WorkbookDocument::RefuseMissingParts(std::string_view fileName) {
+  for (const std::string& relsName : package_.PartNames()) {
+    const auto source = SourceOfRelationships(relsName);
+    if (!source) continue;
+    // Relationships of a part that is itself gone lead nowhere Excel would look.
+    if (!source->empty() && !package_.Has(*source)) continue;
+    for (const auto& relationship : ReadRelationships(package_, *source)) {
+      if (relationship.external || relationship.partName.empty()) continue;
+      if (package_.Has(relationship.partName)) continue;
+      throw PackageError(BookNamed(fileName) + " är skadad: delen " + relationship.partName + ", som " +
+                         (source->empty() ? relsName : *source) + " hänvisar till, saknas.");
+    }
+  }
+}
+
+void WorkbookDocument::Load(std::string_view fileName) {
   if (!package_.Has(kContentTypesPart)) NotAWorkbook();
   for (const auto& relationship : ReadRelationships(package_, "")) {
     if (relationship.type == reltype::kStrictOfficeDocument) {
@@ -96,6 +210,7 @@ void WorkbookDocument::Load() {
       type != contenttype::kTemplate && type != contenttype::kMacroTemplate) {
     NotAWorkbook();
   }
+  RefuseOtherFormat(fileName, type);
   auto& workbook = package_.Xml(workbookPart_);
   DropMainNamespacePrefix(workbook);
   const auto root = workbook.document_element();

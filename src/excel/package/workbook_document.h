@@ -24,9 +24,12 @@ class WorkbookDocument {
   // `size` bytes long cannot be a workbook: an old binary .xls, no zip archive, or too large. Asked
   // before a file is read whole, so a huge file of anything else is refused at once.
   static void CheckFileHead(std::string_view head, std::uintmax_t size, const PackageLimits& limits = {});
-  // Throws PackageError: not a workbook, an old binary .xls, Strict Open XML, or a damaged package.
-  static std::unique_ptr<WorkbookDocument> FromBytes(std::string_view bytes,
-                                                     const PackageLimits& limits = {});
+  // Throws PackageError: not a workbook, an old binary .xls, Strict Open XML, a damaged package (a
+  // part that a relationship names is missing), a part with a document type declaration, or a file
+  // whose name promises another format than the one it holds. `fileName`, when known, is the file's
+  // name for the messages and for the format its extension promises.
+  static std::unique_ptr<WorkbookDocument> FromBytes(std::string_view bytes, const PackageLimits& limits = {},
+                                                     std::string_view fileName = {});
   // A workbook of one sheet `sheetName` holding `rows`; cells of columns marked in `textColumns` use
   // the text format, the others general (numbers stored as numbers). `rowsWritten`, when given, hears
   // of the rows put into the sheet as OpenTextOptions::rowsWritten says.
@@ -71,7 +74,9 @@ class WorkbookDocument {
 
  private:
   WorkbookDocument() = default;
-  void Load();
+  void Load(std::string_view fileName);
+  void RefuseDocumentTypes(std::string_view fileName);
+  void RefuseMissingParts(std::string_view fileName);
   void Touch(const std::string& part);
   void ShiftLocalSheetIds(int from);
   void CopyDefinedNames(int source, int copy, std::string_view sourceName, std::string_view copyName);

@@ -186,7 +186,7 @@ std::unique_ptr<WorkbookDocument> WorkbookDocument::FromTable(
     margins.append_attribute(key) = value;
   }
   package.SetXml("xl/worksheets/sheet1.xml", std::move(sheet));
-  document->Load();
+  document->Load({});
   document->dirtySheets_.push_back("xl/worksheets/sheet1.xml");
   return document;
 }

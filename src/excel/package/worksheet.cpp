@@ -251,6 +251,21 @@ void Worksheet::SetText(int row, int column, std::string_view text) {
   SetChildText(cell.append_child("is"), "t", EncodeCellText(text));
 }
 
+namespace {
+
+// A row element that says nothing but where it is and which columns it spans: an empty one can go.
+// Any other attribute (a style, a height, hidden, an outline level, thick borders, ...) is the
+// template's and keeps the row.
+bool OnlyPlacesItself(pugi::xml_node row) {
+  for (const auto attribute : row.attributes()) {
+    const std::string_view name = attribute.name();
+    if (name != "r" && name != "spans") return false;
+  }
+  return true;
+}
+
+}  // namespace
+
 void Worksheet::ClearContents(int firstRow, int firstColumn, int lastRow, int lastColumn) {
   std::vector<pugi::xml_node> cells;
   ForEachCell(firstRow, firstColumn, lastRow, lastColumn,
@@ -264,7 +279,7 @@ void Worksheet::ClearContents(int firstRow, int firstColumn, int lastRow, int la
     if (!cell.attribute("s")) {
       auto row = cell.parent();
       row.remove_child(cell);
-      if (!row.first_child() && !row.attribute("s") && !row.attribute("ht") && !row.attribute("hidden")) {
+      if (!row.first_child() && OnlyPlacesItself(row)) {
         nearRow_ = {};
         sheetData_.remove_child(row);
       }
