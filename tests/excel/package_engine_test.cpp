@@ -213,6 +213,14 @@ TEST_F(PackageEngineTest, RefusesDanglingPartsDocumentTypesAndMisleadingNames) {
   // The same workbook, whole and rightly named, opens.
   EXPECT_EQ(WorkbookFileRefusal(temp_.Write("Hel.xlsx", good).string()), "");
   EXPECT_EQ(WorkbookFileRefusal((temp_.path() / "Finns inte.xlsx").string()), "");
+  // A part whose name the relationships write escaped ("%20" for a space) is there under its plain name.
+  Package escaped = Package::FromZip(good);
+  escaped.SetBytes("xl/media/bild 1.png", std::string(escaped.Bytes("xl/media/image1.png")));
+  escaped.Remove("xl/media/image1.png");
+  std::string rels = escaped.Bytes("xl/drawings/_rels/drawing1.xml.rels");
+  rels.replace(rels.find("image1.png"), std::string("image1.png").size(), "bild%201.png");
+  escaped.SetBytes("xl/drawings/_rels/drawing1.xml.rels", rels);
+  EXPECT_EQ(WorkbookFileRefusal(temp_.Write("Mellanslag.xlsx", escaped.ToZip()).string()), "");
 }
 
 // A row element that carries attributes of the template's own (here an outline level, and no style

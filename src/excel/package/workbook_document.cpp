@@ -17,6 +17,28 @@ namespace sw::excel {
 
 namespace {
 
+// Relationship targets are URIs: a part named with a space or a non-ASCII letter may be written with
+// "%20"-style escapes while the zip entry carries the plain name.
+std::string PercentDecoded(std::string_view target) {
+  std::string plain;
+  plain.reserve(target.size());
+  const auto hex = [](char c) -> int {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    return -1;
+  };
+  for (std::size_t i = 0; i < target.size(); ++i) {
+    if (target[i] == '%' && i + 2 < target.size() && hex(target[i + 1]) >= 0 && hex(target[i + 2]) >= 0) {
+      plain += static_cast<char>(hex(target[i + 1]) * 16 + hex(target[i + 2]));
+      i += 2;
+    } else {
+      plain += target[i];
+    }
+  }
+  return plain;
+}
+
 constexpr std::size_t kParsedSheetLimit = 8;  // sheets kept parsed at once; the others wait as text
 constexpr std::string_view kStrictMainNamespace = "http://purl.oclc.org/ooxml/spreadsheetml/main";
 constexpr std::string_view kStylesType =
@@ -187,7 +209,8 @@ void WorkbookDocument::RefuseMissingParts(std::string_view fileName) {
     if (!source->empty() && !package_.Has(*source)) continue;
     for (const auto& relationship : ReadRelationships(package_, *source)) {
       if (relationship.external || relationship.partName.empty()) continue;
-      if (package_.Has(relationship.partName)) continue;
+      if (package_.Has(relationship.partName) || package_.Has(PercentDecoded(relationship.partName)))
+        continue;
       throw PackageError(BookNamed(fileName) + " är skadad: delen " + relationship.partName + ", som " +
                          (source->empty() ? relsName : *source) + " hänvisar till, saknas.");
     }
