@@ -284,6 +284,7 @@ void DialogsTest::messagesOpenOverTheWindowBeingStarted() {
 
 void DialogsTest::warningNoMoreAndCancelStopsTheRunAndSwitchesItOff() {
   sw::testing::FakeInstallation install;
+  sw::testing::WithExampleTemplate(install);
   sw::testing::RecordingLauncher launcher;
   sw::gui::DialogSingleSheetWarning warning(install.settings, nullptr);
   sw::session::Session session({.registry = install.registry,
@@ -324,6 +325,7 @@ void DialogsTest::warningNoMoreAndCancelStopsTheRunAndSwitchesItOff() {
 
 void DialogsTest::warningOkGoesOn() {
   sw::testing::FakeInstallation install;
+  sw::testing::WithExampleTemplate(install);
   sw::testing::RecordingLauncher launcher;
   sw::gui::DialogSingleSheetWarning warning(install.settings, nullptr);
   sw::session::Session session({.registry = install.registry,

@@ -14,6 +14,7 @@
 #include <QProgressBar>
 #include <QScreen>
 #include <QStatusBar>
+#include <QDir>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
@@ -33,6 +34,8 @@ using sw::testing::StartedWindow;
 using List = std::vector<std::string>;
 
 namespace {
+
+using sw::testing::WithExampleTemplate;
 
 const QColor kGreen(0xC0, 0xFF, 0xC0);
 const QColor kYellow(0xFF, 0xFF, 0xC0);
@@ -95,17 +98,6 @@ void DoubleClick(StartedWindow& started, QPoint point) {
   QTest::mouseDClick(viewport, Qt::LeftButton, {}, point);
 }
 
-// A real template with its INI file in place of the installation's placeholder, and a folder for results.
-void WithExampleTemplate(sw::testing::FakeInstallation& install) {
-  const std::filesystem::path examples = std::filesystem::path(SW_SOURCE_DIR) / "examples";
-  std::filesystem::copy_file(examples / "yttre_forbindningstabell.xlsx",
-                             install.Host("Projektmallar/PANEL.xlsx"),
-                             std::filesystem::copy_options::overwrite_existing);
-  std::filesystem::copy_file(examples / "yttre_forbindningstabell.ini",
-                             install.Host("Projektmallar/PANEL.ini"),
-                             std::filesystem::copy_options::overwrite_existing);
-  std::filesystem::create_directories(install.Host("Ut"));
-}
 
 QString StatusText(StartedWindow& started) {
   return started.window->findChild<QLabel*>(QStringLiteral("lblSummary"))->text();
@@ -447,10 +439,15 @@ void MainWindowTest::droppedAndRecentDumpsLoad() {
   QVERIFY(!recent->isEnabled());
 
   // A dump dragged from the file manager onto the window.
+#ifdef _WIN32
+  // The test's drive C: is a folder of its own: a file dropped from it is named on that drive.
+  const QString dropped = QStringLiteral("C:\\VOLTARIS\\Rapport\\volt_report.txt");
+#else
   const QString dropped =
       QString::fromStdString(started.install.Host("VOLTARIS/Rapport/volt_report.txt").string());
+#endif
   QMimeData data;
-  data.setUrls({QUrl::fromLocalFile(dropped)});
+  data.setUrls({QUrl::fromLocalFile(QDir::fromNativeSeparators(dropped))});
   QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
   QCoreApplication::sendEvent(window, &enter);
   QVERIFY(enter.isAccepted());

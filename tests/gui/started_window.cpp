@@ -1,11 +1,25 @@
 #include "started_window.h"
 
 #include <QTest>
+#include <filesystem>
 
 #include "base/file_io.h"
 #include "gui/report_table_model.h"
 
 namespace sw::testing {
+
+// A real template with its INI file in place of the installation's placeholder, and a folder for results.
+void WithExampleTemplate(FakeInstallation& install) {
+  const std::filesystem::path examples = std::filesystem::path(SW_SOURCE_DIR) / "examples";
+  std::filesystem::copy_file(examples / "yttre_forbindningstabell.xlsx",
+                             install.Host("Projektmallar/PANEL.xlsx"),
+                             std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::copy_file(examples / "yttre_forbindningstabell.ini",
+                             install.Host("Projektmallar/PANEL.ini"),
+                             std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::create_directories(install.Host("Ut"));
+}
+
 
 StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepare) {
   if (prepare) prepare(install);

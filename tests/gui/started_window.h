@@ -43,6 +43,9 @@ class NoLauncher final : public base::ProcessLauncher {
   bool RunMinimisedAndWait(std::string_view) override { return false; }
 };
 
+// A real template with its INI file in place of the installation's placeholder, and a folder for results.
+void WithExampleTemplate(FakeInstallation& install);
+
 struct StartedWindow {
   // `prepare` changes the installation before the window starts.
   explicit StartedWindow(const std::function<void(FakeInstallation&)>& prepare = {});
