@@ -5,12 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "base/notice.h"
+
 namespace sw::base {
-
-// The program's title: the title of a message box shown without one of its own.
-inline constexpr const char* kApplicationTitle = "Sheetwright";
-
-enum class MessageIcon { kNone, kCritical, kQuestion, kExclamation, kInformation };
 enum class MessageButtons { kOk, kOkCancel, kAbortRetryIgnore, kYesNoCancel, kYesNo, kRetryCancel };
 enum class MessageAnswer { kOk, kCancel, kAbort, kRetry, kIgnore, kYes, kNo };
 
@@ -46,6 +43,9 @@ class Dialogs {
   // The chosen path, or nothing when the user cancelled.
   virtual std::optional<std::string> ShowFileDialog(const FileDialogRequest& request) = 0;
 };
+
+// A notice as a message box with an OK button.
+inline Message AsMessage(const Notice& notice) { return Message{notice.text, notice.title, notice.icon}; }
 
 // The title a message box shows.
 inline std::string EffectiveTitle(const Message& message) {
