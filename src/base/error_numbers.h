@@ -2,6 +2,7 @@
 // The numbered run-time errors: what the user is shown as "<number> - <description>" and what the
 // program tells apart. Users quote these numbers to support and in their own notes, so each keeps the
 // value the program has always shown for it.
+#include <string>
 #include <system_error>
 
 namespace sw::base {
@@ -18,8 +19,15 @@ enum ErrorNumber : int {
   kPathFileAccess = 75,
   kObjectNotSet = 91,
   kCannotCreateObject = 429,
+  kMemberNotFound = 438,
+  kNamedArgumentNotFound = 448,
+  kArgumentNotOptional = 449,
   kApplicationDefined = 1004,  // raised by Excel
 };
+
+// The description that goes with `number`, in the program's language: "Fel <number>" for a number
+// the program has no text of its own for.
+std::string ErrorText(int number);
 
 // The number a refused file access stands for, as Excel reports it: a locked or write-protected file
 // is "permission denied" (70), a missing drive or medium "device unavailable" (68); 0 for any other

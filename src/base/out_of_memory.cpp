@@ -5,8 +5,7 @@
 namespace sw::base {
 
 std::string OutOfMemoryMessage(std::string_view doing) {
-  return std::to_string(kOutOfMemory) + " - " + std::string(kOutOfMemoryText) + " vid " + std::string(doing) +
-         ".";
+  return std::to_string(kOutOfMemory) + " - " + ErrorText(kOutOfMemory) + " vid " + std::string(doing) + ".";
 }
 
 }  // namespace sw::base

@@ -6,8 +6,6 @@
 
 namespace sw::base {
 
-inline constexpr std::string_view kOutOfMemoryText = "Slut på minne";
-
 // "7 - Slut på minne vid <doing>."
 std::string OutOfMemoryMessage(std::string_view doing);
 

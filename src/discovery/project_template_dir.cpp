@@ -19,7 +19,7 @@ std::optional<std::string> ProjectRdsDefFromText(std::string_view text) {
       base::TrimSpaces(std::string_view(cleaned).substr(keyword + cadenv::kRdsDefKeyword.size()));
   const std::size_t lineEnd = rest.find("\r\n");
   if (lineEnd == std::string_view::npos) return std::nullopt;
-  if (lineEnd == 0) throw NumberedError(kInvalidProcedureCall, "Ogiltigt proceduranrop eller argument");
+  if (lineEnd == 0) throw NumberedError(kInvalidProcedureCall);
   return std::string(rest.substr(0, lineEnd - 1));
 }
 
@@ -40,7 +40,7 @@ std::optional<std::string> ProjectTemplateDirectory(cadenv::Registry& registry,
   const std::string configPath = base::ReplaceAll(base::UpperCase(project), ".PDS", ".CFG");
   if (!base::WindowsFileExists(configPath)) return std::nullopt;
   const auto bytes = base::ReadWholeFile(base::ResolveWindowsPath(configPath));
-  if (!bytes) throw NumberedError(kPermissionDenied, "Åtkomst nekad");
+  if (!bytes) throw NumberedError(kPermissionDenied);
 
   auto directory = ProjectRdsDefFromText(base::DecodeText(*bytes));
   if (!directory) return std::nullopt;

@@ -3,32 +3,30 @@
 #include <filesystem>
 #include <new>
 
-#include "base/out_of_memory.h"
-
 namespace sw::discovery {
 
 StepFailure DescribeFailure(std::exception_ptr error) {
   try {
     std::rethrow_exception(error);
   } catch (const NumberedError& numbered) {
-    return {numbered.number(), numbered.what()};
+    return {numbered.number(), numbered.description()};
   } catch (const std::filesystem::filesystem_error&) {
-    return {kPathFileAccess, "Fel vid åtkomst till sökväg/fil"};
+    return {kPathFileAccess, base::ErrorText(kPathFileAccess)};
   } catch (const std::bad_alloc&) {
-    return {kOutOfMemory, std::string(base::kOutOfMemoryText)};
+    return {kOutOfMemory, base::ErrorText(kOutOfMemory)};
   } catch (const std::exception& other) {
     return {kInvalidProcedureCall, other.what()};
   } catch (...) {
-    return {kInvalidProcedureCall, "Ogiltigt proceduranrop eller argument"};
+    return {kInvalidProcedureCall, base::ErrorText(kInvalidProcedureCall)};
   }
 }
 
-void ReportStepFailure(base::Dialogs& dialogs, const StepFailure& failure) {
-  if (failure.number == kApplicationDefined) return;
-  dialogs.ShowMessage({.text = std::to_string(failure.number) + " - " + failure.description,
-                       .title = {},
-                       .icon = base::MessageIcon::kExclamation,
-                       .buttons = base::MessageButtons::kOk});
+base::Outcome<base::Done> FailedStep(const StepFailure& failure) {
+  base::Outcome<base::Done> outcome;
+  outcome.Fail(base::Done::kNo);
+  if (failure.number == kApplicationDefined) return outcome;
+  return outcome.Tell(std::to_string(failure.number) + " - " + failure.description,
+                      base::MessageIcon::kExclamation);
 }
 
 }  // namespace sw::discovery

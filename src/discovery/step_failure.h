@@ -3,11 +3,11 @@
 // Each step of a refresh catches what goes wrong inside it, so one bad configuration file or folder
 // costs the user that step, not the whole list.
 #include <exception>
-#include <stdexcept>
 #include <string>
 
-#include "base/dialogs.h"
 #include "base/error_numbers.h"
+#include "base/numbered_error.h"
+#include "base/outcome.h"
 
 namespace sw::discovery {
 
@@ -17,16 +17,7 @@ using base::kPathFileAccess;
 using base::kPermissionDenied;
 // An error raised by Excel; a refresh step skips it without a word.
 using base::kApplicationDefined;
-
-class NumberedError : public std::runtime_error {
- public:
-  NumberedError(int number, const std::string& description)
-      : std::runtime_error(description), number_(number) {}
-  int number() const { return number_; }
-
- private:
-  int number_;
-};
+using base::NumberedError;
 
 struct StepFailure {
   int number = 0;
@@ -37,21 +28,18 @@ struct StepFailure {
 // system error as 75, exhausted memory as 7, anything else as 5 with its own text.
 StepFailure DescribeFailure(std::exception_ptr error);
 
-// Runs one step. A failure other than 1004 is told in a message box with an exclamation icon and the
-// text "<number> - <description>"; 1004 is skipped silently. Returns whether the step ran through.
-template <typename Step>
-bool RunStep(base::Dialogs& dialogs, Step&& step);
+// A step that did not get through: the notice "<number> - <description>" with an exclamation icon,
+// none for 1004.
+base::Outcome<base::Done> FailedStep(const StepFailure& failure);
 
-void ReportStepFailure(base::Dialogs& dialogs, const StepFailure& failure);
-
+// Runs one step; a failure ends it with Done::kNo and what FailedStep tells.
 template <typename Step>
-bool RunStep(base::Dialogs& dialogs, Step&& step) {
+base::Outcome<base::Done> RunStep(Step&& step) {
   try {
     step();
-    return true;
+    return {};
   } catch (...) {
-    ReportStepFailure(dialogs, DescribeFailure(std::current_exception()));
-    return false;
+    return FailedStep(DescribeFailure(std::current_exception()));
   }
 }
 

@@ -5,6 +5,7 @@
 #include "base/strings.h"
 #include "base/windows_path.h"
 #include "discovery/refresh_files.h"
+#include "discovery/step_failure.h"
 #include "generate/page_count.h"
 #include "generate/template_check.h"
 #include "preview/export_fixup.h"
@@ -82,6 +83,11 @@ void Session::Notify(Changes what) {
   for (auto* observer : observers_) observer->SessionChanged(what);
 }
 
+template <typename Status>
+void Session::Show(const base::Outcome<Status>& outcome) {
+  for (const auto& notice : outcome.notices) services_.dialogs.ShowMessage(base::AsMessage(notice));
+}
+
 void Session::Log(std::string_view message) const {
   if (services_.startLog && services_.startLog->Enabled()) services_.startLog->WriteStartLog(message);
 }
@@ -150,11 +156,14 @@ void Session::RefreshFiles() {
   const discovery::DiscoverySources sources{.registry = services_.registry,
                                             .settings = services_.settings,
                                             .environment = services_.environment,
-                                            .dialogs = services_.dialogs,
                                             .startLog = [this](std::string_view line) { Log(line); }};
-  const discovery::RefreshHooks hooks{.refreshTemplates = [this] { RefillTemplates(); },
-                                      .dumpChosen = [this] { DumpChanged(); }};
-  discovery::RefreshFiles(sources, rdsDir_, voltDump_, hooks);
+  // A failed step is told before the window moves on to what the next one sets off.
+  const auto directories = discovery::FillTemplateDirectories(sources, rdsDir_);
+  Show(directories);
+  if (directories) Show(discovery::RunStep([this] { RefillTemplates(); }));
+  const auto dumps = discovery::FillReportDumps(sources, voltDump_);
+  Show(dumps);
+  if (dumps) Show(discovery::RunStep([this] { DumpChanged(); }));
   Notify(Change::kPickers);
 }
 

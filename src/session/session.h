@@ -18,6 +18,7 @@
 
 #include "base/dialogs.h"
 #include "base/environment.h"
+#include "base/outcome.h"
 #include "base/process_launcher.h"
 #include "cadenv/registry.h"
 #include "discovery/combo_picker.h"
@@ -238,6 +239,9 @@ class Session {
   class RecordingDialogs;
 
   void Log(std::string_view message) const;
+  // Tells the user what a routine below found out, in its order.
+  template <typename Status>
+  void Show(const base::Outcome<Status>& outcome);
   void Notify(Changes what);
   void RefreshFiles();
   void RefillTemplates();

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <functional>
+#include <new>
+#include <stdexcept>
+
 #include "discovery/step_failure.h"
 #include "fake_installation.h"
 
@@ -14,17 +19,25 @@ class RefreshFilesTest : public ::testing::Test {
  protected:
   explicit RefreshFilesTest(bool withCadFiles = true) : install_(withCadFiles) {}
 
+  // Both halves, as the session runs them; what a choice sets off is noted in calls_.
   void Refresh() {
     log_.clear();
+    notices_.clear();
     const DiscoverySources sources{.registry = install_.registry,
                                    .settings = install_.settings,
                                    .environment = install_.environment,
-                                   .dialogs = install_.dialogs,
                                    .startLog = [this](std::string_view line) { log_.emplace_back(line); }};
-    const RefreshHooks hooks{
-        .refreshTemplates = [this] { calls_.push_back("templates for " + rdsDir_.text); },
-        .dumpChosen = [this] { calls_.push_back("dump " + voltDump_.text); }};
-    RefreshFiles(sources, rdsDir_, voltDump_, hooks);
+    const auto directories = FillTemplateDirectories(sources, rdsDir_);
+    Keep(directories);
+    if (directories) calls_.push_back("templates for " + rdsDir_.text);
+    const auto dumps = FillReportDumps(sources, voltDump_);
+    Keep(dumps);
+    if (dumps) calls_.push_back("dump " + voltDump_.text);
+  }
+
+  template <typename Status>
+  void Keep(const base::Outcome<Status>& outcome) {
+    notices_.insert(notices_.end(), outcome.notices.begin(), outcome.notices.end());
   }
 
   testing::FakeInstallation install_;
@@ -32,6 +45,7 @@ class RefreshFilesTest : public ::testing::Test {
   ComboPicker voltDump_;
   List log_;
   List calls_;
+  std::vector<base::Notice> notices_;
 };
 
 const List kTemplateDirs = {"C:\\VOLTARIS\\Mallar\\", "C:\\VOLTARIS\\Extra\\",
@@ -56,7 +70,7 @@ TEST_F(RefreshFilesTest, FillsBothPickersFromTheInstallation) {
                   "Fetching RDS-dir from C:\\VOLTARIS\\User\\voltaris.cfg",
                   "Fetching RDS-dir from C:\\VOLTARIS\\Saknas\\voltaris.cfg", "Fetching last used RDS-dir",
                   "Refreshing RDS", "Fetching VOLTID-dirs from registry", "Fetching last used VOLTID-dir"}));
-  EXPECT_TRUE(install_.dialogs.messages.empty());
+  EXPECT_TRUE(notices_.empty());
 }
 
 TEST_F(RefreshFilesTest, EarlierChoiceSurvivesWhileLastRdsDirExists) {
@@ -106,26 +120,40 @@ TEST_F(RefreshFilesTest, AFailingStepIsToldAndSkipped) {
   // The project configuration's keyword stands at its line's end: step D fails with error 5.
   install_.Write("Projekt/Kraft/kraft.cfg", "(setq X 1)\r\nRDS_DEF\r\n");
   Refresh();
-  ASSERT_EQ(install_.dialogs.messages.size(), 1u);
-  EXPECT_EQ(install_.dialogs.messages[0].text, "5 - Ogiltigt proceduranrop eller argument");
-  EXPECT_EQ(install_.dialogs.messages[0].icon, base::MessageIcon::kExclamation);
+  EXPECT_EQ(notices_, (std::vector<base::Notice>{{.text = "5 - Ogiltigt proceduranrop eller argument",
+                                                   .title = {},
+                                                   .icon = base::MessageIcon::kExclamation}}));
   EXPECT_EQ(rdsDir_.items.size(), 4u);  // without the project's directory
   EXPECT_EQ(rdsDir_.text, "\\");        // and the steps after it ran
   EXPECT_EQ(voltDump_.items, kDumps);
+  EXPECT_EQ(calls_, (List{"templates for \\", "dump " + kDumps[1]}));
 }
 
-TEST_F(RefreshFilesTest, ErrorsFromExcelAreSkippedSilently) {
-  const DiscoverySources sources{.registry = install_.registry,
-                                 .settings = install_.settings,
-                                 .environment = install_.environment,
-                                 .dialogs = install_.dialogs,
-                                 .startLog = {}};
-  const RefreshHooks hooks{.refreshTemplates = [] { throw NumberedError(kApplicationDefined, "Excel"); },
-                           .dumpChosen = [] { throw std::runtime_error("Trasig"); }};
-  RefreshFiles(sources, rdsDir_, voltDump_, hooks);
-  ASSERT_EQ(install_.dialogs.messages.size(), 1u);
-  EXPECT_EQ(install_.dialogs.messages[0].text, "5 - Trasig");
-  EXPECT_EQ(voltDump_.items, kDumps);  // F and G ran after E failed
+TEST(StepFailureTest, EachFailureIsToldByItsNumberAndExcelsOwnNotAtAll) {
+  const struct {
+    std::function<void()> step;
+    bool ranThrough;
+    std::vector<std::string> told;
+  } cases[] = {
+      {[] {}, true, {}},
+      {[] { throw NumberedError(kPermissionDenied, "Åtkomst nekad"); }, false, {"70 - Åtkomst nekad"}},
+      {[] { throw NumberedError(kApplicationDefined, "Excel"); }, false, {}},
+      {[] { throw std::runtime_error("Trasig"); }, false, {"5 - Trasig"}},
+      {[] { throw std::bad_alloc(); }, false, {"7 - Slut på minne"}},
+      {[] { throw std::filesystem::filesystem_error("x", std::error_code()); }, false,
+       {"75 - Fel vid åtkomst till sökväg/fil"}},
+      {[] { throw 1; }, false, {"5 - Ogiltigt proceduranrop eller argument"}},
+  };
+  for (const auto& c : cases) {
+    const auto outcome = RunStep(c.step);
+    EXPECT_EQ(static_cast<bool>(outcome), c.ranThrough);
+    std::vector<std::string> told;
+    for (const auto& notice : outcome.notices) {
+      told.push_back(notice.text);
+      EXPECT_EQ(notice.icon, base::MessageIcon::kExclamation);
+    }
+    EXPECT_EQ(told, c.told);
+  }
 }
 
 class NoInstallationTest : public RefreshFilesTest {
@@ -143,7 +171,7 @@ TEST_F(NoInstallationTest, BothListsStayEmptyAndNothingIsChosen) {
   EXPECT_EQ(voltDump_.text, "");
   EXPECT_EQ(calls_, List{"templates for "});
   EXPECT_EQ(log_.size(), 6u);  // no "Fetching RDS-dir from" line without a USER value
-  EXPECT_TRUE(install_.dialogs.messages.empty());
+  EXPECT_TRUE(notices_.empty());
 }
 
 }  // namespace
