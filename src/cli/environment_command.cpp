@@ -82,18 +82,6 @@ void AddEnvironmentCommand(CLI::App& app, EnvironmentOptions& options) {
                       "LETTER=FOLDER: read Windows paths on that drive below FOLDER (repeatable)");
 }
 
-DiscoveredInputs DiscoverInputs(std::ostream& err) {
-  auto registry = OpenUserSettings(err);
-  if (!registry) return {.dump = {}, .templateWorkbook = {}, .settingsReadable = false};
-  settings::RegistrySettings stored(*registry);
-  CliSession cli(err, {.answerYes = false, .readOnly = true}, *registry, stored, base::ProcessEnvironment());
-  auto& session = cli.Session();
-  session.Start();
-  return DiscoveredInputs{.dump = session.ReportDumps().text,
-                          .templateWorkbook = session.TemplatePath(),
-                          .settingsReadable = true};
-}
-
 int RunEnvironment(const EnvironmentOptions& options, std::ostream& out, std::ostream& err) {
   auto registry = OpenUserSettings(err);
   if (!registry) return 1;

@@ -39,14 +39,4 @@ int RunEnvironmentWith(const EnvironmentOptions& options, cadenv::Registry& regi
                        settings::Settings& settings, const base::Environment& environment, std::ostream& out,
                        std::ostream& err);
 
-// What discovery chooses at start-up, for commands run without naming a dump or template: the dump
-// picker's text and the matched template's path (the template list's folder and its name), each ""
-// when nothing was chosen. Messages of the run go to `err`; the settings are only read.
-struct DiscoveredInputs {
-  std::string dump;
-  std::string templateWorkbook;
-  bool settingsReadable = true;  // false: the settings file could not be read, and the user was told
-};
-DiscoveredInputs DiscoverInputs(std::ostream& err);
-
 }  // namespace sw::cli

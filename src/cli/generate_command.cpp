@@ -4,14 +4,16 @@
 #include <charconv>
 #include <filesystem>
 #include <iostream>
+#include <memory>
+#include <optional>
 
 #include "base/environment.h"
+#include "base/outcome.h"
 #include "base/strings.h"
 #include "base/windows_path.h"
 #include "cadenv/registry.h"
 #include "cli/cli_session.h"
 #include "cli/console_dialogs.h"
-#include "cli/environment_command.h"
 #include "cli/file_name_option.h"
 #include "cli/user_settings.h"
 #include "settings/settings.h"
@@ -53,21 +55,22 @@ std::string FieldValueProblem(std::string_view argument) {
 }
 
 // The window's save dialog does not take a write-protected file; here such a target is replaced only
-// when the user says so with --yes. False when it is to stay, after telling so.
-bool MayReplaceReadOnlyTarget(const std::string& target, ConsoleDialogs& dialogs) {
+// when the user says so with --yes. Done::kNo when it is to stay, telling why.
+base::Outcome<base::Done> MayReplaceReadOnlyTarget(const std::string& target, ConsoleDialogs& dialogs) {
+  base::Outcome<base::Done> outcome;
   std::error_code error;
   const auto status = std::filesystem::status(base::ResolveWindowsPath(target), error);
-  if (error || !std::filesystem::is_regular_file(status)) return true;
+  if (error || !std::filesystem::is_regular_file(status)) return outcome;
   constexpr auto kWritable = std::filesystem::perms::owner_write | std::filesystem::perms::group_write |
                              std::filesystem::perms::others_write;
-  if ((status.permissions() & kWritable) != std::filesystem::perms::none) return true;
+  if ((status.permissions() & kWritable) != std::filesystem::perms::none) return outcome;
   const auto answer = dialogs.ShowMessage(
       base::Message{"Filen " + target + " är skrivskyddad.\rVill du ersätta den ändå?", "Skrivskyddad fil",
                     base::MessageIcon::kQuestion, base::MessageButtons::kYesNo});
-  if (answer == base::MessageAnswer::kYes) return true;
-  dialogs.ShowMessage(base::Message{"Filen " + target + " har lämnats orörd. Ange --yes för att ersätta den.",
-                                    "Fel", base::MessageIcon::kExclamation, base::MessageButtons::kOk});
-  return false;
+  if (answer == base::MessageAnswer::kYes) return outcome;
+  return outcome.Fail(base::Done::kNo)
+      .Tell("Filen " + target + " har lämnats orörd. Ange --yes för att ersätta den.",
+            base::MessageIcon::kExclamation, "Fel");
 }
 
 bool NamesAnExcelFile(std::string_view target) {
@@ -75,6 +78,39 @@ bool NamesAnExcelFile(std::string_view target) {
   const std::string name = base::AsciiUpper(cut == std::string_view::npos ? target : target.substr(cut + 1));
   return name.find(".XLS") != std::string::npos;
 }
+
+// The run's one session over the user's settings, opened when it is first needed: before the checks
+// when the inputs are to be discovered, after them otherwise, so every message keeps its place.
+class GenerateSession {
+ public:
+  GenerateSession(const GenerateOptions& options, std::ostream& err) : options_(options), err_(err) {}
+
+  // Nothing when the settings could not be read; the user has been told.
+  CliSession* Open() {
+    if (cli_) return &*cli_;
+    registry_ = OpenUserSettings(err_);
+    if (!registry_) return nullptr;
+    stored_.emplace(*registry_);
+    // The page-break marks are drawn as the preview draws them, but quietly: the INI file's problems
+    // are told once by the pairing and once more by generation's own check, not a third time here.
+    cli_.emplace(err_,
+                 CliSessionOptions{.answerYes = options_.yes,
+                                   .readOnly = false,
+                                   .layoutDialogs = &quiet_,
+                                   .excel = options_.engine == "excel"},
+                 *registry_, *stored_, base::ProcessEnvironment());
+    return &*cli_;
+  }
+
+ private:
+  const GenerateOptions& options_;
+  std::ostream& err_;
+  std::ostream discard_{nullptr};
+  ConsoleDialogs quiet_{discard_, /*answerYes=*/false};
+  std::unique_ptr<cadenv::Registry> registry_;
+  std::optional<settings::RegistrySettings> stored_;
+  std::optional<CliSession> cli_;
+};
 
 }  // namespace
 
@@ -115,11 +151,15 @@ void AddGenerateCommand(CLI::App& app, GenerateOptions& options) {
 
 int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& err) {
   GenerateOptions options = given;
+  GenerateSession run(options, err);
   if (options.dump.empty() || options.templateWorkbook.empty()) {
-    const auto discovered = DiscoverInputs(err);
-    if (!discovered.settingsReadable) return 1;
-    if (options.dump.empty()) options.dump = discovered.dump;
-    if (options.templateWorkbook.empty()) options.templateWorkbook = discovered.templateWorkbook;
+    // What the window would choose at start-up, found without loading it: the dump is loaded below,
+    // once, with the template the run uses.
+    auto* discovered = run.Open();
+    if (discovered == nullptr) return 1;
+    discovered->Session().StartWithoutLoading();
+    if (options.dump.empty()) options.dump = discovered->Session().ReportDumps().text;
+    if (options.templateWorkbook.empty()) options.templateWorkbook = discovered->Session().TemplatePath();
     if (options.dump.empty() || options.templateWorkbook.empty()) {
       err << "No " << (options.dump.empty() ? "report dump" : "matching template")
           << " found; see `sheetwright-cli environment` or name it with --dump/--template\n";
@@ -149,24 +189,17 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
                                       base::MessageIcon::kInformation, base::MessageButtons::kOk});
     return 1;
   }
-  if (!options.singleSheet && !MayReplaceReadOnlyTarget(options.target, dialogs)) return 1;
+  if (!options.singleSheet) {
+    const auto replace = MayReplaceReadOnlyTarget(options.target, dialogs);
+    for (const auto& notice : replace.notices) dialogs.ShowMessage(base::AsMessage(notice));
+    if (!replace) return 1;
+  }
 
-  auto registry = OpenUserSettings(err);
-  if (!registry) return 1;
-  settings::RegistrySettings stored(*registry);
-  // The page-break marks are drawn as the preview draws them, but quietly: the INI file's problems are
-  // told once by the pairing and once more by generation's own check, not a third time here.
-  std::ostream discard(nullptr);
-  ConsoleDialogs quiet(discard, /*answerYes=*/false);
-  CliSession cli(err,
-                 {.answerYes = options.yes,
-                  .readOnly = false,
-                  .layoutDialogs = &quiet,
-                  .excel = options.engine == "excel"},
-                 *registry, stored, base::ProcessEnvironment());
+  auto* opened = run.Open();
+  if (opened == nullptr) return 1;
+  auto& cli = *opened;
   auto& session = cli.Session();
-  session.UseTemplateWorkbook(options.templateWorkbook);
-  session.OpenReportDump(options.dump);
+  session.UseTemplateAndDump(options.templateWorkbook, options.dump);
   for (const auto& value : fieldValues) session.SetFieldText(value.index, value.text);
   if (options.start) {
     session.SetSheetNumber(*options.start);

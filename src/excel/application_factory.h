@@ -11,7 +11,7 @@ enum class EngineKind {
   kExcelAutomation  // Microsoft Excel through COM (Windows only)
 };
 
-// Throws AutomationError 429 when the engine cannot be started.
+// Throws base::NumberedError 429 when the engine cannot be started.
 std::unique_ptr<Application> CreateApplication(EngineKind kind = EngineKind::kPackage);
 
 // The COM engine; its platform file decides whether one exists. Throws 429 where it does not.

@@ -7,13 +7,13 @@
 namespace sw::excel {
 
 void ThrowObjectNotSet() {
-  throw AutomationError(kObjectNotSet, "Objektvariabeln eller With-blockvariabeln har inte angetts");
+  throw base::NumberedError(kObjectNotSet, "Objektvariabeln eller With-blockvariabeln har inte angetts");
 }
 
 namespace {
 
 [[noreturn]] void ThrowBadAddress(std::string_view address) {
-  throw AutomationError(kApplicationDefined, "Ogiltig referens: \"" + std::string(address) + "\"");
+  throw base::NumberedError(kApplicationDefined, "Ogiltig referens: \"" + std::string(address) + "\"");
 }
 
 int ParseRowNumber(std::string_view text) {
@@ -119,7 +119,7 @@ void Sheet::Select() {
 sw::excel::Range Sheet::Cells(int row, int column) const {
   Check();
   if (row < 1 || row > kMaxRows || column < 1 || column > kMaxColumns) {
-    throw AutomationError(kApplicationDefined, "Cellen (" + std::to_string(row) + ", " +
+    throw base::NumberedError(kApplicationDefined, "Cellen (" + std::to_string(row) + ", " +
                                                    std::to_string(column) + ") ligger utanför kalkylbladet");
   }
   return sw::excel::Range(engine_, RangeRef{ref_, row, column, row, column});
@@ -133,7 +133,7 @@ sw::excel::Range Sheet::Range(const sw::excel::Range& first, const sw::excel::Ra
   const RangeRef& a = first.ref();
   const RangeRef& b = last.ref();
   if (a.sheet.sheet != ref_.sheet || b.sheet.sheet != ref_.sheet) {
-    throw AutomationError(kApplicationDefined, "Cellerna hör inte till samma kalkylblad");
+    throw base::NumberedError(kApplicationDefined, "Cellerna hör inte till samma kalkylblad");
   }
   RangeRef joined{ref_, std::min(a.firstRow, b.firstRow), std::min(a.firstColumn, b.firstColumn),
                   std::max(a.lastRow, b.lastRow), std::max(a.lastColumn, b.lastColumn)};
@@ -224,7 +224,7 @@ Workbook Application::ActiveWorkbook() {
 }
 Sheets Application::Sheets() {
   const WorkbookId active = engine_->ActiveWorkbook();
-  if (active == 0) throw AutomationError(kApplicationDefined, "Det finns ingen aktiv arbetsbok");
+  if (active == 0) throw base::NumberedError(kApplicationDefined, "Det finns ingen aktiv arbetsbok");
   return sw::excel::Sheets(engine_.get(), active);
 }
 Sheet Application::ActiveSheet() {

@@ -1,29 +1,18 @@
 #pragma once
 // The Excel automation object model as the program uses it. Objects are small handles (an engine
 // pointer and ids), cheap to copy, valid while their Application lives. Every failure throws
-// AutomationError with Excel's run-time error number, so callers can react by number as they would
+// base::NumberedError with Excel's run-time error number, so callers can react by number as they would
 // to Excel itself.
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "base/numbered_error.h"
 #include "excel/constants.h"
 #include "excel/engine.h"
 
 namespace sw::excel {
-
-class AutomationError : public std::runtime_error {
- public:
-  AutomationError(int number, std::string description)
-      : std::runtime_error(description), number_(number), description_(std::move(description)) {}
-  int number() const { return number_; }
-  const std::string& description() const { return description_; }
-
- private:
-  int number_;
-  std::string description_;
-};
 
 class Range;
 

@@ -28,7 +28,7 @@ void BreakBeforeNextRow(GenerationRun& run) {
   ResumeOn1004([&] { excel.ActiveSheet().Rows(RowsAddress(row, row)).Select(); });
   try {
     excel.ActiveSheet().HPageBreaks().Add(excel.ActiveCell());
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     if (error.number() != kApplicationDefined) throw;
     int breaks = 0;
     ResumeOn1004([&] { breaks = excel.ActiveSheet().HPageBreaks().Count(); });

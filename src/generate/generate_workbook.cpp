@@ -67,7 +67,7 @@ bool FitsTheCounters(const GenerationRun& run, const templates::TemplateDefiniti
   int start = 0;
   try {
     start = StartNumberValue(run.inputs.sheetNumberText);
-  } catch (const excel::AutomationError&) {
+  } catch (const base::NumberedError&) {
     return true;  // a start number that is no number fails later, where it always has
   }
   const std::string refusal =
@@ -189,7 +189,7 @@ bool FindTemplateSheets(GenerationRun& run, const std::string& templatePath) {
   excel::Application& excel = run.Excel();
   try {
     state.workbook = excel.Workbooks().Open(EnginePath(templatePath), true);
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     if (error.number() != kApplicationDefined) throw;
     // Skipping this one would only lead to "91 - Objektvariabeln …" on the next line: a template
     // Excel cannot open at all is told as what it is.
@@ -265,7 +265,7 @@ bool SaveResult(GenerationRun& run) {
   try {
     run.CommitResult();
     return true;
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     run.resultLost = true;
     if (run.inputs.singleSheet && !pageText.empty()) {
       TellPageFileFailure(run, error, pageText);
@@ -352,7 +352,7 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefini
   if (!inputs.singleSheet) {
     try {
       run.SaveWorking(inputs.targetPath);
-    } catch (const excel::AutomationError& error) {
+    } catch (const base::NumberedError& error) {
       if (error.number() != kApplicationDefined) throw;
       // Going on would end in Save writing the filled workbook over the template itself.
       run.Tell(error.description(), "Filfel", MessageIcon::kCritical);
@@ -399,7 +399,7 @@ GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templates::Template
   GenerationOutcome outcome;
   try {
     Run(run, inputs, definition, outcome);
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     run.TellFailure(error.number(), error.description(),
                     "Filen används, kan ej skriva över.\rAnge annat filnamn");
   } catch (const std::bad_alloc&) {

@@ -61,7 +61,9 @@ struct GenerationServices {
 };
 
 struct GenerationOutcome {
-  bool completed = false;  // the run got to its end; false when it stopped on a message or a choice
+  // The run got to its end with every file it was to write; false when it stopped on a message or a
+  // choice, or told of a page or file it lost (every error it tells is such a loss or a stop).
+  bool completed = false;
   // Every workbook file written, in the order first written, as the program names them.
   std::vector<std::string> savedFiles;
   // Where the template's previous content was kept before the run wrote into it; empty when it did not.

@@ -64,13 +64,13 @@ void GenerationRun::SaveWorking(const std::string& finalPath, const std::string&
   const std::string working = EnginePath(workingPath);
   try {
     state.workbook.SaveAs(working);
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     // The user knows the file asked for, not the temporary name it is written under first.
     std::string description = error.description();
     if (const auto at = description.find(working); at != std::string::npos) {
       description.replace(at, working.size(), EnginePath(finalPath));
     }
-    throw excel::AutomationError(error.number(), std::move(description));
+    throw base::NumberedError(error.number(), std::move(description));
   }
   workbookPath = workingPath;
   pendingPath = finalPath;

@@ -5,27 +5,12 @@
 
 #include "base/strings.h"
 #include "base/windows_path.h"
-#include "excel/error_texts.h"
+#include "base/error_numbers.h"
 
 namespace sw::generate {
 
-std::string RunErrorDescription(int number) {
-  switch (number) {
-    case kOverflow:
-      return "Spill";
-    case kTypeMismatch:
-      return "Typerna matchar inte";
-    case kFileNotFound:
-      return "Filen hittades inte";
-    case kPathFileAccess:
-      return "Fel vid åtkomst till sökväg/fil";
-    default:
-      return excel::DefaultErrorText(number);
-  }
-}
-
 void RaiseRunError(int number) {
-  throw excel::AutomationError(number, RunErrorDescription(number));
+  throw base::NumberedError(number);
 }
 
 std::int16_t Int16(long long value) {

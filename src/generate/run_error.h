@@ -1,6 +1,6 @@
 #pragma once
 // Run-time errors of a generation run. The program's own failures (a start number that is no number,
-// a page number past 32767, a folder where the target should be) are raised as excel::AutomationError with
+// a page number past 32767, a folder where the target should be) are raised as base::NumberedError with
 // the number VB gives them, so one handler tells every failure apart by number, Excel's and ours.
 #include <cstdint>
 #include <string>
@@ -21,9 +21,7 @@ using base::kPathFileAccess;
 using base::kPermissionDenied;
 using base::kTypeMismatch;
 
-// The description that goes with `number`, in the program's language.
-std::string RunErrorDescription(int number);
-
+// Raises error `number` with its own text (base::ErrorText).
 [[noreturn]] void RaiseRunError(int number);
 
 // One statement under "On Error Resume Next" for Excel's 1004 only: a rejected cell write, selection
@@ -34,7 +32,7 @@ template <typename Statement>
 void ResumeOn1004(Statement&& statement) {
   try {
     statement();
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     if (error.number() != kApplicationDefined) throw;
   }
 }

@@ -21,7 +21,7 @@ void SavePreviousPage(GenerationRun& run) {
   const std::string pageText = run.pendingPageText;
   try {
     run.CommitResult();
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     run.resultLost = true;
     TellPageFileFailure(run, error, pageText);
     // Only a file in use is that file's own trouble; a full disk or a folder gone read-only would
@@ -48,7 +48,7 @@ bool MakePageFile(GenerationRun& run, const std::string& pageText) {
   CheckTargetReplaceable(pagePath);
   try {
     run.SaveWorking(pagePath, pageText);
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     if (error.number() != kApplicationDefined) throw;
     // The engine could not write the page's file at all (the disk is full, the folder cannot be
     // written): the next page would fail alike, so the run ends here with one message.
@@ -117,7 +117,7 @@ void StartNewPage(GenerationRun& run, std::string_view location) {
     }
     ResumeOn1004([&] { sheet.Cells(definition.NextSheetRow, definition.NextSheetCol).SetValue(nextText); });
     state.rowsOnPage = 0;
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     if (run.inputs.singleSheet) run.resultLost = true;
     // A workbook missing a page is no result, and a page number past the counter fails every page
     // after it: the run ends. A page file in use is that file's own trouble; the next pages go on.
@@ -128,7 +128,7 @@ void StartNewPage(GenerationRun& run, std::string_view location) {
   }
 }
 
-void TellPageFileFailure(GenerationRun& run, const excel::AutomationError& error,
+void TellPageFileFailure(GenerationRun& run, const base::NumberedError& error,
                          const std::string& pageText) {
   if (error.number() == kApplicationDefined) {
     run.Tell(error.description(), "Filfel", base::MessageIcon::kCritical);

@@ -48,7 +48,7 @@ bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
     }
     Tell(dialogs, "Redigera mallfilen så att den uppfyller kraven.", "", base::MessageIcon::kNone);
     return false;
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     Tell(dialogs, error.description(), "Filfel", base::MessageIcon::kCritical);
     return false;
   }

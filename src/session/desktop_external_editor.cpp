@@ -94,7 +94,7 @@ void DesktopExternalEditor::OpenReportDump(const std::string& path) {
     ImportProgress progress(services_.progress);
     auto engine = excel::CreateApplication(excel::EngineKind::kPackage);
     ImportReportDump(*engine, generate::EnginePath(path), progress.RowsWritten()).SaveAs(Utf8(workbook));
-  } catch (const excel::AutomationError& failure) {
+  } catch (const base::NumberedError& failure) {
     std::filesystem::remove_all(folder, error);  // only what this call made
     TellExcelFailure(services_.dialogs, failure);
     return;

@@ -4,7 +4,7 @@
 
 namespace sw::session {
 
-void TellExcelFailure(base::Dialogs& dialogs, const excel::AutomationError& error) {
+void TellExcelFailure(base::Dialogs& dialogs, const base::NumberedError& error) {
   if (error.number() == excel::kCannotCreateObject) {
     dialogs.ShowMessage({.text = "Kan ej starta Microsoft Excel.\rKontrollera installationen.",
                          .title = "Active-X fel",

@@ -8,7 +8,7 @@
 namespace sw::session {
 
 // Excel failed: it could not be started (429), or it refused a call (the number and Excel's words).
-void TellExcelFailure(base::Dialogs& dialogs, const excel::AutomationError& error);
+void TellExcelFailure(base::Dialogs& dialogs, const base::NumberedError& error);
 
 // No program could be started for the file at `path`.
 void TellNothingStarted(base::Dialogs& dialogs, std::string_view path);

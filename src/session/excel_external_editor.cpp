@@ -21,7 +21,7 @@ void ExcelExternalEditor::OpenTemplateWorkbook(const std::string& path) {
     excel->Workbooks().Open(generate::EnginePath(path),
                             excel::OpenArguments{.updateLinks = {}, .readOnly = false});
     excel->SetVisible(true);
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     TellExcelFailure(services_.dialogs, error);
   }
 }
@@ -31,7 +31,7 @@ void ExcelExternalEditor::OpenReportDump(const std::string& path) {
     auto excel = StartExcel();
     excel->SetVisible(true);
     ImportReportDump(*excel, generate::EnginePath(path));
-  } catch (const excel::AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     TellExcelFailure(services_.dialogs, error);
   }
 }

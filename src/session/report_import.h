@@ -18,7 +18,7 @@ inline constexpr int kTextColumns = 20;
 excel::OpenTextOptions ReportOpenTextOptions(std::string enginePath);
 
 // Opens the dump in `excel` with ReportOpenTextOptions, fits every column of its first sheet to its
-// contents and leaves cell A1 selected. Throws excel::AutomationError as Excel does. `rowsWritten`
+// contents and leaves cell A1 selected. Throws base::NumberedError as Excel does. `rowsWritten`
 // hears how far the built-in engine has come (excel::OpenTextOptions::rowsWritten).
 excel::Workbook ImportReportDump(excel::Application& excel, std::string enginePath,
                                  std::function<void(int rowsDone, int rowCount)> rowsWritten = {});

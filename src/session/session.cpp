@@ -33,36 +33,10 @@ class SilentDialogs final : public base::Dialogs {
 constexpr int kRecentDumps = 8;
 constexpr std::string_view kRecentDumpsSection = "RecentDumps";
 
-bool IsError(const base::Message& message) {
-  return message.icon == base::MessageIcon::kCritical;
-}
-
 }  // namespace
-
-// Shows every message through the front end's dialogs and keeps a copy, so a generation can hand back
-// what the user was told.
-class Session::RecordingDialogs final : public base::Dialogs {
- public:
-  explicit RecordingDialogs(base::Dialogs& shown) : shown_(shown) {}
-  base::MessageAnswer ShowMessage(const base::Message& message) override {
-    messages.push_back(message);
-    return shown_.ShowMessage(message);
-  }
-  std::optional<std::string> ShowFileDialog(const base::FileDialogRequest& request) override {
-    return shown_.ShowFileDialog(request);
-  }
-  std::vector<base::Message> messages;
-
- private:
-  base::Dialogs& shown_;
-};
 
 std::string GenerationResult::BackupNotice() const {
   return templateBackup.empty() ? std::string() : "Mallens tidigare innehåll finns kvar i " + templateBackup;
-}
-
-bool GenerationResult::Succeeded() const {
-  return completed && std::none_of(messages.begin(), messages.end(), IsError);
 }
 
 Session::Session(SessionServices services)
@@ -118,6 +92,14 @@ PreviewSummary Session::Summary() const {
 }
 
 void Session::Start(const std::function<void()>& windowSteps) {
+  Load(windowSteps, true);
+}
+
+void Session::StartWithoutLoading() {
+  Load({}, false);
+}
+
+void Session::Load(const std::function<void()>& windowSteps, bool choosing) {
   Log("Fetching data from VOLTARIS.INI");
   ReadCurrentReport();
   Log("Restore Mainform");
@@ -131,7 +113,7 @@ void Session::Start(const std::function<void()>& windowSteps) {
   useSlashTwo_ = IntegerSetting(services_.settings, "UseSlashTwo", "1") > 0;
   Notify(Change::kCommands);
   Log("Refreshing files");
-  RefreshFiles();
+  RefreshFiles(choosing);
   sheetNo_.SetText(PadSheetNumber(sheetNo_.text, IntegerSetting(services_.settings, "PageNoLen", "1")));
   Notify(Change::kSheetNumber);
   Log("Mainform successfully loaded");
@@ -152,7 +134,7 @@ void Session::Refresh() {
   FixExport(false);
 }
 
-void Session::RefreshFiles() {
+void Session::RefreshFiles(bool choosing) {
   const discovery::DiscoverySources sources{.registry = services_.registry,
                                             .settings = services_.settings,
                                             .environment = services_.environment,
@@ -160,10 +142,18 @@ void Session::RefreshFiles() {
   // A failed step is told before the window moves on to what the next one sets off.
   const auto directories = discovery::FillTemplateDirectories(sources, rdsDir_);
   Show(directories);
-  if (directories) Show(discovery::RunStep([this] { RefillTemplates(); }));
+  if (directories) {
+    Show(discovery::RunStep([this, choosing] {
+      if (choosing) {
+        RefillTemplates();
+      } else if (templates::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) {
+        templateListFolder_ = rdsDir_.text;
+      }
+    }));
+  }
   const auto dumps = discovery::FillReportDumps(sources, voltDump_);
   Show(dumps);
-  if (dumps) Show(discovery::RunStep([this] { DumpChanged(); }));
+  if (dumps && choosing) Show(discovery::RunStep([this] { DumpChanged(); }));
   Notify(Change::kPickers);
 }
 
@@ -309,6 +299,14 @@ report::PreviewResult Session::OpenReportDump(std::string path) {
   voltDump_.SetText(std::move(path));
   Notify(Change::kPickers);
   return PreviewVoltDump();
+}
+
+report::PreviewResult Session::UseTemplateAndDump(std::string_view templatePath, std::string dumpPath) {
+  const bool wasRefreshing = refreshing_;
+  refreshing_ = true;
+  UseTemplateWorkbook(templatePath);
+  refreshing_ = wasRefreshing;
+  return OpenReportDump(std::move(dumpPath));
 }
 
 void Session::ChooseDumpFile() {
@@ -574,10 +572,9 @@ GenerationResult Session::Generate() {
                                     .singleSheet = singleSheet_,
                                     .targetPath = txtExcelFilename_};
 
-  RecordingDialogs dialogs(services_.dialogs);
-  generate::MessageSingleSheetWarning plainWarning(dialogs);
+  generate::MessageSingleSheetWarning plainWarning(services_.dialogs);
   generate::GenerationServices generation{.settings = services_.settings,
-                                          .dialogs = dialogs,
+                                          .dialogs = services_.dialogs,
                                           .warning = services_.warning ? *services_.warning : plainWarning,
                                           .launcher = services_.launcher,
                                           .createExcel = services_.createExcel,
@@ -601,7 +598,6 @@ GenerationResult Session::Generate() {
 
   GenerationResult result;
   result.completed = outcome.completed;
-  result.messages = std::move(dialogs.messages);
   result.templateBackup = outcome.templateBackup;
   result.iniEditRequested = state.iniEditRequested;
   for (const auto& written : outcome.savedFiles) result.workbooks.push_back(written);

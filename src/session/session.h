@@ -74,19 +74,19 @@ struct PreviewSummary {
   std::optional<int> pages;  // the pages generation would make; nothing without a usable template
 };
 
-// What one generation did, for the front end to show: the run's own outcome and every message the
-// user was shown during it.
+// What one generation did, for the front end to show; the user has been told the rest as it happened.
 struct GenerationResult {
-  bool completed = false;               // the run got to its end
-  std::vector<std::string> workbooks;   // every workbook written, as the program names them
-  std::vector<base::Message> messages;  // in the order shown
+  // The run got to its end with every file it was to write. A run that told of a page or file it
+  // lost, or that stopped on a message or a choice, did not.
+  bool completed = false;
+  std::vector<std::string> workbooks;  // every workbook written, as the program names them
   std::string templateBackup;  // where the template's previous content was kept, when the run wrote into it
   bool iniEditRequested =
       false;  // the template's INI file was opened for editing: fix it before the next run
   // The workbook Excel is left showing: the target, or in single-sheet mode the last page file.
   std::string ShownWorkbook() const { return workbooks.empty() ? std::string() : workbooks.back(); }
-  // Completed without an error message: nothing the user asked for was lost.
-  bool Succeeded() const;
+  // Nothing the user asked for was lost.
+  bool Succeeded() const { return completed; }
   // What the status bar tells after the run besides the workbook: where the template was kept.
   std::string BackupNotice() const;
 };
@@ -128,6 +128,11 @@ class Session {
   // "Restore Mainform" is logged), the toggles 305 and 306 from the settings, RefreshFiles, and the
   // sheet number padded to "PageNoLen" characters.
   void Start(const std::function<void()>& windowSteps = {});
+  // The load step for a command that names what it works on afterwards (the command line's generate
+  // without --dump or --template): Start's steps and start-log lines, but the template list is only
+  // matched, not paired, and the chosen dump is neither loaded nor remembered, so that the command
+  // pairs and loads what it uses once.
+  void StartWithoutLoading();
   // The close-time saves of the last choices: "LastVoltDmp", then "LastRdsDir".
   void Close();
 
@@ -150,6 +155,10 @@ class Session {
   // A dump named by path, as the command line gives it: shown in the dump picker and loaded, but not
   // remembered as the last dump.
   report::PreviewResult OpenReportDump(std::string path);
+  // The command line's two inputs, each named by path: the template as UseTemplateWorkbook takes it,
+  // then the dump as OpenReportDump takes it. Whatever stood in the dump picker is not loaded for the
+  // template first, so the dump is read once, with the template's layout.
+  report::PreviewResult UseTemplateAndDump(std::string_view templatePath, std::string dumpPath);
   // Command 706 "Välj textfil...": the open dialog; the chosen file stands in the dump picker.
   void ChooseDumpFile();
   // The dumps the user last chose in the dump picker, by "Välj textfil...", from this list or by
@@ -236,14 +245,14 @@ class Session {
   void EditTemplateIni();
 
  private:
-  class RecordingDialogs;
-
   void Log(std::string_view message) const;
   // Tells the user what a routine below found out, in its order.
   template <typename Status>
   void Show(const base::Outcome<Status>& outcome);
   void Notify(Changes what);
-  void RefreshFiles();
+  // `choosing` false: the template list is matched, nothing is paired or loaded.
+  void RefreshFiles(bool choosing = true);
+  void Load(const std::function<void()>& windowSteps, bool choosing);
   void RefillTemplates();
   void PairTemplate();
   void DumpChanged();

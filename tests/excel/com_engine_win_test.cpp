@@ -93,7 +93,7 @@ TEST_F(WindowsOnlyComEngineTest, ReadOnlyCloseAndQuitPassTheirNamedArguments) {
   auto app = Start();
   Workbook book = app->Workbooks().Open(kTemplate, true);
   book.Sheets().Item(1).Cells(1, 1).SetValue("x");
-  EXPECT_THROW(book.Save(), AutomationError);
+  EXPECT_THROW(book.Save(), base::NumberedError);
   book.Close(true);  // SaveChanges:=True on a read-only workbook writes nothing
   EXPECT_EQ(excel_.files().at(kTemplate).Find("Common")->cells.count({1, 1}), 0u);
   Workbook writable = app->Workbooks().Open(kTemplate, false);
@@ -149,7 +149,7 @@ TEST_F(WindowsOnlyComEngineTest, ExcelFailuresArriveAsTheirRunTimeNumbers) {
   const auto numberOf = [](auto&& call) {
     try {
       call();
-    } catch (const AutomationError& error) {
+    } catch (const base::NumberedError& error) {
       return std::to_string(error.number()) + " " + error.description();
     }
     return std::string("no error");
@@ -178,7 +178,7 @@ TEST_F(WindowsOnlyComEngineTest, ABlockWithARefusedCellIsWrittenCellByCellSkippi
       for (int column = 1; column <= 3; ++column) {
         try {
           sheet.Cells(row, column).SetValue(std::to_string(row) + "/" + std::to_string(column));
-        } catch (const AutomationError& error) {
+        } catch (const base::NumberedError& error) {
           EXPECT_EQ(error.number(), kApplicationDefined);
           EXPECT_FALSE(combine) << "a combined write reports nothing for a skipped cell";
         }
@@ -214,7 +214,7 @@ TEST(WindowsOnlyExcelCreation, WithoutExcelInstalledCreationFailsAsCreateObjectD
   try {
     CreateApplication(EngineKind::kExcelAutomation);
     FAIL() << "Excel.Application was created; this machine has no Excel";
-  } catch (const AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     EXPECT_EQ(error.number(), kCannotCreateObject);
     EXPECT_EQ(error.description(), "ActiveX-komponenten kan inte skapa objektet");
   }

@@ -34,7 +34,7 @@ std::string OpenMessage(const fs::path& path) {
   auto excel = CreateApplication(EngineKind::kPackage);
   try {
     excel->Workbooks().Open(path.string(), true);
-  } catch (const AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     return error.description();
   }
   return "opened";

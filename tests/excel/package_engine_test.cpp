@@ -134,7 +134,7 @@ TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
     try {
       app_.Workbooks().Open(path.string());
       ADD_FAILURE() << c.what << " was opened";
-    } catch (const AutomationError& error) {
+    } catch (const base::NumberedError& error) {
       EXPECT_EQ(error.number(), kApplicationDefined) << c.what;
       EXPECT_NE(error.description().find(c.says), std::string::npos) << c.what << ": " << error.description();
     }
@@ -201,7 +201,7 @@ TEST_F(PackageEngineTest, RefusesDanglingPartsDocumentTypesAndMisleadingNames) {
     try {
       app_.Workbooks().Open(path.string());
       ADD_FAILURE() << c.file << " was opened";
-    } catch (const AutomationError& error) {
+    } catch (const base::NumberedError& error) {
       EXPECT_EQ(error.number(), kApplicationDefined) << c.file;
       EXPECT_NE(error.description().find(path.string() + c.says), std::string::npos)
           << c.file << ": " << error.description();
@@ -275,9 +275,9 @@ TEST_F(PackageEngineTest, ReadOnlyWorkbookIsNotSavedOverItself) {
   const std::string before = *base::ReadWholeFile(path);
   Workbook book = app_.Workbooks().Open(path.string(), true);
   book.Sheets().Item(1).Cells(1, 1).SetValue("ändrad");
-  EXPECT_THROW(book.Save(), AutomationError);
-  EXPECT_THROW(book.SaveAs(path.string()), AutomationError);
-  EXPECT_THROW(book.SaveAs((temp_.path() / "saknad mapp" / "x.xlsx").string()), AutomationError);
+  EXPECT_THROW(book.Save(), base::NumberedError);
+  EXPECT_THROW(book.SaveAs(path.string()), base::NumberedError);
+  EXPECT_THROW(book.SaveAs((temp_.path() / "saknad mapp" / "x.xlsx").string()), base::NumberedError);
   EXPECT_EQ(*base::ReadWholeFile(path), before);
   // Like Excel without a file format: any other name gets the workbook's own Open XML format.
   const auto asXls = temp_.path() / "Lista.xls";
@@ -446,11 +446,11 @@ TEST_F(PackageEngineTest, DroppedResultsLeaveSharedAndArrayFormulasWhole) {
 TEST_F(PackageEngineTest, PageBreaksStopAtExcelsLimit) {
   Workbook book = app_.Workbooks().Open(TemplatePath("title_block.xlsx"));
   Sheet sheet = book.Sheets().Item(2);
-  EXPECT_THROW(sheet.HPageBreaks().Add(sheet.Cells(1, 1)), AutomationError);
+  EXPECT_THROW(sheet.HPageBreaks().Add(sheet.Cells(1, 1)), base::NumberedError);
   for (int row = 2; row <= 1024; ++row) sheet.HPageBreaks().Add(sheet.Cells(row, 1));
   sheet.HPageBreaks().Add(sheet.Cells(500, 3));  // already there
   EXPECT_EQ(sheet.HPageBreaks().Count(), 1023);
-  EXPECT_THROW(sheet.HPageBreaks().Add(sheet.Cells(2000, 1)), AutomationError);
+  EXPECT_THROW(sheet.HPageBreaks().Add(sheet.Cells(2000, 1)), base::NumberedError);
   const std::string xml =
       Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx")).Bytes("xl/worksheets/sheet2.xml");
   EXPECT_NE(
@@ -478,7 +478,7 @@ TEST_F(PackageEngineTest, OpenTextKeepsTextColumnsAsWritten) {
   sheet.Cells().Select();
   app_.Selection().EntireColumn().AutoFit();
   sheet.Range("A1").Select();
-  EXPECT_THROW(book.Save(), AutomationError);
+  EXPECT_THROW(book.Save(), base::NumberedError);
   book.SaveAs((temp_.path() / "Rapport.xlsx").string());
   EXPECT_EQ(
       app_.Workbooks().Open((temp_.path() / "Rapport.xlsx").string()).Sheets().Item(1).Cells(1, 22).Value(),

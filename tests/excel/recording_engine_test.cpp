@@ -63,14 +63,14 @@ TEST_F(RecordingEngineTest, FailsTheChosenCallWithTheChosenNumber) {
   try {
     sheet.Cells(1, 2).SetValue("b");
     FAIL() << "the second value write should fail";
-  } catch (const AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     EXPECT_EQ(error.number(), kApplicationDefined);
   }
   sheet.Cells(1, 3).SetValue("c");
   try {
     book.SaveAs("C:\\R\\x.xlsx");
     FAIL() << "SaveAs should fail";
-  } catch (const AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     EXPECT_EQ(error.number(), kPermissionDenied);
     EXPECT_EQ(error.description(), "Åtkomst nekad");
   }
@@ -86,27 +86,27 @@ TEST_F(RecordingEngineTest, BehavesLikeExcelWhereTheProgramDependsOnIt) {
   sheets.Item(2).CopyAfter(sheets.Item(2));
   sheets.Item(2).CopyAfter(sheets.Item(3));
   EXPECT_EQ(sheets.Item(4).Name(), "Mall (3)");
-  EXPECT_THROW(sheets.Item(4).SetName("mall"), AutomationError);
+  EXPECT_THROW(sheets.Item(4).SetName("mall"), base::NumberedError);
   EXPECT_EQ(sheets.Item(4).Name(), "Mall (3)");
-  EXPECT_THROW(sheets.Item(9), AutomationError);
-  EXPECT_THROW(app->Workbooks().Open("C:\\saknas.xlsx"), AutomationError);
+  EXPECT_THROW(sheets.Item(9), base::NumberedError);
+  EXPECT_THROW(app->Workbooks().Open("C:\\saknas.xlsx"), base::NumberedError);
   try {
     sheets.Item(1).Cells(1, 1).Select();  // Sheets(1) is not the active sheet
     FAIL();
-  } catch (const AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     EXPECT_EQ(error.number(), kApplicationDefined);
   }
   try {
     CreateRecordingApplication(recording_);
     FAIL();
-  } catch (const AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     EXPECT_EQ(error.number(), kCannotCreateObject);
   }
   Workbook unset;
   try {
     unset.Save();
     FAIL();
-  } catch (const AutomationError& error) {
+  } catch (const base::NumberedError& error) {
     EXPECT_EQ(error.number(), kObjectNotSet);
   }
 }

@@ -435,7 +435,7 @@ TEST(StartNumberValueTest, ReadsNumbersAsVbDoesInArithmetic) {
     try {
       StartNumberValue(text);
       ADD_FAILURE() << text << " was accepted";
-    } catch (const excel::AutomationError& error) {
+    } catch (const base::NumberedError& error) {
       EXPECT_EQ(error.number(), number) << text;
     }
   }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "excel/error_texts.h"
+#include "base/error_numbers.h"
 #include "excel/sheet_names.h"
 
 namespace sw::excel {
@@ -22,7 +22,7 @@ void Recording::AddWorkbookFile(const std::string& path, std::vector<std::string
 }
 
 void Recording::FailCall(const std::string& member, int occurrence, int number, std::string description) {
-  if (description.empty()) description = DefaultErrorText(number);
+  if (description.empty()) description = base::ErrorText(number);
   failures_.emplace(member, Failure{occurrence, number, std::move(description)});
 }
 
@@ -32,7 +32,7 @@ void Recording::Record(const std::string& member, std::string line) {
   for (auto it = first; it != last; ++it) {
     if (it->second.occurrence == call) {
       lines_.push_back(line + "  ' fel " + std::to_string(it->second.number));
-      throw AutomationError(it->second.number, it->second.description);
+      throw base::NumberedError(it->second.number, it->second.description);
     }
   }
   lines_.push_back(std::move(line));
@@ -99,7 +99,7 @@ class RecordingEngine final : public Engine {
     const bool readOnly = arguments.readOnly.value_or(false);
     const auto file = recording_.files().find(path);
     if (file == recording_.files().end()) {
-      throw AutomationError(kApplicationDefined, "Det går inte att hitta filen " + path + ".");
+      throw base::NumberedError(kApplicationDefined, "Det går inte att hitta filen " + path + ".");
     }
     Book book;
     book.id = ++lastWorkbookId_;
@@ -145,7 +145,7 @@ class RecordingEngine final : public Engine {
   int WorkbookCount() override { return static_cast<int>(workbooks_.size()); }
   WorkbookId WorkbookAt(int index) override {
     if (index < 1 || index > WorkbookCount())
-      throw AutomationError(kSubscriptOutOfRange, DefaultErrorText(9));
+      throw base::NumberedError(kSubscriptOutOfRange);
     return workbooks_[static_cast<std::size_t>(index - 1)].id;
   }
 
@@ -156,7 +156,7 @@ class RecordingEngine final : public Engine {
   SheetRef SheetAt(WorkbookId workbook, int index) override {
     Book& book = FindBook(workbook);
     if (index < 1 || index > static_cast<int>(book.sheets.size())) {
-      throw AutomationError(kSubscriptOutOfRange, DefaultErrorText(kSubscriptOutOfRange));
+      throw base::NumberedError(kSubscriptOutOfRange);
     }
     return SheetRef{workbook, book.sheets[static_cast<std::size_t>(index - 1)].id};
   }
@@ -171,7 +171,7 @@ class RecordingEngine final : public Engine {
   void Save(WorkbookId workbook) override {
     recording_.Record("Save", "Save");
     Book& book = FindBook(workbook);
-    if (book.readOnly) throw AutomationError(kApplicationDefined, "Arbetsboken är skrivskyddad.");
+    if (book.readOnly) throw base::NumberedError(kApplicationDefined, "Arbetsboken är skrivskyddad.");
     Snapshot(book);
   }
   void Close(WorkbookId workbook, bool saveChanges) override {
@@ -197,7 +197,7 @@ class RecordingEngine final : public Engine {
     std::vector<std::string> names;
     for (const auto& each : book.sheets) names.push_back(each.name);
     if (const auto problem = SheetNameProblem(name, names, IndexOf(sheet))) {
-      throw AutomationError(kApplicationDefined, *problem);
+      throw base::NumberedError(kApplicationDefined, *problem);
     }
     FindSheet(sheet).name = std::string(name);
   }
@@ -224,11 +224,11 @@ class RecordingEngine final : public Engine {
   void AddPageBreak(SheetRef sheet, const RangeRef& before) override {
     recording_.Record("Add", SheetText(sheet) + ".HPageBreaks.Add Before:=" + RangeText(before));
     if (before.firstRow <= 1)
-      throw AutomationError(kApplicationDefined, DefaultErrorText(kApplicationDefined));
+      throw base::NumberedError(kApplicationDefined);
     auto& rows = FindSheet(sheet).pageBreakRows;
     // Excel's limit of manual breaks on one sheet.
     if (rows.size() >= 1023 && !rows.contains(before.firstRow))
-      throw AutomationError(kApplicationDefined,
+      throw base::NumberedError(kApplicationDefined,
                             "Kalkylbladet har redan det största antalet sidbrytningar (1023).");
     rows.insert(before.firstRow);
   }
@@ -258,7 +258,7 @@ class RecordingEngine final : public Engine {
     recording_.Record("Select", RangeText(range) + ".Select");
     Book& book = FindBook(range.sheet.workbook);
     if (book.activeSheet != range.sheet.sheet) {
-      throw AutomationError(kApplicationDefined, "Select-metoden i Range-klassen misslyckades");
+      throw base::NumberedError(kApplicationDefined, "Select-metoden i Range-klassen misslyckades");
     }
     book.selection = range;
     book.selection.origin = RangeOrigin::kAddress;
@@ -276,7 +276,7 @@ class RecordingEngine final : public Engine {
     recording_.Record("PasteSpecial",
                       RangeText(range) + ".PasteSpecial Paste:=" + std::to_string(static_cast<int>(paste)));
     if (!clipboard_)
-      throw AutomationError(kApplicationDefined, "PasteSpecial-metoden i Range-klassen misslyckades");
+      throw base::NumberedError(kApplicationDefined, "PasteSpecial-metoden i Range-klassen misslyckades");
   }
   void SetBorderWeight(const RangeRef& range, XlBordersIndex edge, XlBorderWeight weight) override {
     recording_.Record("Weight=", RangeText(range) + ".Borders(" + std::to_string(static_cast<int>(edge)) +
@@ -303,7 +303,7 @@ class RecordingEngine final : public Engine {
     ThrowObjectNotSet();
   }
   Book& ActiveBook() {
-    if (workbooks_.empty()) throw AutomationError(kObjectNotSet, DefaultErrorText(kObjectNotSet));
+    if (workbooks_.empty()) throw base::NumberedError(kObjectNotSet);
     return workbooks_.back();
   }
   int IndexOf(SheetRef ref) {

@@ -33,7 +33,7 @@ class Recording {
   // A workbook file that Workbooks.Open can open, with its sheets in order.
   void AddWorkbookFile(const std::string& path, std::vector<std::string> sheetNames);
   // Makes the `occurrence`-th call (1-based, counted over the whole recording) of `member` throw
-  // AutomationError(number, description) before it has any effect.
+  // base::NumberedError(number, description) before it has any effect.
   void FailCall(const std::string& member, int occurrence, int number, std::string description = {});
 
   const std::vector<std::string>& lines() const { return lines_; }

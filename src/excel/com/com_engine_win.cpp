@@ -11,7 +11,7 @@
 #include "excel/cell_address.h"
 #include "excel/cell_blocks.h"
 #include "excel/com/dispatch_win.h"
-#include "excel/error_texts.h"
+#include "base/error_numbers.h"
 
 namespace sw::excel::com {
 namespace {
@@ -47,7 +47,7 @@ class ComEngine final : public Engine {
     ComPtr<IDispatch> application;
     const HRESULT result = create(application.Receive());
     if (FAILED(result) || !application) {
-      throw AutomationError(kCannotCreateObject, DefaultErrorText(kCannotCreateObject));
+      throw base::NumberedError(kCannotCreateObject);
     }
     app_ = Dispatch(std::move(application), L"Application", &ids_);
   }
@@ -394,7 +394,7 @@ class ComEngine final : public Engine {
     try {
       sheet.Object(L"Cells", L"Range", Arguments(Variant::Int(row), Variant::Int(column)))
           .Put(L"Value", CellText(text));
-    } catch (const AutomationError& error) {
+    } catch (const base::NumberedError& error) {
       if (error.number() != kApplicationDefined) throw;
     }
   }
@@ -418,7 +418,7 @@ class ComEngine final : public Engine {
                   Arguments(Variant::Text(FormatCellAddress(block.firstRow, block.firstColumn) + ":" +
                                           FormatCellAddress(block.lastRow, block.lastColumn))))
           .Put(L"Value", values.Release());
-    } catch (const AutomationError&) {
+    } catch (const base::NumberedError&) {
       // Part of the block refused the write: cell by cell, each refused cell skipped on its own
       // as the program skips it.
       for (int row = block.firstRow; row <= block.lastRow; ++row) {

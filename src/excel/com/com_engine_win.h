@@ -23,7 +23,7 @@ using ApplicationCreator = std::function<HRESULT(IDispatch** application)>;
 // CreateObject("Excel.Application"): the ProgID's class on the local server.
 HRESULT CreateExcelByProgId(IDispatch** application);
 
-// Throws AutomationError 429 when `create` fails, as CreateObject does.
+// Throws base::NumberedError 429 when `create` fails, as CreateObject does.
 std::unique_ptr<Engine> CreateComEngine(const ApplicationCreator& create, ComEngineOptions options = {});
 
 }  // namespace sw::excel::com

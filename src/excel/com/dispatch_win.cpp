@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "excel/error_texts.h"
+#include "base/error_numbers.h"
 
 namespace sw::excel::com {
 namespace {
@@ -12,20 +12,20 @@ int DispatchFailureNumber(HRESULT result) {
   switch (result) {
     case DISP_E_UNKNOWNNAME:
     case DISP_E_MEMBERNOTFOUND:
-      return 438;
+      return base::kMemberNotFound;
     case DISP_E_TYPEMISMATCH:
-      return 13;
+      return base::kTypeMismatch;
     case DISP_E_BADINDEX:
-      return kSubscriptOutOfRange;
+      return base::kSubscriptOutOfRange;
     case DISP_E_OVERFLOW:
-      return 6;
+      return base::kOverflow;
     case DISP_E_PARAMNOTFOUND:
-      return 448;
+      return base::kNamedArgumentNotFound;
     case DISP_E_BADPARAMCOUNT:
     case DISP_E_PARAMNOTOPTIONAL:
-      return 449;
+      return base::kArgumentNotOptional;
     case E_OUTOFMEMORY:
-      return 7;
+      return base::kOutOfMemory;
     default:
       return 0;
   }
@@ -55,29 +55,13 @@ int NumberOf(HRESULT result) {
 
 // What VB says for `number`; the system's text for a bare HRESULT.
 std::string DescriptionFor(int number, HRESULT result) {
-  switch (number) {
-    case 438:
-      return "Objektet stöder inte egenskapen eller metoden";
-    case 448:
-      return "Det gick inte att hitta det namngivna argumentet";
-    case 449:
-      return "Argumentet är inte valfritt";
-    case 13:
-      return "Typerna matchar inte";
-    case 6:
-      return "Spill";
-    case 7:
-      return "Slut på minne";
-    default:
-      break;
-  }
   if (number == static_cast<int>(result)) return SystemText(result);
-  return DefaultErrorText(number);
+  return base::ErrorText(number);
 }
 
 }  // namespace
 
-AutomationError ErrorFromCall(HRESULT result, const EXCEPINFO* exception, std::wstring_view member) {
+base::NumberedError ErrorFromCall(HRESULT result, const EXCEPINFO* exception, std::wstring_view member) {
   if (result == DISP_E_EXCEPTION && exception != nullptr) {
     const int number = exception->wCode != 0 ? exception->wCode : NumberOf(exception->scode);
     std::string description;
@@ -86,12 +70,12 @@ AutomationError ErrorFromCall(HRESULT result, const EXCEPINFO* exception, std::w
           Utf8(std::wstring_view(exception->bstrDescription, SysStringLen(exception->bstrDescription)));
     }
     if (description.empty()) description = DescriptionFor(number, exception->scode);
-    return AutomationError(number, description);
+    return base::NumberedError(number, description);
   }
   const int number = NumberOf(result);
   std::string description = DescriptionFor(number, result);
-  if (number == 438) description += " (" + Utf8(member) + ")";
-  return AutomationError(number, description);
+  if (number == base::kMemberNotFound) description += " (" + Utf8(member) + ")";
+  return base::NumberedError(number, description);
 }
 
 std::vector<DISPID> DispatchIds::Find(IDispatch* object, std::wstring_view kind,

@@ -32,7 +32,7 @@ class DispatchIds {
 // The run-time error a failed call stands for, as VB reports it: Excel's own errors
 // (FACILITY_CONTROL, 0x800A03EC for 1004) and EXCEPINFO's wCode by their number, the dispatch
 // failures by VB's numbers for them, anything else by the HRESULT itself.
-AutomationError ErrorFromCall(HRESULT result, const EXCEPINFO* exception, std::wstring_view member);
+base::NumberedError ErrorFromCall(HRESULT result, const EXCEPINFO* exception, std::wstring_view member);
 
 class Dispatch {
  public:

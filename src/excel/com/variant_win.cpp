@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "excel/automation.h"
-#include "excel/error_texts.h"
+#include "base/error_numbers.h"
 
 namespace sw::excel::com {
 
@@ -119,7 +119,7 @@ Variant Variant::List(std::vector<Variant> values) {
 namespace {
 
 [[noreturn]] void ThrowTypeMismatch() {
-  throw AutomationError(13, "Typerna matchar inte");
+  throw base::NumberedError(base::kTypeMismatch);
 }
 
 }  // namespace

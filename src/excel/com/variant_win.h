@@ -47,7 +47,7 @@ class Variant {
   static Variant List(std::vector<Variant> values);
 
   // The value as Excel would show it in a cell: empty for Empty, numbers and dates as text.
-  // Throws AutomationError 13 for a value that has no text (an object or array).
+  // Throws base::NumberedError 13 for a value that has no text (an object or array).
   std::string ToText() const;
   long ToInt() const;
   bool ToBool() const;

@@ -13,7 +13,7 @@
 #include "base/utf8_path.h"
 #include "excel/automation.h"
 #include "excel/cell_address.h"
-#include "excel/error_texts.h"
+#include "base/error_numbers.h"
 #include "excel/package/conditional_formats.h"
 #include "excel/package/styles.h"
 #include "excel/package/text_import.h"
@@ -29,14 +29,14 @@ std::string Extension(const std::string& path) {
 }
 
 [[noreturn]] void Rejected(const std::string& description) {
-  throw AutomationError(kApplicationDefined, description);
+  throw base::NumberedError(kApplicationDefined, description);
 }
 
 // What Excel reports when Windows refuses a file: a locked or write-protected file is "permission
 // denied", a missing drive or medium "device unavailable", anything else an Excel error.
 [[noreturn]] void ThrowFileError(const std::error_code& error, const std::string& path, bool writing) {
   if (const int number = base::ErrorNumberOfFileError(error); number != 0) {
-    throw AutomationError(number, DefaultErrorText(number) + ": " + path);
+    throw base::NumberedError(number, base::ErrorText(number) + ": " + path);
   }
   if (writing && error == std::errc::no_space_on_device) {
     Rejected("Det går inte att spara filen " + path + ": disken är full.");
@@ -195,7 +195,7 @@ WorkbookId PackageEngine::OpenText(const OpenTextOptions& options) {
 
 WorkbookId PackageEngine::WorkbookAt(int index) {
   if (index < 1 || index > WorkbookCount()) {
-    throw AutomationError(kSubscriptOutOfRange, DefaultErrorText(kSubscriptOutOfRange));
+    throw base::NumberedError(kSubscriptOutOfRange);
   }
   return order_[static_cast<std::size_t>(index - 1)];
 }
@@ -246,7 +246,7 @@ int PackageEngine::SheetCount(WorkbookId workbook) {
 SheetRef PackageEngine::SheetAt(WorkbookId workbook, int index) {
   Book& book = FindBook(workbook);
   if (index < 1 || index > book.document->SheetCount()) {
-    throw AutomationError(kSubscriptOutOfRange, DefaultErrorText(kSubscriptOutOfRange));
+    throw base::NumberedError(kSubscriptOutOfRange);
   }
   return SheetRef{workbook, book.document->Entry(index - 1).id};
 }
