@@ -7,7 +7,7 @@
 namespace sw::excel {
 
 void ThrowObjectNotSet() {
-  throw base::NumberedError(kObjectNotSet, "Objektvariabeln eller With-blockvariabeln har inte angetts");
+  throw base::NumberedError(kObjectNotSet);
 }
 
 namespace {
@@ -119,8 +119,9 @@ void Sheet::Select() {
 sw::excel::Range Sheet::Cells(int row, int column) const {
   Check();
   if (row < 1 || row > kMaxRows || column < 1 || column > kMaxColumns) {
-    throw base::NumberedError(kApplicationDefined, "Cellen (" + std::to_string(row) + ", " +
-                                                   std::to_string(column) + ") ligger utanför kalkylbladet");
+    throw base::NumberedError(
+        kApplicationDefined,
+        "Cellen (" + std::to_string(row) + ", " + std::to_string(column) + ") ligger utanför kalkylbladet");
   }
   return sw::excel::Range(engine_, RangeRef{ref_, row, column, row, column});
 }

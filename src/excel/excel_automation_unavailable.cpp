@@ -1,7 +1,7 @@
 // Builds without Microsoft Excel's COM interface: asking for it fails as CreateObject fails on a
 // machine where Excel is not installed.
-#include "excel/application_factory.h"
 #include "base/error_numbers.h"
+#include "excel/application_factory.h"
 
 namespace sw::excel {
 

@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <limits>
 
+#include "base/error_numbers.h"
 #include "base/strings.h"
 #include "base/windows_path.h"
-#include "base/error_numbers.h"
 
 namespace sw::generate {
 

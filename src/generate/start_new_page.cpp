@@ -128,8 +128,7 @@ void StartNewPage(GenerationRun& run, std::string_view location) {
   }
 }
 
-void TellPageFileFailure(GenerationRun& run, const base::NumberedError& error,
-                         const std::string& pageText) {
+void TellPageFileFailure(GenerationRun& run, const base::NumberedError& error, const std::string& pageText) {
   if (error.number() == kApplicationDefined) {
     run.Tell(error.description(), "Filfel", base::MessageIcon::kCritical);
     run.SetMousePointer(MousePointer::kDefault);

@@ -16,7 +16,6 @@ namespace sw::generate {
 void StartNewPage(GenerationRun& run, std::string_view location);
 
 // Tells that the file of page `pageText` could not be written, as a page file in use is told.
-void TellPageFileFailure(GenerationRun& run, const base::NumberedError& error,
-                         const std::string& pageText);
+void TellPageFileFailure(GenerationRun& run, const base::NumberedError& error, const std::string& pageText);
 
 }  // namespace sw::generate

@@ -30,7 +30,8 @@ const char* const kIni =
 class OpenCounter {
  public:
   explicit OpenCounter(const std::filesystem::path& file)
-      : fd_(::inotify_init1(IN_NONBLOCK)), watch_(::inotify_add_watch(fd_, file.c_str(), IN_OPEN | IN_CLOSE)) {}
+      : fd_(::inotify_init1(IN_NONBLOCK)),
+        watch_(::inotify_add_watch(fd_, file.c_str(), IN_OPEN | IN_CLOSE)) {}
   ~OpenCounter() { ::close(fd_); }
   OpenCounter(const OpenCounter&) = delete;
   OpenCounter& operator=(const OpenCounter&) = delete;
@@ -84,8 +85,8 @@ class OneSessionTest : public ::testing::Test {
 
   void Remember(const std::string& lastDump, const std::string& lastTemplateDir) const {
     temp.Write(cli.RegistryFile().filename().string(),
-               "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright]\r\n\"LastVoltDmp\"=\"" + lastDump +
-                   "\"\r\n\"LastRdsDir\"=\"" + lastTemplateDir + "\"\r\n");
+               "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright]\r\n\"LastVoltDmp\"=\"" +
+                   lastDump + "\"\r\n\"LastRdsDir\"=\"" + lastTemplateDir + "\"\r\n");
   }
 
   std::string Target(const std::string& name) const { return (temp.path() / name).string(); }
@@ -100,8 +101,8 @@ TEST_F(OneSessionTest, TheDumpIsReadOnceWhetherFoundOrNamed) {
   OpenCounter opens(dump);
   ASSERT_TRUE(opens.Watching());
 
-  auto result = cli.Run({"generate", "--dump", dump.string(), "--template", workbook.string(), "--out",
-                         Target("Named.xlsx")});
+  auto result = cli.Run(
+      {"generate", "--dump", dump.string(), "--template", workbook.string(), "--out", Target("Named.xlsx")});
   ASSERT_EQ(result.exitCode, 0) << result.err;
   const int named = opens.Take();
   EXPECT_GT(named, 0);
@@ -130,9 +131,9 @@ TEST_F(OneSessionTest, EachFailureIsToldOnce) {
     std::string told;
   } cases[] = {
       {"UTF-16 big-endian dump", std::string("\xFE\xFF\0R", 4), kIni, "big-endian"},
-      {"INI file without [Tabs]",
-       *base::ReadWholeFile(kExample),
-       "[Sheet]\r\nSHEETNO=H2\r\nNEXTSHEET=H3\r\nLOCATION=B5\r\nSTARTROW=10\r\nENDROW=40\r\nCOLUMNS=A,B,C\r\n",
+      {"INI file without [Tabs]", *base::ReadWholeFile(kExample),
+       "[Sheet]\r\nSHEETNO=H2\r\nNEXTSHEET=H3\r\nLOCATION=B5\r\nSTARTROW=10\r\nENDROW=40\r\nCOLUMNS=A,B,"
+       "C\r\n",
        ""},
   };
   for (const auto& c : cases) {

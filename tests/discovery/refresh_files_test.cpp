@@ -121,8 +121,8 @@ TEST_F(RefreshFilesTest, AFailingStepIsToldAndSkipped) {
   install_.Write("Projekt/Kraft/kraft.cfg", "(setq X 1)\r\nRDS_DEF\r\n");
   Refresh();
   EXPECT_EQ(notices_, (std::vector<base::Notice>{{.text = "5 - Ogiltigt proceduranrop eller argument",
-                                                   .title = {},
-                                                   .icon = base::MessageIcon::kExclamation}}));
+                                                  .title = {},
+                                                  .icon = base::MessageIcon::kExclamation}}));
   EXPECT_EQ(rdsDir_.items.size(), 4u);  // without the project's directory
   EXPECT_EQ(rdsDir_.text, "\\");        // and the steps after it ran
   EXPECT_EQ(voltDump_.items, kDumps);
@@ -140,7 +140,8 @@ TEST(StepFailureTest, EachFailureIsToldByItsNumberAndExcelsOwnNotAtAll) {
       {[] { throw NumberedError(kApplicationDefined, "Excel"); }, false, {}},
       {[] { throw std::runtime_error("Trasig"); }, false, {"5 - Trasig"}},
       {[] { throw std::bad_alloc(); }, false, {"7 - Slut på minne"}},
-      {[] { throw std::filesystem::filesystem_error("x", std::error_code()); }, false,
+      {[] { throw std::filesystem::filesystem_error("x", std::error_code()); },
+       false,
        {"75 - Fel vid åtkomst till sökväg/fil"}},
       {[] { throw 1; }, false, {"5 - Ogiltigt proceduranrop eller argument"}},
   };

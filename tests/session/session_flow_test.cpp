@@ -96,7 +96,9 @@ TEST_F(SessionFlowTest, StartEditGenerateClose) {
   install_.dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
   fs::create_directories(install_.Host("Ut"));
   const auto result = session_.Generate();
-  ASSERT_TRUE(result.Succeeded()) << (install_.dialogs.messages.empty() ? "" : install_.dialogs.messages.back().text);
+  ASSERT_TRUE(result.Succeeded()) << (install_.dialogs.messages.empty()
+                                          ? ""
+                                          : install_.dialogs.messages.back().text);
   ASSERT_EQ(result.workbooks.size(), 1u);
   // The progress bar went through every page the status bar announced.
   EXPECT_EQ(progress_.total, *pagesBefore + 1);

@@ -101,6 +101,44 @@ TEST_F(SessionTest, StartUpOverTheInstallation) {
             "Mainform successfully loaded"}));
 }
 
+TEST_F(SessionTest, AFailedStepIsToldBeforeWhatTheChosenDumpTells) {
+  install_.Write("Projekt/Kraft/kraft.cfg", "(setq X 1)\r\nRDS_DEF\r\n");  // the project step fails: 5
+  install_.Write("Temp/VOLTARIS/VOLTARIS ic/volt_report.txt", std::string("\xFE\xFF\0R", 4));
+  // The directory then chosen ("\\", the misconfigured user directory's) has no template to pair.
+  session_.Start();
+  List told;
+  for (const auto& message : install_.dialogs.messages) told.push_back(message.text);
+  EXPECT_EQ(told,
+            (List{"5 - Ogiltigt proceduranrop eller argument",
+                  "Excel-rapportmallen saknar n\xc3\xb6"
+                  "dv\xc3\xa4ndig tillh\xc3\xb6rande INI-fil",
+                  "Filen " + kTempDump +
+                      " \xc3\xa4r sparad som UTF-16 big-endian och kan inte l\xc3\xa4sas. Spara den som "
+                      "ANSI, UTF-8 eller UTF-16 little-endian."}));
+  EXPECT_EQ(install_.dialogs.messages[0].icon, base::MessageIcon::kExclamation);
+}
+
+TEST_F(SessionTest, StartWithoutLoadingFindsWhatStartChoosesAndPairsAndLoadsNothing) {
+  session_.StartWithoutLoading();
+  EXPECT_EQ(session_.TemplateDirectories().text, "C:\\Projektmallar\\");
+  EXPECT_EQ(session_.Templates().text, "PANEL.xlsx");
+  EXPECT_EQ(session_.TemplatePath(), "C:\\Projektmallar\\PANEL.xlsx");
+  EXPECT_EQ(session_.ReportDumps().text, kTempDump);
+  EXPECT_EQ(session_.Definition().IniPath, "");
+  EXPECT_EQ(progress_.loads, 0);
+  EXPECT_EQ(session_.Table().Rows(), 1);  // the heading row alone
+  EXPECT_EQ(install_.settings.GetAppSetting("LastVoltDmp", ""), "");
+  EXPECT_TRUE(install_.dialogs.messages.empty());
+  EXPECT_EQ(LogMessages().size(), 13u);  // the lines Start writes
+
+  // The command line's inputs then: the dump read once, with the template paired.
+  EXPECT_EQ(session_.UseTemplateAndDump(session_.TemplatePath(), session_.ReportDumps().text),
+            report::PreviewResult::kLoaded);
+  EXPECT_EQ(progress_.loads, 1);
+  EXPECT_EQ(session_.Definition().IniPath, "C:\\Projektmallar\\PANEL.ini");
+  EXPECT_EQ(session_.Table().Rows(), 7);
+}
+
 TEST_F(SessionTest, SheetNumberIsPaddedToPageNoLenAndTogglesComeFromTheSettings) {
   install_.Write("Windows/VOLTARIS.INI", "[CURREPORT]\r\nREPORT_ID=PANEL\r\nREPORT_FIRST=1\r\n");
   install_.settings.SaveAppSetting("PageNoLen", "3");

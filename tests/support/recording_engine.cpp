@@ -144,8 +144,7 @@ class RecordingEngine final : public Engine {
 
   int WorkbookCount() override { return static_cast<int>(workbooks_.size()); }
   WorkbookId WorkbookAt(int index) override {
-    if (index < 1 || index > WorkbookCount())
-      throw base::NumberedError(kSubscriptOutOfRange);
+    if (index < 1 || index > WorkbookCount()) throw base::NumberedError(kSubscriptOutOfRange);
     return workbooks_[static_cast<std::size_t>(index - 1)].id;
   }
 
@@ -223,13 +222,12 @@ class RecordingEngine final : public Engine {
   }
   void AddPageBreak(SheetRef sheet, const RangeRef& before) override {
     recording_.Record("Add", SheetText(sheet) + ".HPageBreaks.Add Before:=" + RangeText(before));
-    if (before.firstRow <= 1)
-      throw base::NumberedError(kApplicationDefined);
+    if (before.firstRow <= 1) throw base::NumberedError(kApplicationDefined);
     auto& rows = FindSheet(sheet).pageBreakRows;
     // Excel's limit of manual breaks on one sheet.
     if (rows.size() >= 1023 && !rows.contains(before.firstRow))
       throw base::NumberedError(kApplicationDefined,
-                            "Kalkylbladet har redan det största antalet sidbrytningar (1023).");
+                                "Kalkylbladet har redan det största antalet sidbrytningar (1023).");
     rows.insert(before.firstRow);
   }
   int PageBreakCount(SheetRef sheet) override {

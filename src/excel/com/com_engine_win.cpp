@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
+#include "base/error_numbers.h"
 #include "excel/automation.h"
 #include "excel/cell_address.h"
 #include "excel/cell_blocks.h"
 #include "excel/com/dispatch_win.h"
-#include "base/error_numbers.h"
 
 namespace sw::excel::com {
 namespace {

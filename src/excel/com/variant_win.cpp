@@ -5,8 +5,8 @@
 #include <new>
 #include <utility>
 
-#include "excel/automation.h"
 #include "base/error_numbers.h"
+#include "excel/automation.h"
 
 namespace sw::excel::com {
 

@@ -13,7 +13,6 @@
 #include "base/utf8_path.h"
 #include "excel/automation.h"
 #include "excel/cell_address.h"
-#include "base/error_numbers.h"
 #include "excel/package/conditional_formats.h"
 #include "excel/package/styles.h"
 #include "excel/package/text_import.h"
