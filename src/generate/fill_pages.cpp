@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/upper_case.h"
+#include "generate/counter_limit.h"
 #include "generate/run_error.h"
 #include "generate/start_new_page.h"
 #include "report/colours.h"
@@ -14,9 +15,6 @@ namespace {
 std::string RowsAddress(int first, int last) {
   return std::to_string(first) + ":" + std::to_string(last);
 }
-
-// A worksheet holds at most this many manual page breaks (Excel's own limit).
-constexpr int kManualPageBreakLimit = 1023;
 
 // Before a placement's first row (dynamic length): the break goes above the row the next data row will
 // take, on the sheet that receives the rows. (Breaks once went to the active sheet, which is that sheet
