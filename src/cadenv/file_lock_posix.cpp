@@ -8,15 +8,19 @@
 
 namespace sw::cadenv {
 
-ExclusiveFileLock::ExclusiveFileLock(const std::filesystem::path& lockFile) {
+bool ExclusiveFileLock::Open(const std::filesystem::path& lockFile) {
   const int fd = ::open(lockFile.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-  if (fd < 0) return;
+  if (fd < 0) return false;
   handle_ = fd;
+  return true;
+}
+
+bool ExclusiveFileLock::TryLock() {
   int status;
   do {
-    status = ::flock(fd, LOCK_EX);
+    status = ::flock(static_cast<int>(handle_), LOCK_EX | LOCK_NB);
   } while (status != 0 && errno == EINTR);
-  held_ = status == 0;
+  return status == 0;
 }
 
 ExclusiveFileLock::~ExclusiveFileLock() {

@@ -4,14 +4,19 @@
 
 namespace sw::cadenv {
 
-ExclusiveFileLock::ExclusiveFileLock(const std::filesystem::path& lockFile) {
+bool ExclusiveFileLock::Open(const std::filesystem::path& lockFile) {
   const HANDLE file = ::CreateFileW(lockFile.wstring().c_str(), GENERIC_READ | GENERIC_WRITE,
                                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return;
+  if (file == INVALID_HANDLE_VALUE) return false;
   handle_ = reinterpret_cast<std::intptr_t>(file);
+  return true;
+}
+
+bool ExclusiveFileLock::TryLock() {
   OVERLAPPED whole{};
-  held_ = ::LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK, 0, MAXDWORD, MAXDWORD, &whole) != FALSE;
+  return ::LockFileEx(reinterpret_cast<HANDLE>(handle_), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0,
+                      MAXDWORD, MAXDWORD, &whole) != FALSE;
 }
 
 ExclusiveFileLock::~ExclusiveFileLock() {

@@ -145,8 +145,14 @@ template <typename Change>
 bool PortableRegistry::Update(Change change) {
   std::error_code error;
   if (file_.has_parent_path()) std::filesystem::create_directories(file_.parent_path(), error);
-  const ExclusiveFileLock lock(LockPath());
-  if (!lock.Held()) return false;
+  const ExclusiveFileLock lock(LockPath(), lockGivenUp_ ? std::chrono::milliseconds(0) : lockWait_);
+  if (!lock.Held()) {
+    if (lock.TimedOut() && !lockGivenUp_) {
+      lockGivenUp_ = true;
+      if (lockTimedOut_) lockTimedOut_(LockPath());
+    }
+    return false;
+  }
   // A write always reads the file afresh: a file replaced within the same clock tick by one of equal
   // size could reuse the inode and look unchanged, and a write must never undo another's.
   cachedStamp_.reset();

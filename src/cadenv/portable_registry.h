@@ -4,6 +4,7 @@
 // file. Every read sees the file's current contents (the file is parsed again only when its identity,
 // size or modification time changed); every write locks, re-reads, changes and replaces the file in
 // one step, so concurrent writers lose nothing and a crash leaves no torn file.
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -55,6 +56,16 @@ class PortableRegistry final : public Registry {
     brokenFileKept_ = std::move(notice);
   }
 
+  // Called once, with the lock file's path, when another program held the lock past the wait; that
+  // write and every later one that finds the lock taken are skipped without waiting again, so a run
+  // goes on with its settings unsaved instead of hanging.
+  void OnLockTimedOut(std::function<void(const std::filesystem::path&)> notice) {
+    lockTimedOut_ = std::move(notice);
+  }
+  // How long a write waits for another program's lock (tests shorten it).
+  void SetLockWait(std::chrono::milliseconds wait) { lockWait_ = wait; }
+  static constexpr std::chrono::milliseconds kDefaultLockWait{5000};
+
  private:
   struct Snapshot {
     RegTree tree;
@@ -79,6 +90,9 @@ class PortableRegistry final : public Registry {
   Snapshot cached_;
   std::optional<FileStamp> cachedStamp_;  // nothing: `cached_` does not stand for the file
   std::function<void(const std::filesystem::path&)> brokenFileKept_;
+  std::function<void(const std::filesystem::path&)> lockTimedOut_;
+  std::chrono::milliseconds lockWait_ = kDefaultLockWait;
+  bool lockGivenUp_ = false;
 };
 
 }  // namespace sw::cadenv

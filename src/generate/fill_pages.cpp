@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/upper_case.h"
+#include "generate/counter_limit.h"
 #include "generate/run_error.h"
 #include "generate/start_new_page.h"
 #include "report/colours.h"
@@ -15,23 +16,21 @@ std::string RowsAddress(int first, int last) {
   return std::to_string(first) + ":" + std::to_string(last);
 }
 
-// A worksheet holds at most this many manual page breaks (Excel's own limit).
-constexpr int kManualPageBreakLimit = 1023;
-
-// Before a placement's first row (dynamic length): the break goes on the active sheet, above the row
-// the next data row will take. A break refused because the sheet already holds all it can would leave
+// Before a placement's first row (dynamic length): the break goes above the row the next data row will
+// take, on the sheet that receives the rows. (Breaks once went to the active sheet, which is that sheet
+// only when the template was saved with it in front; a template saved on another sheet got its breaks
+// there and a list without any.) A break refused because the sheet already holds all it can would leave
 // this placement and every later one running on from the one before in print: the run says so once
 // and stops, so the earlier result stays. Any other refusal is passed over as it always was.
 void BreakBeforeNextRow(GenerationRun& run) {
-  excel::Application& excel = run.Excel();
+  excel::Sheet& sheet = run.state.currentSheet;
   const int row = Int16(run.definition.StartRow + run.state.rowsOnPage);
-  ResumeOn1004([&] { excel.ActiveSheet().Rows(RowsAddress(row, row)).Select(); });
   try {
-    excel.ActiveSheet().HPageBreaks().Add(excel.ActiveCell());
+    sheet.HPageBreaks().Add(sheet.Rows(RowsAddress(row, row)));
   } catch (const base::NumberedError& error) {
     if (error.number() != kApplicationDefined) throw;
     int breaks = 0;
-    ResumeOn1004([&] { breaks = excel.ActiveSheet().HPageBreaks().Count(); });
+    ResumeOn1004([&] { breaks = sheet.HPageBreaks().Count(); });
     if (breaks < kManualPageBreakLimit) return;
     run.resultLost = true;
     run.stopped = true;

@@ -9,6 +9,7 @@
 #include "base/process_launcher.h"
 #include "base/program_folder.h"
 #include "cadenv/registry.h"
+#include "session/user_settings_file.h"
 #include "gui/font_engine.h"
 #include "gui/main_window.h"
 #include "gui/qt_dialogs.h"
@@ -45,9 +46,13 @@ int main(int argc, char** argv) {
 
   // The start-log switch is read once, before the window exists.
   const sw::settings::StartLog startLog(sw::base::ProcessEnvironment());
-  auto registry = sw::cadenv::OpenUserRegistry();
-  sw::settings::RegistrySettings settings(*registry);
   sw::gui::QtDialogs dialogs;
+  // A settings file that cannot be read is told once, when the window stands; the window then works
+  // with the defaults and keeps nothing.
+  auto settingsFile = sw::session::OpenUserSettingsFile(
+      [&dialogs](const sw::base::Notice& notice) { dialogs.ShowMessage(sw::base::AsMessage(notice)); });
+  auto& registry = settingsFile.registry;
+  sw::settings::RegistrySettings settings(*registry);
   application.onOutOfMemory = [&dialogs] {
     dialogs.ShowMessage({sw::base::OutOfMemoryMessage("arbetet i fönstret"), "Fel",
                          sw::base::MessageIcon::kCritical, sw::base::MessageButtons::kOk});
@@ -71,6 +76,8 @@ int main(int argc, char** argv) {
                                 .openWorkbook = {}});
     dialogs.SetOwner(&window);
     window.show();
+    for (const auto& notice : settingsFile.outcome.notices) dialogs.ShowMessage(sw::base::AsMessage(notice));
+    settingsFile.outcome.notices.clear();
     const int status = QApplication::exec();
     dialogs.SetOwner(nullptr);
     if (!window.RestartRequested()) return status;

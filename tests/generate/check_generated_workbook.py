@@ -4,6 +4,7 @@ besides those of tests/support/workbook_checks.py:
 
   cell:1!B2=+A1               a cell holds this text, stored as text (an empty value: the cell is empty)
   images:1=1                  number of pictures on a sheet
+  row_breaks:Common=1         number of manual page breaks between rows on a sheet
 """
 import os
 import sys
@@ -24,6 +25,8 @@ def actual(book, kind, where):
         return cell.value
     if kind == "images":
         return str(len(book[where]._images))
+    if kind == "row_breaks":
+        return str(len(book[where].row_breaks.brk))
     return None
 
 

@@ -146,6 +146,31 @@ TEST_F(EndToEndTest, SingleSheetFilesArePaddedAndEmptiedPerPage) {
   EXPECT_EQ(last.status, 0) << last.output;
 }
 
+// The template was saved with its page sheet in front; the list grows on the common sheet, and the
+// breaks before each later placement belong there, not on the sheet that happened to be active.
+TEST_F(EndToEndTest, DynamicLengthPutsItsBreaksOnTheSheetThatGetsTheRows) {
+  ASSERT_TRUE(HaveOpenpyxl()) << "python3-openpyxl or python3-pil is missing (scripts/setup.sh installs it)";
+  const fs::path folder = folder_->path() / "Dynamisk";
+  fs::create_directories(folder);
+  fs::copy_file(kSource / "tests/data/templates/title_block.xlsx", folder / "lista.xlsx");
+  fs::copy_file(kSource / "tests/data/generation/dynamic.ini", folder / "lista.ini");
+  const std::string dump =
+      "VOLTARIS Rapport\tYttre f\xf6rbindningstabell\tFBLTAY\r\n\r\n"
+      "%+A1 Sk\xe5p%\r\n\tX1\t1\tW1\tL1\r\n\tX1\t2\tW2\tL2\r\n"
+      "%+A2 Sk\xe5p%\r\n\tX2\t1\tW3\tL3\r\n";
+  ASSERT_FALSE(base::WriteFileAtomically(folder / "lista.txt", dump));
+  cli::GenerateOptions options;
+  options.dump = (folder / "lista.txt").string();
+  options.templateWorkbook = (folder / "lista.xlsx").string();
+  options.target = Target("Dynamisk.xlsx");
+  std::ostringstream out, err;
+  ASSERT_EQ(cli::RunGenerate(options, out, err), 0) << err.str();
+
+  const auto result = ReadBack(Target("Dynamisk.xlsx"), {"row_breaks:Common=1", "row_breaks:Mall=0",
+                                                         "cell:Common!A12=X2"});
+  EXPECT_EQ(result.status, 0) << result.output;
+}
+
 TEST_F(EndToEndTest, ValidatorFindsNoErrorTheTemplateLacks) {
   const fs::path validator = kSource / "tools/node_modules/.bin/ooxml-validate";
   ASSERT_TRUE(fs::exists(validator)) << "ooxml-validate is missing (scripts/setup.sh installs it)";

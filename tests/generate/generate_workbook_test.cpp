@@ -225,26 +225,6 @@ TEST_F(GenerateWorkbookTest, DynamicRunFillsTheCommonSheetWithBreaksBeforeEachLa
   EXPECT_TRUE(state.dynamicLength);
 }
 
-// A sheet holds 1023 manual page breaks: a dynamic run whose report has more placements says so once
-// and stops without saving, as its printout could not start each placement on a page of its own.
-TEST_F(GenerateWorkbookTest, DynamicRunPastTheSheetsPageBreaksStopsWithOneMessage) {
-  UseIni("dynamic.ini");
-  for (int i = 1; i <= 1100; ++i) AddPlacement("+A" + std::to_string(i), i, 1);
-  const auto outcome = Generate();
-
-  EXPECT_FALSE(outcome.completed);
-  EXPECT_THAT(outcome.savedFiles, IsEmpty());
-  ASSERT_EQ(dialogs.messages.size(), 2u);
-  EXPECT_EQ(dialogs.messages[0].title, "Fel");
-  EXPECT_EQ(dialogs.messages[0].text,
-            "Rapporten har fler placeringar än bladet rymmer sidbrytningar för: ett kalkylblad rymmer högst "
-            "1023 manuella sidbrytningar, och placeringen på rad 1034 skulle inte börja på en egen sida.\r"
-            "Mallen Lista.xlsx har dynamisk sidlängd; dela upp rapporten eller använd en mall med fast "
-            "sidlängd.");
-  EXPECT_EQ(dialogs.messages[1].text,
-            "Genereringen avbröts och arbetsboken har inte sparats: /R/Lista.xlsx är som före körningen.");
-}
-
 TEST_F(GenerateWorkbookTest, DynamicSingleSheetRunWritesTheTemplateItself) {
   UseIni("dynamic.ini");
   AddPlacement("+A1", 1, 1);

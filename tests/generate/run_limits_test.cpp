@@ -95,6 +95,28 @@ TEST_F(RunLimitsTest, DynamicRowsPastTheCounterAreRefusedBeforeTheTargetIsAskedF
   EXPECT_EQ(recording.applicationsCreated(), 0);
 }
 
+// A sheet holds 1023 manual breaks; a dynamic run that needs more to start each placement on a page of
+// its own is refused before the target is asked for, counting the breaks as the run puts them.
+TEST_F(RunLimitsTest, DynamicBreaksPastTheSheetsLimitAreRefusedBeforeTheTargetIsAskedFor) {
+  UseIni("dynamic.ini");
+  for (int i = 1; i <= 1024; ++i) AddPlacement("+A" + std::to_string(i), i, 1);
+  EXPECT_EQ(MeasureRun(table, Layout(10, 9999, true)).pageBreaks, 1023);
+  EXPECT_EQ(CounterLimitRefusal(MeasureRun(table, Layout(10, 9999, true)), Layout(10, 9999, true), 1), "");
+
+  AddPlacement("+B1", 1, 1);
+  AddTitle("+B2");  // a head without rows breaks at the same row as the next one: no break of its own
+  AddPlacement("+B3", 1, 1);
+  EXPECT_EQ(MeasureRun(table, Layout(10, 9999, true)).pageBreaks, 1025);
+  const auto outcome = Generate();
+  EXPECT_FALSE(outcome.completed);
+  EXPECT_THAT(MessageTexts(),
+              ElementsAre("Fel: Rapporten behöver 1025 manuella sidbrytningar för att varje placering ska "
+                          "börja på en egen sida, men ett kalkylblad rymmer högst 1023.\rMallen har dynamisk "
+                          "sidlängd; dela upp rapporten eller använd en mall med fast sidlängd."));
+  EXPECT_EQ(dialogs.fileAnswers.size(), 1u);  // the target was never asked for
+  EXPECT_THAT(outcome.savedFiles, IsEmpty());
+}
+
 TEST_F(RunLimitsTest, FailedPageSavesNothingAndSaysSoOnce) {
   AddPages(5);
   // The second page cannot be made: whatever follows, the workbook would lack it.
