@@ -29,11 +29,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       engine.Copy(engine.Selection());
       engine.PasteSpecial(copy.Rows("3:4").ref(), XlPasteType::xlPasteFormats);
       copy.Cells(4, 2).Borders(XlBordersIndex::xlEdgeBottom).SetWeight(XlBorderWeight::xlMedium);
-    } catch (const base::NumberedError&) {
+    } catch (const sw::base::NumberedError&) {
     }
     (void)engine.SaveToBytes(id, ".xlsx");
     (void)engine.SaveToBytes(id, ".xlsm");
-  } catch (const base::NumberedError&) {
+  } catch (const sw::base::NumberedError&) {
   }
   return 0;
 }
