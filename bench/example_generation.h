@@ -9,6 +9,7 @@
 #include "bench_support.h"
 #include "generate/generate_workbook.h"
 #include "report/preview_loader.h"
+#include "session/template_fields.h"
 #include "templates/field_panel.h"
 #include "templates/template_ini.h"
 
@@ -24,10 +25,13 @@ inline int GenerateExample(const std::string& templateFolder, const std::string&
   report::ReportTable table;
   templates::TemplateDefinition definition;
   templates::FieldPanel fields;
-  templates::FindIniForTemplate(templateFolder, "yttre_forbindningstabell.xlsx", definition, fields, table,
-                                dialogs);
-  report::PreviewVoltDump(table,
-                          report::PreviewContext{.dumpPath = dump, .settings = settings, .dialogs = dialogs});
+  const auto pairing = templates::FindIniForTemplate(templateFolder, "yttre_forbindningstabell.xlsx");
+  if (!pairing.outcome) return -1;
+  definition.IniPath = pairing.iniPath;
+  const auto common = templates::ReadCommonFields(definition.IniPath);
+  if (!common.outcome || !common.outcome.notices.empty()) return -1;
+  session::ApplyCommonFields(common, definition, fields, table, templates::TodayShortDate);
+  if (!report::PreviewVoltDump(table, report::PreviewContext{.dumpPath = dump, .settings = settings})) return -1;
   generate::MessageSingleSheetWarning warning(dialogs);
   generate::GenerationServices services{settings, dialogs, warning, launcher, {}, {}, {}, {}};
   std::vector<std::string> texts;
