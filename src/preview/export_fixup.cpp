@@ -26,7 +26,8 @@ bool ExportRepairOffered(bool force, std::string_view currentReportId, const bas
 }
 
 base::Notice ExportRepairQuestion() {
-  return {"Infoga kolumn i yttre förbindningstabell?", "Justera fel i exportfil", base::MessageIcon::kQuestion};
+  return {"Infoga kolumn i yttre förbindningstabell?", "Justera fel i exportfil",
+          base::MessageIcon::kQuestion};
 }
 
 }  // namespace sw::preview

@@ -43,7 +43,8 @@ void MarkPageBreaks(report::ReportTable& table, int pageLength) {
 base::Outcome<PageBreaksStatus> ShowPageBreaks(report::ReportTable& table, const PageBreakSource& source) {
   base::Outcome<PageBreaksStatus> outcome;
   if (base::TrimSpaces(source.templateFile).empty() ||
-      !base::WindowsFileExists(std::string(source.templateFolder) + "\\" + std::string(source.templateFile))) {
+      !base::WindowsFileExists(std::string(source.templateFolder) + "\\" +
+                               std::string(source.templateFile))) {
     return outcome.Fail(PageBreaksStatus::kNoTemplate);
   }
   if (!source.pageLength) return outcome.Fail(PageBreaksStatus::kNoPageLength);

@@ -68,10 +68,12 @@ Loading LoadDumpFile(ReportTable& table, const PreviewContext& context) {
     }
   } catch (const std::bad_alloc&) {
     table.SetRows(1);
-    return FileError(PreviewResult::kUnreadable, "Filen " + context.dumpPath + " är för stor för att läsas in.");
+    return FileError(PreviewResult::kUnreadable,
+                     "Filen " + context.dumpPath + " är för stor för att läsas in.");
   } catch (const std::length_error&) {
     table.SetRows(1);
-    return FileError(PreviewResult::kUnreadable, "Filen " + context.dumpPath + " är för stor för att läsas in.");
+    return FileError(PreviewResult::kUnreadable,
+                     "Filen " + context.dumpPath + " är för stor för att läsas in.");
   }
   return {};
 }

@@ -193,6 +193,8 @@ void Session::PairTemplate() {
 }
 
 report::PreviewResult Session::PreviewVoltDump() {
+  marksFolder_ = rdsDir_.text;
+  marksFile_ = rdsFile_.text;
   const report::PreviewContext context{.dumpPath = voltDump_.text,
                                        .refreshing = refreshing_,
                                        .settings = services_.settings,
@@ -220,7 +222,7 @@ bool Session::DrawPageBreaks() {
   const auto* description = CurrentDescription();
   const auto* pageLength = description ? &description->pageLength : nullptr;
   const auto drawn =
-      preview::ShowPageBreaks(table_, {rdsDir_.text, rdsFile_.text, pageLength, &services_.settings});
+      preview::ShowPageBreaks(table_, {marksFolder_, marksFile_, pageLength, &services_.settings});
   if (drawn.status != preview::PageBreaksStatus::kNoTemplate && pageLength && pageLength->infinite) {
     definition_.Infinite = true;
   }
@@ -460,6 +462,8 @@ bool Session::CheckTemplate(std::string_view workbookPath,
 }
 
 void Session::ShowPageBreaks() {
+  marksFolder_ = rdsDir_.text;
+  marksFile_ = rdsFile_.text;
   if (DrawPageBreaks()) {
     ForgetEdits();
     Notify(Change::kMarks);

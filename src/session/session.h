@@ -256,7 +256,8 @@ class Session {
   const templates::TemplateDescription* CurrentDescription() const;
   // The preview's reading of the page length at the end of a load, as if the INI file were read again.
   void ReloadPageLength();
-  // The page-break marks drawn with the current template's page length; whether the reset ran.
+  // The page-break marks drawn for the template of the last load or redraw with the current page
+  // length; whether the reset ran.
   bool DrawPageBreaks();
   // The template path the editing commands use, or nothing (after telling the user) without a template.
   std::optional<std::string> ChosenTemplateForEditing();
@@ -289,6 +290,10 @@ class Session {
   templates::TemplateDefinition definition_;
   report::ReportTable table_;
   mutable templates::TemplateIniCache iniCache_;
+  // The template the page-break marks were last drawn for, as the pickers named it at the last load or
+  // redraw; an edit of the preview draws them for the same.
+  std::string marksFolder_;
+  std::string marksFile_;
   EditHistory history_;
   std::vector<std::string> recentDumps_;
 };

@@ -6,9 +6,9 @@
 
 namespace sw::session {
 
-void ApplyCommonFields(const templates::CommonFieldsReading& reading, templates::TemplateDefinition& definition,
-                       templates::FieldPanel& fields, report::ReportTable& preview,
-                       const templates::ShortDateSource& today) {
+void ApplyCommonFields(const templates::CommonFieldsReading& reading,
+                       templates::TemplateDefinition& definition, templates::FieldPanel& fields,
+                       report::ReportTable& preview, const templates::ShortDateSource& today) {
   if (reading.outcome.status == templates::CommonFieldsStatus::kMissingSection) {
     definition.IniError = true;
     return;

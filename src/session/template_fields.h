@@ -15,8 +15,8 @@ namespace sw::session {
 // Columns: the heading row is emptied and the names kept as PreviewColumnNames; two or more names
 // give the preview one column per name (each heading followed by a space) plus the leading one, a
 // single name leaves the column count alone. No Columns leaves the headings as they were.
-void ApplyCommonFields(const templates::CommonFieldsReading& reading, templates::TemplateDefinition& definition,
-                       templates::FieldPanel& fields, report::ReportTable& preview,
-                       const templates::ShortDateSource& today);
+void ApplyCommonFields(const templates::CommonFieldsReading& reading,
+                       templates::TemplateDefinition& definition, templates::FieldPanel& fields,
+                       report::ReportTable& preview, const templates::ShortDateSource& today);
 
 }  // namespace sw::session

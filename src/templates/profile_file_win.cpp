@@ -142,7 +142,8 @@ std::string ReadIniValue(std::string_view section, std::string_view key, std::st
 }
 
 // Windows keeps the file's text itself; each call asks it, so the file reads exactly as above.
-ProfileFile::ProfileFile(std::string_view iniPath) : path_(iniPath), found_(OpenProfile(iniPath).has_value()) {}
+ProfileFile::ProfileFile(std::string_view iniPath)
+    : path_(iniPath), found_(OpenProfile(iniPath).has_value()) {}
 
 ProfileSectionResult ProfileFile::Section(std::string_view section) const {
   return ReadIniSection(section, path_);

@@ -237,8 +237,12 @@ IniValidation ValidateTemplateIni(const ProfileFile& file, std::string_view iniP
         TellBadLine(outcome, key, line);
         continue;
       }
-      auto& row = key == "SHEETNO" ? layout.SheetNoRow : key == "NEXTSHEET" ? layout.NextSheetRow : layout.LocationRow;
-      auto& col = key == "SHEETNO" ? layout.SheetNoCol : key == "NEXTSHEET" ? layout.NextSheetCol : layout.LocationCol;
+      auto& row = key == "SHEETNO"     ? layout.SheetNoRow
+                  : key == "NEXTSHEET" ? layout.NextSheetRow
+                                       : layout.LocationRow;
+      auto& col = key == "SHEETNO"     ? layout.SheetNoCol
+                  : key == "NEXTSHEET" ? layout.NextSheetCol
+                                       : layout.LocationCol;
       row = static_cast<std::int16_t>(cell.row);
       col = static_cast<std::int16_t>(cell.col);
       ++count;
@@ -274,8 +278,8 @@ IniValidation ValidateTemplateIni(const ProfileFile& file, std::string_view iniP
   }
 
   if (count >= 8) return result;
-  outcome.Tell("Redigera ini-filen " + std::string(iniPath) + " och försök senare.", MessageIcon::kInformation,
-               kTitleError);
+  outcome.Tell("Redigera ini-filen " + std::string(iniPath) + " och försök senare.",
+               MessageIcon::kInformation, kTitleError);
   outcome.Fail(IniValidationStatus::kTooFewEntries);
   return result;
 }

@@ -51,8 +51,8 @@ CommonFieldsReading ReadCommonFields(std::string_view iniPath);
 
 // The preview's reading of [Sheet]: the page length of its page-break marks.
 struct PageLengthReading {
-  int rowsPerPage = -1;    // ENDROW − STARTROW + 1, or −1 when the section or either row is missing
-  bool infinite = false;   // INFINITE holds a number
+  int rowsPerPage = -1;   // ENDROW − STARTROW + 1, or −1 when the section or either row is missing
+  bool infinite = false;  // INFINITE holds a number
   base::Outcome<base::Done> outcome;  // kNo: no [Sheet] section
 };
 

@@ -17,8 +17,8 @@
 #include "report/add_grid_row.h"
 #include "report/colours.h"
 #include "scripted_dialogs.h"
-#include "temp_dir.h"
 #include "session/template_fields.h"
+#include "temp_dir.h"
 #include "templates/template_ini.h"
 
 namespace sw::generate {

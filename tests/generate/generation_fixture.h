@@ -20,7 +20,8 @@ namespace sw::generate {
 
 // Pairs the template with `iniPath` as choosing the template does: the common fields and the preview's
 // headings come from it ("." is 2026-11-20). The field boxes' texts.
-inline std::vector<std::string> PairTemplateIni(const std::string& iniPath, templates::TemplateDefinition& definition,
+inline std::vector<std::string> PairTemplateIni(const std::string& iniPath,
+                                                templates::TemplateDefinition& definition,
                                                 report::ReportTable& table) {
   templates::FieldPanel fields;
   session::ApplyCommonFields(templates::ReadCommonFields(iniPath), definition, fields, table,

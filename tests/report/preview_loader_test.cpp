@@ -129,7 +129,9 @@ TEST_F(PreviewVoltDumpTest, MissingFileOrFolderIsReportedAndNothingElseRuns) {
   const std::string missing = (temp.path() / "saknas.txt").string();
   const std::string folder = temp.path().string();
   const std::vector<Case> cases = {
-      {missing, PreviewResult::kNotFound, {"Hittar ej filen " + missing + ".", "Fel", base::MessageIcon::kInformation}},
+      {missing,
+       PreviewResult::kNotFound,
+       {"Hittar ej filen " + missing + ".", "Fel", base::MessageIcon::kInformation}},
       {folder,
        PreviewResult::kUnreadable,
        {"Kan ej l\u00e4sa filen " + folder + " eftersom det inte \u00e4r n\u00e5gon vanlig fil.", "Filfel",
@@ -153,8 +155,8 @@ TEST_F(PreviewVoltDumpTest, UnreadableFileIsAFileErrorNotACrash) {
   const auto loaded = PreviewVoltDump(table, Context(path.string()));
   EXPECT_EQ(table.Rows(), 1);
   EXPECT_EQ(loaded.status, PreviewResult::kUnreadable);
-  EXPECT_EQ(loaded.notices, (std::vector<base::Notice>{{"Kan ej l\u00e4sa filen " + path.string() + ".", "Filfel",
-                                                          base::MessageIcon::kCritical}}));
+  EXPECT_EQ(loaded.notices, (std::vector<base::Notice>{{"Kan ej l\u00e4sa filen " + path.string() + ".",
+                                                        "Filfel", base::MessageIcon::kCritical}}));
 }
 
 TEST_F(PreviewVoltDumpTest, ByteOrderMarkedDumpsReadAlike) {

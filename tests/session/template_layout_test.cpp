@@ -14,8 +14,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kTabsAndCommon = "[Tabs]\nTemplate=Sida\nCommon=Blad1\n[Common]\nProjekt=C3\nDatum=D4|.\n";
-constexpr const char* kSheet = "[Sheet]\nSHEETNO=H2\nNEXTSHEET=H3\nLOCATION=B5\nSTARTROW=10\nCOLUMNS=A,B,C,D\n";
+constexpr const char* kTabsAndCommon =
+    "[Tabs]\nTemplate=Sida\nCommon=Blad1\n[Common]\nProjekt=C3\nDatum=D4|.\n";
+constexpr const char* kSheet =
+    "[Sheet]\nSHEETNO=H2\nNEXTSHEET=H3\nLOCATION=B5\nSTARTROW=10\nCOLUMNS=A,B,C,D\n";
 
 class TemplateLayoutTest : public ::testing::Test {
  protected:
@@ -101,8 +103,9 @@ TEST_F(TemplateLayoutTest, AQuietLayoutTellsNothingOfThePageLength) {
   EXPECT_TRUE(Texts().empty());
   // Generation's own check still tells its findings, before the workbook's (a stand-in here).
   EXPECT_FALSE(session_->CheckTemplate("C:\\Projektmallar\\PANEL.xlsx", {}));
-  EXPECT_EQ(Texts(), (std::vector<std::string>{"Dynamisk sidlängd felaktigt angiven i ini-filen.\r\"INFINITE=ja\"",
-                                               "Filen är inte en Excel-arbetsbok."}));
+  EXPECT_EQ(Texts(),
+            (std::vector<std::string>{"Dynamisk sidlängd felaktigt angiven i ini-filen.\r\"INFINITE=ja\"",
+                                      "Filen är inte en Excel-arbetsbok."}));
 }
 
 }  // namespace

@@ -129,7 +129,8 @@ TEST_F(TemplateIniTest, RowsPerPageForThePreview) {
   const auto reading = ReadRowsPerPage(ini);
   EXPECT_FALSE(reading.outcome);
   EXPECT_EQ(reading.rowsPerPage, -1);
-  EXPECT_EQ(Texts(reading.outcome.notices), std::vector<std::string>{"Ini-filen " + ini + "\rsaknar sektionen [Sheet]."});
+  EXPECT_EQ(Texts(reading.outcome.notices),
+            std::vector<std::string>{"Ini-filen " + ini + "\rsaknar sektionen [Sheet]."});
 }
 
 TEST_F(TemplateIniTest, ValidationCountsAcceptedLines) {
@@ -238,8 +239,8 @@ TEST_F(TemplateIniTest, WorkbookPairsWithItsIniIgnoringCase) {
   EXPECT_FALSE(unpaired.outcome);
   EXPECT_EQ(unpaired.iniPath, "");
   EXPECT_EQ(unpaired.outcome.notices,
-            (std::vector<base::Notice>{
-                {"Excel-rapportmallen saknar nödvändig tillhörande INI-fil", "Fel", MessageIcon::kInformation}}));
+            (std::vector<base::Notice>{{"Excel-rapportmallen saknar nödvändig tillhörande INI-fil", "Fel",
+                                        MessageIcon::kInformation}}));
 }
 
 TEST_F(TemplateIniTest, PairingWalksEveryFileInNameOrder) {
