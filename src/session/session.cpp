@@ -215,7 +215,8 @@ void Session::ReloadPageLength() {
   const auto* description = CurrentDescription();
   if (!description) return;
   if (description->pageLength.infinite) definition_.Infinite = true;
-  if (!services_.quietPageLayout) Tell(description->pageLength.outcome.notices);
+  const auto notices = description->pageLength.outcome.notices;  // kept: telling may read the file again
+  if (!services_.quietPageLayout) Tell(notices);
 }
 
 bool Session::DrawPageBreaks() {
