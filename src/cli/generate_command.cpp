@@ -156,12 +156,10 @@ int RunGenerate(const GenerateOptions& given, std::ostream& out, std::ostream& e
   settings::RegistrySettings stored(*registry);
   // The page-break marks are drawn as the preview draws them, but quietly: the INI file's problems are
   // told once by the pairing and once more by generation's own check, not a third time here.
-  std::ostream discard(nullptr);
-  ConsoleDialogs quiet(discard, /*answerYes=*/false);
   CliSession cli(err,
                  {.answerYes = options.yes,
                   .readOnly = false,
-                  .layoutDialogs = &quiet,
+                  .quietPageLayout = true,
                   .excel = options.engine == "excel"},
                  *registry, stored, base::ProcessEnvironment());
   auto& session = cli.Session();
