@@ -9,6 +9,7 @@
 #include "bench_support.h"
 #include "generate/generate_workbook.h"
 #include "report/preview_loader.h"
+#include "session/template_fields.h"
 #include "templates/field_panel.h"
 #include "templates/template_ini.h"
 
@@ -16,7 +17,8 @@ namespace sw::bench {
 
 // Fills `templateFolder`/yttre_forbindningstabell.xlsx (with its INI file) from `dump` into `target`,
 // starting at sheet number 1. The number of pages, or -1 when the run ended on a message.
-inline int GenerateExample(const std::string& templateFolder, const std::string& dump, const std::string& target) {
+inline int GenerateExample(const std::string& templateFolder, const std::string& dump,
+                           const std::string& target) {
   SilentDialogs dialogs;
   dialogs.target = target;
   DefaultSettings settings;
@@ -24,16 +26,21 @@ inline int GenerateExample(const std::string& templateFolder, const std::string&
   report::ReportTable table;
   templates::TemplateDefinition definition;
   templates::FieldPanel fields;
-  templates::FindIniForTemplate(templateFolder, "yttre_forbindningstabell.xlsx", definition, fields, table,
-                                dialogs);
-  report::PreviewVoltDump(table,
-                          report::PreviewContext{.dumpPath = dump, .settings = settings, .dialogs = dialogs});
+  const auto pairing = templates::FindIniForTemplate(templateFolder, "yttre_forbindningstabell.xlsx");
+  if (!pairing.outcome) return -1;
+  definition.IniPath = pairing.iniPath;
+  const auto common = templates::ReadCommonFields(definition.IniPath);
+  if (!common.outcome || !common.outcome.notices.empty()) return -1;
+  session::ApplyCommonFields(common, definition, fields, table, templates::TodayShortDate);
+  if (!report::PreviewVoltDump(table, report::PreviewContext{.dumpPath = dump, .settings = settings}))
+    return -1;
   generate::MessageSingleSheetWarning warning(dialogs);
   generate::GenerationServices services{settings, dialogs, warning, launcher, {}, {}, {}, {}};
   std::vector<std::string> texts;
   for (const auto& entry : fields.entries) texts.push_back(entry.text);
-  generate::GenerationInputs inputs{table, "1", templateFolder, "yttre_forbindningstabell.xlsx", dump,
-                                    templateFolder, std::move(texts), false, {}};
+  generate::GenerationInputs inputs{
+      table, "1", templateFolder, "yttre_forbindningstabell.xlsx", dump, templateFolder, std::move(texts),
+      false, {}};
   generate::GenerationState generation;
   const auto outcome = generate::GenerateWorkbook(inputs, definition, generation, services);
   if (!outcome.completed || dialogs.messages != 0) return -1;

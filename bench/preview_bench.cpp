@@ -27,10 +27,8 @@ double StatusKilobytes(std::string_view key) {
 
 void LoadInto(sw::report::ReportTable& table) {
   sw::bench::DefaultSettings settings;
-  sw::bench::SilentDialogs dialogs;
   sw::report::PreviewVoltDump(
-      table, sw::report::PreviewContext{
-                 .dumpPath = sw::bench::Dump().path().string(), .settings = settings, .dialogs = dialogs});
+      table, sw::report::PreviewContext{.dumpPath = sw::bench::Dump().path().string(), .settings = settings});
 }
 
 void BM_PreviewVoltDump(benchmark::State& state) {

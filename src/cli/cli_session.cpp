@@ -39,7 +39,7 @@ CliSession::CliSession(std::ostream& err, CliSessionOptions options, cadenv::Reg
                 .startLog = &startLog_,
                 .createExcel = EngineOf(options),
                 .programFolder = ProgramFolderText(),
-                .layoutDialogs = options.layoutDialogs,
+                .quietPageLayout = options.quietPageLayout,
                 // A command line has no toggle that a template could switch off: a run that would
                 // write into the template is refused instead.
                 .mayWriteIntoTemplate = false}) {}

@@ -16,10 +16,10 @@
 namespace sw::cli {
 
 struct CliSessionOptions {
-  bool answerYes = false;                  // --yes
-  bool readOnly = false;                   // the settings are only read
-  base::Dialogs* layoutDialogs = nullptr;  // where the page layout's messages go; none: stderr
-  bool excel = false;                      // generation drives Excel itself (--engine excel)
+  bool answerYes = false;        // --yes
+  bool readOnly = false;         // the settings are only read
+  bool quietPageLayout = false;  // the page layout's notices are not told
+  bool excel = false;            // generation drives Excel itself (--engine excel)
 };
 
 class CliSession {

@@ -96,7 +96,7 @@ class GenerateSession {
     cli_.emplace(err_,
                  CliSessionOptions{.answerYes = options_.yes,
                                    .readOnly = false,
-                                   .layoutDialogs = &quiet_,
+                                   .quietPageLayout = true,
                                    .excel = options_.engine == "excel"},
                  *registry_, *stored_, base::ProcessEnvironment());
     return &*cli_;
@@ -105,8 +105,6 @@ class GenerateSession {
  private:
   const GenerateOptions& options_;
   std::ostream& err_;
-  std::ostream discard_{nullptr};
-  ConsoleDialogs quiet_{discard_, /*answerYes=*/false};
   std::unique_ptr<cadenv::Registry> registry_;
   std::optional<settings::RegistrySettings> stored_;
   std::optional<CliSession> cli_;

@@ -44,21 +44,16 @@ std::string LeftCharacters(std::string_view text, int length) {
   return std::string(text.substr(0, end));
 }
 
-// Reads through to nobody: the layout is looked at before the target is asked for, and generation's
-// own INI check tells its findings once the target is chosen.
-class SilentDialogs final : public base::Dialogs {
- public:
-  base::MessageAnswer ShowMessage(const base::Message&) override { return base::MessageAnswer::kOk; }
-  std::optional<std::string> ShowFileDialog(const base::FileDialogRequest&) override { return std::nullopt; }
-};
-
-// The template's layout as generation's INI check will read it; nothing when the check would fail.
+// The template's layout as generation's INI check will read it; nothing when the check would fail. It
+// says nothing: the layout is looked at before the target is asked for, and generation's own INI
+// check tells its findings once the target is chosen.
 std::optional<templates::TemplateDefinition> LayoutAsChecked(
     const templates::TemplateDefinition& definition) {
   if (definition.IniPath.empty()) return std::nullopt;
+  const auto validation = templates::ValidateTemplateIni(definition.IniPath);
+  if (!validation.Accepted()) return std::nullopt;
   templates::TemplateDefinition copy = definition;
-  SilentDialogs quiet;
-  if (!templates::ValidateTemplateIni(copy.IniPath, copy, quiet).Accepted()) return std::nullopt;
+  validation.ApplyTo(copy);
   return copy;
 }
 
@@ -168,10 +163,13 @@ bool TargetSaysItsFormat(const GenerationRun& run, const GenerationInputs& input
 
 // The template's INI file as generation needs it; a failing one is opened for editing.
 bool ValidateIni(GenerationRun& run, templates::TemplateDefinition& definition) {
-  const auto result = templates::ValidateTemplateIni(definition.IniPath, definition, run.services.dialogs);
+  const auto validation = templates::ValidateTemplateIni(definition.IniPath);
+  for (const auto& notice : validation.outcome.notices) run.Tell(notice.text, notice.title, notice.icon);
+  validation.ApplyTo(definition);
   run.state.dynamicLength = definition.Infinite;
-  if (result.status == templates::IniValidationStatus::kMissingSheetSection) return false;
-  if (result.status == templates::IniValidationStatus::kTooFewEntries) {
+  const auto status = validation.outcome.status;
+  if (status == templates::IniValidationStatus::kMissingSheetSection) return false;
+  if (status == templates::IniValidationStatus::kTooFewEntries) {
     run.state.iniEditRequested = true;
     // The message has already told the user to edit the file; a missing editor adds nothing to it.
     run.services.launcher.EditTextFile(definition.IniPath);

@@ -8,10 +8,6 @@
 namespace sw::generate {
 namespace {
 
-void Tell(base::Dialogs& dialogs, std::string text, std::string title, base::MessageIcon icon) {
-  dialogs.ShowMessage({std::move(text), std::move(title), icon, base::MessageButtons::kOk});
-}
-
 // Reading something of the sheet makes the engine load it, so a damaged sheet shows here as it
 // would when generation writes to it.
 void ReadSheet(const excel::Sheet& sheet) {
@@ -20,8 +16,9 @@ void ReadSheet(const excel::Sheet& sheet) {
 
 }  // namespace
 
-bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
-                                   const templates::TemplateDefinition& definition, base::Dialogs& dialogs) {
+base::Outcome<base::Done> OpenTemplateAsGenerationWould(const std::string& workbookPath,
+                                                        const templates::TemplateDefinition& definition) {
+  base::Outcome<base::Done> outcome;
   try {
     const auto excel = excel::CreateApplication();
     const excel::Workbook workbook = excel->Workbooks().Open(EnginePath(workbookPath), true);
@@ -37,20 +34,19 @@ bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
       commonFound = commonFound || name == commonName;
       templateFound = templateFound || name == templateName;
     }
-    if (commonFound && templateFound) return true;
+    if (commonFound && templateFound) return outcome;
     if (!commonFound) {
-      Tell(dialogs, "Fliken '" + definition.CommonSheetName + "' saknas i excelfilen", "",
-           base::MessageIcon::kInformation);
+      outcome.Tell("Fliken '" + definition.CommonSheetName + "' saknas i excelfilen",
+                   base::MessageIcon::kInformation);
     }
     if (!templateFound) {
-      Tell(dialogs, "Fliken '" + definition.TemplateSheetName + "' saknas i excelfilen", "",
-           base::MessageIcon::kInformation);
+      outcome.Tell("Fliken '" + definition.TemplateSheetName + "' saknas i excelfilen",
+                   base::MessageIcon::kInformation);
     }
-    Tell(dialogs, "Redigera mallfilen så att den uppfyller kraven.", "", base::MessageIcon::kNone);
-    return false;
+    outcome.Tell("Redigera mallfilen så att den uppfyller kraven.");
+    return outcome.Fail(base::Done::kNo);
   } catch (const base::NumberedError& error) {
-    Tell(dialogs, error.description(), "Filfel", base::MessageIcon::kCritical);
-    return false;
+    return outcome.Tell(error.description(), base::MessageIcon::kCritical, "Filfel").Fail(base::Done::kNo);
   }
 }
 

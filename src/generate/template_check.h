@@ -4,17 +4,17 @@
 #include <string>
 #include <vector>
 
-#include "base/dialogs.h"
+#include "base/outcome.h"
 #include "templates/template_definition.h"
 
 namespace sw::generate {
 
 // Opens the template workbook read-only through the workbook engine, as generation opens it, finds
-// the two sheets [Tabs] names and reads them. Tells every problem in generation's words and returns
-// false where generation would stop: a workbook the engine cannot open (damaged, old format,
-// encrypted) or a missing sheet.
-bool OpenTemplateAsGenerationWould(const std::string& workbookPath,
-                                   const templates::TemplateDefinition& definition, base::Dialogs& dialogs);
+// the two sheets [Tabs] names and reads them. kNo, with every problem in generation's words, where
+// generation would stop: a workbook the engine cannot open (damaged, old format, encrypted) or a
+// missing sheet.
+base::Outcome<base::Done> OpenTemplateAsGenerationWould(const std::string& workbookPath,
+                                                        const templates::TemplateDefinition& definition);
 
 // Plain warnings, one line each: a page of no rows, or rows above row 1, which are never written.
 std::vector<std::string> PageLayoutWarnings(const templates::TemplateDefinition& definition);

@@ -19,20 +19,15 @@ void InsertLeadingColumn(report::ReportTable& table) {
   }
 }
 
-bool AdjustExportFile(bool force, std::string_view currentReportId, const base::Environment& environment,
-                      base::Dialogs& dialogs, report::ReportTable& table,
-                      const std::function<void()>& recheckTemplate) {
+bool ExportRepairOffered(bool force, std::string_view currentReportId, const base::Environment& environment) {
   const bool sectionPresent =
       !templates::ReadIniSection("CNCHSCR", templates::CadIniPath(environment)).lines.empty();
-  if (!(base::UpperCase(currentReportId) == "FBLTAY" || force) || !(sectionPresent || force)) return false;
+  return (base::UpperCase(currentReportId) == "FBLTAY" || force) && (sectionPresent || force);
+}
 
-  const auto answer =
-      dialogs.ShowMessage({"Infoga kolumn i yttre förbindningstabell?", "Justera fel i exportfil",
-                           base::MessageIcon::kQuestion, base::MessageButtons::kYesNo});
-  if (answer != base::MessageAnswer::kYes) return false;
-  InsertLeadingColumn(table);
-  if (recheckTemplate) recheckTemplate();
-  return true;
+base::Notice ExportRepairQuestion() {
+  return {"Infoga kolumn i yttre förbindningstabell?", "Justera fel i exportfil",
+          base::MessageIcon::kQuestion};
 }
 
 }  // namespace sw::preview

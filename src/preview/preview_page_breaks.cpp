@@ -5,7 +5,6 @@
 #include "base/strings.h"
 #include "base/system_colours.h"
 #include "base/windows_path.h"
-#include "templates/template_ini.h"
 
 namespace sw::preview {
 namespace {
@@ -41,31 +40,23 @@ void MarkPageBreaks(report::ReportTable& table, int pageLength) {
   }
 }
 
-bool ShowPageBreaks(report::ReportTable& table, const PageBreakSource& source) {
-  if (base::TrimSpaces(source.templateFile).empty()) return false;
-  if (!base::WindowsFileExists(std::string(source.templateFolder) + "\\" +
+base::Outcome<PageBreaksStatus> ShowPageBreaks(report::ReportTable& table, const PageBreakSource& source) {
+  base::Outcome<PageBreaksStatus> outcome;
+  if (base::TrimSpaces(source.templateFile).empty() ||
+      !base::WindowsFileExists(std::string(source.templateFolder) + "\\" +
                                std::string(source.templateFile))) {
-    return false;
+    return outcome.Fail(PageBreaksStatus::kNoTemplate);
   }
-  const int pageLength = source.readPageLength ? source.readPageLength() : -1;
-  if (pageLength < 1) return false;
-  if (source.reloadLayout) source.reloadLayout();
+  if (!source.pageLength) return outcome.Fail(PageBreaksStatus::kNoPageLength);
+  outcome.Append(source.pageLength->outcome);
+  const int pageLength = source.pageLength->rowsPerPage;
+  if (pageLength < 1) return outcome.Fail(PageBreaksStatus::kNoPageLength);
+  outcome.Append(source.pageLength->outcome);
 
   ResetPageBreakMarks(table);
-  if (!source.settings || source.settings->GetAppSetting("ShowPageBreaks", "1") != "1") return true;
+  if (!source.settings || source.settings->GetAppSetting("ShowPageBreaks", "1") != "1") return outcome;
   MarkPageBreaks(table, pageLength);
-  return true;
-}
-
-int PreviewPageLayout::ReloadLayout() {
-  if (definition_.IniPath.empty()) return -1;
-  return templates::ReadRowsPerPage(definition_.IniPath, definition_, dialogs_);
-}
-
-bool PreviewPageLayout::ShowPageBreaks(report::ReportTable& table) {
-  PageBreakSource source{folder_, file_, [this] { return ReloadLayout(); }, [this] { ReloadLayout(); },
-                         &settings_};
-  return preview::ShowPageBreaks(table, source);
+  return outcome;
 }
 
 }  // namespace sw::preview

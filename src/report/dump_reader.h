@@ -1,6 +1,6 @@
 #pragma once
 // Reading a report dump's bytes into the report table: the row rules of the CAD system's dump format,
-// without files, settings or dialogs (PreviewVoltDump in report/preview_loader.h adds those).
+// without files or settings (PreviewVoltDump in report/preview_loader.h adds those).
 //
 // The dump is text in the Windows ANSI code page (1252), unless a UTF-8 or UTF-16LE byte-order mark
 // says otherwise. A line ends at CR LF, a lone CR or a lone LF; a last line without an ending counts.

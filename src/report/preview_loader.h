@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "base/dialogs.h"
+#include "base/outcome.h"
 #include "report/dump_reader.h"
 #include "report/report_table.h"
 #include "settings/settings.h"
@@ -15,7 +15,6 @@ struct PreviewContext {
   std::string dumpPath;     // the dump picker's text (UTF-8), as the user sees it; may be empty
   bool refreshing = false;  // the pickers are being filled: a load now would be thrown away
   settings::Settings& settings;
-  base::Dialogs& dialogs;
   LoadProgress* progress = nullptr;  // busy state and progress bar; none in batch use
   // After the reading pass: column widths and auto-size (GUI only).
   std::function<void()> layoutColumns;
@@ -27,17 +26,18 @@ struct PreviewContext {
 // Cuts the table to its heading row and reads the dump into it; then, when "UseSlashTwo" is exactly
 // "0" removes "/2" endings, when "IncludeEmptyRows" is exactly "0" removes empty rows, and runs the
 // two end hooks. Does nothing at all while `refreshing`. An empty path leaves the heading row alone
-// silently; a missing file (or a folder) is reported with "Hittar ej filen ...", a file that cannot be
-// read with "Kan ej läsa filen ..."; neither runs the clean-ups or hooks.
+// silently; a missing file is reported with "Hittar ej filen ...", a file that cannot be read (a
+// folder among them) with "Kan ej läsa filen ..." or why it cannot; neither runs the clean-ups or hooks.
 enum class PreviewResult {
+  kLoaded,      // read (possibly with no report rows at all)
   kSkipped,     // refreshing: nothing done
   kNoDump,      // the picker's text is empty: only the heading row is left
-  kLoaded,      // read (possibly with no report rows at all)
-  kNotFound,    // told "Hittar ej filen ..."
-  kUnreadable,  // told why the file could not be read
+  kNotFound,    // "Hittar ej filen ..."
+  kUnreadable,  // why the file could not be read
 };
 
-// The window ignores the result; the command line turns it into its exit status.
-PreviewResult PreviewVoltDump(ReportTable& table, const PreviewContext& context);
+// The notices are the caller's to tell, after the load; the window ignores the status, the command
+// line turns it into its exit status.
+base::Outcome<PreviewResult> PreviewVoltDump(ReportTable& table, const PreviewContext& context);
 
 }  // namespace sw::report

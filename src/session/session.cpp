@@ -10,10 +10,12 @@
 #include "generate/template_check.h"
 #include "preview/export_fixup.h"
 #include "preview/preview_controls.h"
-#include "preview/report_dump_dialog.h"
+#include "preview/preview_page_breaks.h"
 #include "report/cleanup.h"
 #include "report/preview_loader.h"
 #include "session/integer_setting.h"
+#include "session/report_dump_dialog.h"
+#include "session/template_fields.h"
 #include "session/template_ini_path.h"
 #include "templates/current_report.h"
 #include "templates/template_ini.h"
@@ -21,14 +23,6 @@
 
 namespace sw::session {
 namespace {
-
-// Reads through to the window's dialogs and tells nothing: the page count asks generation's INI
-// check, whose findings the preview has already shown.
-class SilentDialogs final : public base::Dialogs {
- public:
-  base::MessageAnswer ShowMessage(const base::Message&) override { return base::MessageAnswer::kOk; }
-  std::optional<std::string> ShowFileDialog(const base::FileDialogRequest&) override { return std::nullopt; }
-};
 
 constexpr int kRecentDumps = 8;
 constexpr std::string_view kRecentDumpsSection = "RecentDumps";
@@ -39,10 +33,7 @@ std::string GenerationResult::BackupNotice() const {
   return templateBackup.empty() ? std::string() : "Mallens tidigare innehåll finns kvar i " + templateBackup;
 }
 
-Session::Session(SessionServices services)
-    : services_(std::move(services)),
-      layout_(definition_, services_.layoutDialogs ? *services_.layoutDialogs : services_.dialogs,
-              services_.settings) {}
+Session::Session(SessionServices services) : services_(std::move(services)) {}
 
 void Session::AddObserver(SessionObserver& observer) {
   observers_.push_back(&observer);
@@ -57,11 +48,6 @@ void Session::Notify(Changes what) {
   for (auto* observer : observers_) observer->SessionChanged(what);
 }
 
-template <typename Status>
-void Session::Show(const base::Outcome<Status>& outcome) {
-  for (const auto& notice : outcome.notices) services_.dialogs.ShowMessage(base::AsMessage(notice));
-}
-
 void Session::Log(std::string_view message) const {
   if (services_.startLog && services_.startLog->Enabled()) services_.startLog->WriteStartLog(message);
 }
@@ -73,12 +59,21 @@ std::string Session::TemplatePath() const {
   return path + rdsFile_.text;
 }
 
+void Session::Tell(const std::vector<base::Notice>& notices) {
+  for (const auto& notice : notices) services_.dialogs.ShowMessage(base::AsMessage(notice));
+}
+
+const templates::TemplateDescription* Session::CurrentDescription() const {
+  if (definition_.IniPath.empty()) return nullptr;
+  return &iniCache_.Get(definition_.IniPath);
+}
+
+// Generation's INI check says nothing here: the preview has already told what it finds.
 std::optional<int> Session::PagesOfGeneration() const {
-  if (definition_.IniPath.empty()) return std::nullopt;
-  templates::TemplateDefinition copy = definition_;
-  SilentDialogs quiet;
-  if (!templates::ValidateTemplateIni(copy.IniPath, copy, quiet).Accepted()) return std::nullopt;
-  return generate::CountPages(table_, copy.EndRow - copy.StartRow + 1, copy.Infinite);
+  const auto* description = CurrentDescription();
+  if (!description || !description->validation.Accepted()) return std::nullopt;
+  const auto& layout = description->validation.layout;
+  return generate::CountPages(table_, layout.EndRow - layout.StartRow + 1, layout.Infinite);
 }
 
 PreviewSummary Session::Summary() const {
@@ -141,19 +136,19 @@ void Session::RefreshFiles(bool choosing) {
                                             .startLog = [this](std::string_view line) { Log(line); }};
   // A failed step is told before the window moves on to what the next one sets off.
   const auto directories = discovery::FillTemplateDirectories(sources, rdsDir_);
-  Show(directories);
+  Tell(directories.notices);
   if (directories) {
-    Show(discovery::RunStep([this, choosing] {
-      if (choosing) {
-        RefillTemplates();
-      } else if (templates::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) {
-        templateListFolder_ = rdsDir_.text;
-      }
-    }));
+    Tell(discovery::RunStep([this, choosing] {
+           if (choosing) {
+             RefillTemplates();
+           } else if (templates::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) {
+             templateListFolder_ = rdsDir_.text;
+           }
+         }).notices);
   }
   const auto dumps = discovery::FillReportDumps(sources, voltDump_);
-  Show(dumps);
-  if (dumps && choosing) Show(discovery::RunStep([this] { DumpChanged(); }));
+  Tell(dumps.notices);
+  if (dumps && choosing) Tell(discovery::RunStep([this] { DumpChanged(); }).notices);
   Notify(Change::kPickers);
 }
 
@@ -178,28 +173,56 @@ void Session::RefillTemplates() {
 }
 
 void Session::PairTemplate() {
-  templates::FindIniForTemplate(templateListFolder_, rdsFile_.text, definition_, fields_, table_,
-                                services_.dialogs);
+  fields_.Clear();
+  const auto pairing = templates::FindIniForTemplate(templateListFolder_, rdsFile_.text);
+  definition_.IniPath = pairing.iniPath;
+  Tell(pairing.outcome.notices);
+  if (const auto* description = CurrentDescription()) {
+    const auto common = description->common;  // kept: telling may let the window read the file again
+    Tell(common.outcome.notices);
+    ApplyCommonFields(common, definition_, fields_, table_, services_.today);
+  }
   ForgetEdits();
   Notify(Change::kFields | Change::kTable);
 }
 
 report::PreviewResult Session::PreviewVoltDump() {
-  layout_.SetTemplate(rdsDir_.text, rdsFile_.text);
+  marksFolder_ = rdsDir_.text;
+  marksFile_ = rdsFile_.text;
   const report::PreviewContext context{.dumpPath = voltDump_.text,
                                        .refreshing = refreshing_,
                                        .settings = services_.settings,
-                                       .dialogs = services_.dialogs,
                                        .progress = services_.progress,
                                        .layoutColumns = services_.layoutColumns,
-                                       .reloadTemplateLayout = [this] { layout_.ReloadLayout(); },
-                                       .showPageBreaks = [this] { layout_.ShowPageBreaks(table_); }};
-  const auto result = report::PreviewVoltDump(table_, context);
-  if (result != report::PreviewResult::kSkipped) {
+                                       .reloadTemplateLayout = [this] { ReloadPageLength(); },
+                                       .showPageBreaks = [this] { DrawPageBreaks(); }};
+  const auto loaded = report::PreviewVoltDump(table_, context);
+  Tell(loaded.notices);
+  if (loaded.status != report::PreviewResult::kSkipped) {
     ForgetEdits();
     Notify(Change::kTable | Change::kMarks);
   }
-  return result;
+  return loaded.status;
+}
+
+void Session::ReloadPageLength() {
+  const auto* description = CurrentDescription();
+  if (!description) return;
+  if (description->pageLength.infinite) definition_.Infinite = true;
+  const auto notices = description->pageLength.outcome.notices;  // kept: telling may read the file again
+  if (!services_.quietPageLayout) Tell(notices);
+}
+
+bool Session::DrawPageBreaks() {
+  const auto* description = CurrentDescription();
+  const auto* pageLength = description ? &description->pageLength : nullptr;
+  const auto drawn =
+      preview::ShowPageBreaks(table_, {marksFolder_, marksFile_, pageLength, &services_.settings});
+  if (drawn.status != preview::PageBreaksStatus::kNoTemplate && pageLength && pageLength->infinite) {
+    definition_.Infinite = true;
+  }
+  if (!services_.quietPageLayout) Tell(drawn.notices);
+  return static_cast<bool>(drawn);
 }
 
 report::PreviewResult Session::ReloadPreview() {
@@ -311,7 +334,7 @@ report::PreviewResult Session::UseTemplateAndDump(std::string_view templatePath,
 
 void Session::ChooseDumpFile() {
   const auto chosen =
-      preview::ChooseReportDump(services_.dialogs, services_.settings, services_.programFolder);
+      session::ChooseReportDump(services_.dialogs, services_.settings, services_.programFolder);
   if (!chosen) return;
   TypeReportDump(*chosen);
 }
@@ -343,7 +366,7 @@ void Session::RunPreviewAction(int row, preview::PreviewAction action) {
   history_.CloseFieldStep();
   bool marksDrawn = false;
   preview::RunPreviewAction(table_, row, action, [this, &marksDrawn] {
-    layout_.ShowPageBreaks(table_);
+    DrawPageBreaks();
     marksDrawn = true;
   });
   if (table_.Rows() != before.table->Rows()) history_.Record(std::move(before));
@@ -395,23 +418,22 @@ void Session::ForgetEdits() {
 }
 
 bool Session::FixExport(bool force) {
+  if (!preview::ExportRepairOffered(force, currentReportId_, services_.environment)) return false;
+  base::Message question = base::AsMessage(preview::ExportRepairQuestion());
+  question.buttons = base::MessageButtons::kYesNo;
+  if (services_.dialogs.ShowMessage(question) != base::MessageAnswer::kYes) return false;
+  preview::InsertLeadingColumn(table_);
   // The template check after the repair lists, matches and pairs again, so the headings and the field
   // panel follow the INI file; choosing the template again would reload the dump and undo the repair.
-  const bool fixed = preview::AdjustExportFile(
-      force, currentReportId_, services_.environment, services_.dialogs, table_, [this] {
-        if (templateNamedByPath_) {
-          PairTemplate();
-          return;
-        }
-        if (!templates::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) return;
-        templateListFolder_ = rdsDir_.text;
-        PairTemplate();
-      });
-  if (fixed) {
-    ForgetEdits();
-    Notify(Change::kTable | Change::kPickers);
+  if (templateNamedByPath_) {
+    PairTemplate();
+  } else if (templates::ListTemplates(rdsDir_.text, currentReportId_, rdsFile_)) {
+    templateListFolder_ = rdsDir_.text;
+    PairTemplate();
   }
-  return fixed;
+  ForgetEdits();
+  Notify(Change::kTable | Change::kPickers);
+  return true;
 }
 
 bool Session::CheckTemplate(std::string_view workbookPath,
@@ -423,8 +445,11 @@ bool Session::CheckTemplate(std::string_view workbookPath,
     return false;
   }
   UseTemplateWorkbook(workbookPath);
-  if (definition_.IniPath.empty()) return false;
-  const auto validation = templates::ValidateTemplateIni(definition_.IniPath, definition_, services_.dialogs);
+  const auto* description = CurrentDescription();
+  if (!description) return false;
+  const auto validation = description->validation;  // kept: telling may let the window read the file again
+  Tell(validation.outcome.notices);
+  validation.ApplyTo(definition_);
   if (!validation.Accepted() || definition_.IniError) return false;
   if (warn) {
     for (const auto& warning : generate::PageLayoutWarnings(definition_)) warn(warning);
@@ -434,12 +459,15 @@ bool Session::CheckTemplate(std::string_view workbookPath,
         {refusal, "Fel", base::MessageIcon::kExclamation, base::MessageButtons::kOk});
     return false;
   }
-  return generate::OpenTemplateAsGenerationWould(std::string(workbookPath), definition_, services_.dialogs);
+  const auto opened = generate::OpenTemplateAsGenerationWould(std::string(workbookPath), definition_);
+  Tell(opened.notices);
+  return static_cast<bool>(opened);
 }
 
 void Session::ShowPageBreaks() {
-  layout_.SetTemplate(rdsDir_.text, rdsFile_.text);
-  if (layout_.ShowPageBreaks(table_)) {
+  marksFolder_ = rdsDir_.text;
+  marksFile_ = rdsFile_.text;
+  if (DrawPageBreaks()) {
     ForgetEdits();
     Notify(Change::kMarks);
   }

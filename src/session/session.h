@@ -25,7 +25,6 @@
 #include "generate/generate_workbook.h"
 #include "generate/single_sheet_warning.h"
 #include "preview/preview_edits.h"
-#include "preview/preview_page_breaks.h"
 #include "report/dump_reader.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
@@ -38,6 +37,7 @@
 #include "templates/field_panel.h"
 #include "templates/short_date.h"
 #include "templates/template_definition.h"
+#include "templates/template_ini_cache.h"
 #include "templates/template_list.h"
 
 namespace sw::session {
@@ -56,9 +56,9 @@ struct SessionServices {
   templates::ShortDateSource today = templates::TodayShortDate;
   std::function<void(generate::MousePointer)> setMousePointer;  // hourglass during generation
   std::function<void()> layoutColumns;                          // column widths after a load (window only)
-  // Where the page layout's messages go when a load draws the marks; none: `dialogs`. The command
-  // line's generate passes a silent one: generation's own INI check tells the same problems once.
-  base::Dialogs* layoutDialogs = nullptr;
+  // The page layout's notices when a load draws the marks are not told. The command line's generate
+  // asks for this: generation's own INI check tells the same problems once.
+  bool quietPageLayout = false;
   // Whether a run may write into the template itself, as single-sheet mode does with a dynamic-length
   // template (after keeping a copy). The command line has no toggle a template can switch off, so
   // there such a run is refused instead.
@@ -122,6 +122,9 @@ class Session {
   // template or when generation's INI check would stop it.
   std::optional<int> PagesOfGeneration() const;
   PreviewSummary Summary() const;
+  // How many times the template's INI file has been read: it is read once and kept while the file
+  // stays the same (for tests).
+  int TemplateIniReads() const { return iniCache_.Reads(); }
 
   // --- Start and close.
   // The load step: the CAD INI file, then `windowSteps` (placement, theme, command bars; run after
@@ -246,9 +249,6 @@ class Session {
 
  private:
   void Log(std::string_view message) const;
-  // Tells the user what a routine below found out, in its order.
-  template <typename Status>
-  void Show(const base::Outcome<Status>& outcome);
   void Notify(Changes what);
   // `choosing` false: the template list is matched, nothing is paired or loaded.
   void RefreshFiles(bool choosing = true);
@@ -260,6 +260,15 @@ class Session {
   void TemplateChanged();
   void TemplateDirectoryChanged();
   report::PreviewResult PreviewVoltDump();
+  // Tells the user, in order.
+  void Tell(const std::vector<base::Notice>& notices);
+  // The paired INI file as read last, or read again when it changed; nothing without one.
+  const templates::TemplateDescription* CurrentDescription() const;
+  // The preview's reading of the page length at the end of a load, as if the INI file were read again.
+  void ReloadPageLength();
+  // The page-break marks drawn for the template of the last load or redraw with the current page
+  // length; whether the reset ran.
+  bool DrawPageBreaks();
   // The template path the editing commands use, or nothing (after telling the user) without a template.
   std::optional<std::string> ChosenTemplateForEditing();
   ExternalEditor& Editor();
@@ -290,7 +299,11 @@ class Session {
   std::string currentReportId_;
   templates::TemplateDefinition definition_;
   report::ReportTable table_;
-  preview::PreviewPageLayout layout_;
+  mutable templates::TemplateIniCache iniCache_;
+  // The template the page-break marks were last drawn for, as the pickers named it at the last load or
+  // redraw; an edit of the preview draws them for the same.
+  std::string marksFolder_;
+  std::string marksFile_;
   EditHistory history_;
   std::vector<std::string> recentDumps_;
 };

@@ -10,6 +10,7 @@
 //   (a UTF-8 BOM is not understood: it stays part of the first line, as on Windows);
 // - the calls work on ANSI text, so buffer limits count Windows-1252 bytes; results come back as UTF-8.
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -77,5 +78,22 @@ class ProfileText {
 // that only need the lines use `.lines`.
 ProfileSectionResult ReadIniSection(std::string_view section, std::string_view iniPath);
 std::string ReadIniValue(std::string_view section, std::string_view key, std::string_view iniPath);
+
+// One profile file for several calls, as the template readers ask one file many things at once.
+// Elsewhere than on Windows its bytes are read once, when it is opened; on Windows every call asks
+// Windows, which keeps the file's text itself.
+class ProfileFile {
+ public:
+  explicit ProfileFile(std::string_view iniPath);
+  // Whether there was a file to read (a missing or unreadable one reads as empty).
+  bool Found() const { return found_; }
+  ProfileSectionResult Section(std::string_view section) const;
+  std::string Value(std::string_view section, std::string_view key) const;
+
+ private:
+  std::string path_;
+  bool found_ = false;
+  std::optional<ProfileText> text_;  // where our own reader reads the file
+};
 
 }  // namespace sw::templates

@@ -30,4 +30,21 @@ std::string ReadIniValue(std::string_view section, std::string_view key, std::st
   return ProfileText::Parse(*bytes).Value(section, key).value;
 }
 
+ProfileFile::ProfileFile(std::string_view iniPath) : path_(iniPath) {
+  if (const auto bytes = ReadProfileBytes(iniPath)) {
+    found_ = true;
+    text_ = ProfileText::Parse(*bytes);
+  }
+}
+
+ProfileSectionResult ProfileFile::Section(std::string_view section) const {
+  if (!text_) return {{}, ProfileStatus::kFileNotFound};
+  return text_->Section(section);
+}
+
+std::string ProfileFile::Value(std::string_view section, std::string_view key) const {
+  if (!text_) return {};
+  return text_->Value(section, key).value;
+}
+
 }  // namespace sw::templates

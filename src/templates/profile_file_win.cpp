@@ -141,4 +141,16 @@ std::string ReadIniValue(std::string_view section, std::string_view key, std::st
   return base::DecodeWindows1252(value);
 }
 
+// Windows keeps the file's text itself; each call asks it, so the file reads exactly as above.
+ProfileFile::ProfileFile(std::string_view iniPath)
+    : path_(iniPath), found_(OpenProfile(iniPath).has_value()) {}
+
+ProfileSectionResult ProfileFile::Section(std::string_view section) const {
+  return ReadIniSection(section, path_);
+}
+
+std::string ProfileFile::Value(std::string_view section, std::string_view key) const {
+  return ReadIniValue(section, key, path_);
+}
+
 }  // namespace sw::templates

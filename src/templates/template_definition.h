@@ -1,9 +1,10 @@
 #pragma once
-// The parsed template INI of the current template. One instance lives for the program's run; the
-// readers in template/template_ini.h replace its parts:
-// - FindIniForTemplate / ReadCommonFields: IniPath, CommonFields, PreviewColumnNames (template chosen);
-// - ValidateTemplateIni: the [Tabs] and [Sheet] fields and IniError (each generation);
-// - ReadRowsPerPage: only Infinite (each time the preview's page breaks are drawn).
+// The parsed template INI of the current template. One instance lives for the program's run; what the
+// readers in templates/template_ini.h return is applied to its parts:
+// - the pairing and [Common]: IniPath, CommonFields, PreviewColumnNames (template chosen);
+// - ValidateTemplateIni (IniValidation::ApplyTo): the [Tabs] and [Sheet] fields and IniError (each
+//   generation);
+// - the preview's page length: only Infinite, set when INFINITE holds a number (each load).
 // Generation reads it after a successful ValidateTemplateIni: write CommonFields[i].Value on the
 // common sheet at (Row, Col), SheetNo/NextSheet/Location on every page, report rows from StartRow to
 // EndRow (or one growing page when Infinite), field i of a row into column DataColumns[i] unless it

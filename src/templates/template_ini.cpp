@@ -6,10 +6,10 @@
 #include <system_error>
 
 #include "base/strings.h"
-#include "base/system_colours.h"
 #include "base/upper_case.h"
 #include "base/windows_path.h"
 #include "templates/cell_reference.h"
+#include "templates/field_panel.h"
 #include "templates/profile_file.h"
 
 namespace sw::templates {
@@ -20,10 +20,6 @@ using base::MessageIcon;
 constexpr const char* kCr = "\r";
 constexpr const char* kTitleError = "Fel";
 constexpr const char* kTitleCannotUse = "Kan ej använda Excel-filen";
-
-void Tell(base::Dialogs& dialogs, std::string text, std::string title, MessageIcon icon) {
-  dialogs.ShowMessage({std::move(text), std::move(title), icon, base::MessageButtons::kOk});
-}
 
 // Why the INI file cannot be read at all, in the message's words; empty when it can be (or is not there,
 // which the pairing has told already). An unreadable file reads as empty, and is then not to be told as
@@ -40,19 +36,18 @@ std::string UnreadableReason(std::string_view iniPath) {
   return {};
 }
 
-void TellMissingSection(base::Dialogs& dialogs, std::string_view iniPath, std::string_view section) {
+base::Notice MissingSection(std::string_view iniPath, std::string_view section) {
   if (const std::string reason = UnreadableReason(iniPath); !reason.empty()) {
-    Tell(dialogs, "Ini-filen " + std::string(iniPath) + kCr + "går inte att läsa " + reason + ".",
-         kTitleCannotUse, MessageIcon::kInformation);
-    return;
+    return {"Ini-filen " + std::string(iniPath) + kCr + "går inte att läsa " + reason + ".", kTitleCannotUse,
+            MessageIcon::kInformation};
   }
-  Tell(dialogs,
-       "Ini-filen " + std::string(iniPath) + kCr + "saknar sektionen [" + std::string(section) + "].",
-       kTitleCannotUse, MessageIcon::kInformation);
+  return {"Ini-filen " + std::string(iniPath) + kCr + "saknar sektionen [" + std::string(section) + "].",
+          kTitleCannotUse, MessageIcon::kInformation};
 }
 
 // The per-key message of a bad [Sheet] value: the message, CR and the line in double quotes.
-void TellBadLine(base::Dialogs& dialogs, std::string_view key, std::string_view line) {
+template <typename Status>
+void TellBadLine(base::Outcome<Status>& outcome, std::string_view key, std::string_view line) {
   const char* message = nullptr;
   if (key == "SHEETNO") message = "Cellposition för bladnummer är felaktigt angiven i ini-filen.";
   if (key == "NEXTSHEET") message = "Cellposition för fortsättningsblad är felaktigt angiven i ini-filen.";
@@ -62,8 +57,8 @@ void TellBadLine(base::Dialogs& dialogs, std::string_view key, std::string_view 
   if (key == "INFINITE") message = "Dynamisk sidlängd felaktigt angiven i ini-filen.";
   if (key == "COLUMNS") message = "Kolumnnamn för dataifyllnad är felaktigt angiven i ini-filen.";
   if (!message) return;
-  Tell(dialogs, std::string(message) + kCr + "\"" + std::string(line) + "\"", kTitleError,
-       MessageIcon::kInformation);
+  outcome.Tell(std::string(message) + kCr + "\"" + std::string(line) + "\"", MessageIcon::kInformation,
+               kTitleError);
 }
 
 }  // namespace
@@ -88,10 +83,8 @@ bool ParseIniNumber(std::string_view text, int& value) {
   return true;
 }
 
-bool FindIniForTemplate(std::string_view templateFolder, std::string_view templateFileName,
-                        TemplateDefinition& definition, FieldPanel& fields, report::ReportTable& preview,
-                        base::Dialogs& dialogs, const ShortDateSource& today) {
-  fields.Clear();
+IniPairing FindIniForTemplate(std::string_view templateFolder, std::string_view templateFileName) {
+  IniPairing pairing;
   std::string base = base::UpperCase(templateFileName);
   for (const char* extension : {".XLSM", ".XLSX", ".XLS"}) base = base::RemoveAll(base, extension);
 
@@ -99,11 +92,10 @@ bool FindIniForTemplate(std::string_view templateFolder, std::string_view templa
   // first file in name order whose remaining name equals the workbook's wins.
   for (const auto& entry : base::ListFolderFiles(templateFolder)) {
     if (base::RemoveAll(base::UpperCase(entry), ".INI") != base) continue;
-    definition.IniPath = std::string(templateFolder) + "\\" + entry;
-    ReadCommonFields(definition.IniPath, definition, fields, preview, dialogs, today);
-    return true;
+    pairing.iniPath = std::string(templateFolder) + "\\" + entry;
+    return pairing;
   }
-  definition.IniPath.clear();
+  pairing.outcome.Fail(base::Done::kNo);
   // A folder or the like under the INI file's name is not missing: it is there and cannot be read.
   std::error_code error;
   for (std::filesystem::directory_iterator entry(base::ResolveWindowsPath(templateFolder), error), end;
@@ -111,26 +103,27 @@ bool FindIniForTemplate(std::string_view templateFolder, std::string_view templa
     const auto name = entry->path().filename().u8string();
     const std::string text(name.begin(), name.end());
     if (base::RemoveAll(base::UpperCase(text), ".INI") != base || entry->is_regular_file(error)) continue;
-    TellMissingSection(dialogs, std::string(templateFolder) + "\\" + text, "Common");
-    return false;
+    pairing.outcome.Tell(MissingSection(std::string(templateFolder) + "\\" + text, "Common"));
+    return pairing;
   }
-  Tell(dialogs, "Excel-rapportmallen saknar nödvändig tillhörande INI-fil", kTitleError,
-       MessageIcon::kInformation);
-  return false;
+  pairing.outcome.Tell("Excel-rapportmallen saknar nödvändig tillhörande INI-fil", MessageIcon::kInformation,
+                       kTitleError);
+  return pairing;
 }
 
-bool ReadCommonFields(std::string_view iniPath, TemplateDefinition& definition, FieldPanel& fields,
-                      report::ReportTable& preview, base::Dialogs& dialogs, const ShortDateSource& today) {
-  const auto lines = ReadIniSection("Common", iniPath).lines;
+namespace {
+
+CommonFieldsReading ReadCommonFields(const ProfileFile& file, std::string_view iniPath) {
+  CommonFieldsReading reading;
+  const auto lines = file.Section("Common").lines;
   if (lines.empty()) {
-    TellMissingSection(dialogs, iniPath, "Common");
-    definition.IniError = true;
-    return false;
+    reading.outcome.Tell(MissingSection(iniPath, "Common")).Fail(CommonFieldsStatus::kMissingSection);
+    return reading;
   }
 
   // Field i is line i; lines past the panel's last box have nowhere to go.
   const std::size_t used = std::min<std::size_t>(lines.size(), kFieldCount);
-  definition.CommonFields.resize(used);
+  reading.fields.resize(used);
   for (std::size_t i = 0; i < used; ++i) {
     const std::string& line = lines[i];
     if (base::TrimSpaces(line).empty()) continue;
@@ -145,46 +138,32 @@ bool ReadCommonFields(std::string_view iniPath, TemplateDefinition& definition, 
       if (bar != std::string_view::npos) defaultText = value.substr(bar + 1);
     }
     if (cell.row < 1 || cell.col < 1) {
-      Tell(
-          dialogs,
+      reading.outcome.Tell(
           std::string("Rad i INI-fil felaktig. ") + kCr + "'" + line + "'" + kCr + "Felaktig cell-angivelse.",
-          "", MessageIcon::kCritical);
+          MessageIcon::kCritical);
       continue;
     }
-    auto& record = definition.CommonFields[i];
+    auto& record = reading.fields[i].emplace();
     record.Label = line.substr(0, equals);
     record.DefaultText = std::string(defaultText);
     record.Row = static_cast<std::int16_t>(cell.row);
     record.Col = static_cast<std::int16_t>(cell.col);
-
-    auto& entry = fields.entries[i];
-    entry.caption = record.Label;
-    entry.text = record.DefaultText == "." ? today() : record.DefaultText;
-    entry.enabled = true;
-    entry.backColour = base::kSystemWindowBackground;  // enabled by the template
   }
 
-  const std::string columns = ReadIniValue("Sheet", "Columns", iniPath);
+  const std::string columns = file.Value("Sheet", "Columns");
   if (!columns.empty()) {
-    for (int col = 0; col < preview.Cols(); ++col) preview.SetText(0, col, "");
     const auto names = base::Split(columns, ',');
-    definition.PreviewColumnNames.assign(names.begin(), names.end());
-    // A single name leaves the headings cleared and the column count alone.
-    if (names.size() >= 2) {
-      preview.SetCols(static_cast<int>(names.size()) + 1);
-      for (std::size_t j = 0; j < names.size(); ++j) {
-        preview.SetText(0, static_cast<int>(j) + 1, std::string(names[j]) + " ");
-      }
-    }
+    reading.columnNames.emplace(names.begin(), names.end());
   }
-  return true;
+  return reading;
 }
 
-int ReadRowsPerPage(std::string_view iniPath, TemplateDefinition& definition, base::Dialogs& dialogs) {
-  const auto lines = ReadIniSection("Sheet", iniPath).lines;
+PageLengthReading ReadRowsPerPage(const ProfileFile& file, std::string_view iniPath) {
+  PageLengthReading reading;
+  const auto lines = file.Section("Sheet").lines;
   if (lines.empty()) {
-    TellMissingSection(dialogs, iniPath, "Sheet");
-    return -1;
+    reading.outcome.Tell(MissingSection(iniPath, "Sheet")).Fail(base::Done::kNo);
+    return reading;
   }
   int startRow = 0;
   int endRow = 0;
@@ -195,7 +174,7 @@ int ReadRowsPerPage(std::string_view iniPath, TemplateDefinition& definition, ba
     if (key != "STARTROW" && key != "ENDROW" && key != "INFINITE") continue;
     int value = 0;
     if (!ParseIniNumber(parts[1], value)) {
-      TellBadLine(dialogs, key, line);
+      TellBadLine(reading.outcome, key, line);
       continue;
     }
     if (key == "STARTROW") {
@@ -204,46 +183,27 @@ int ReadRowsPerPage(std::string_view iniPath, TemplateDefinition& definition, ba
       if (endRow == 0) endRow = value;
     } else {
       if (value == 1) endRow = 65000;
-      definition.Infinite = true;
+      reading.infinite = true;
     }
   }
-  if (startRow >= 1 && endRow >= 1) return endRow - startRow + 1;
-  return -1;
+  if (startRow >= 1 && endRow >= 1) reading.rowsPerPage = endRow - startRow + 1;
+  return reading;
 }
 
-const char* IniValidationResult::Description() const {
-  switch (status) {
-    case IniValidationStatus::kAccepted:
-      return "Template INI accepted";
-    case IniValidationStatus::kMissingSheetSection:
-      return "Section [Sheet] missing or empty";
-    case IniValidationStatus::kTooFewEntries:
-      return "Fewer than 8 accepted entries";
-  }
-  return "Unknown status";
-}
-
-IniValidationResult ValidateTemplateIni(std::string_view iniPath, TemplateDefinition& definition,
-                                        base::Dialogs& dialogs) {
-  IniValidationResult result;
-  const auto lines = ReadIniSection("Sheet", iniPath).lines;
+IniValidation ValidateTemplateIni(const ProfileFile& file, std::string_view iniPath) {
+  IniValidation result;
+  auto& outcome = result.outcome;
+  const auto lines = file.Section("Sheet").lines;
   if (lines.empty()) {
-    TellMissingSection(dialogs, iniPath, "Sheet");
-    result.status = IniValidationStatus::kMissingSheetSection;
+    outcome.Tell(MissingSection(iniPath, "Sheet")).Fail(IniValidationStatus::kMissingSheetSection);
     return result;
   }
 
-  // Everything below is read afresh, so nothing of an earlier template survives a missing key.
-  definition.SheetNoRow = definition.SheetNoCol = 0;
-  definition.NextSheetRow = definition.NextSheetCol = 0;
-  definition.LocationRow = definition.LocationCol = 0;
-  definition.StartRow = definition.EndRow = 0;
-  definition.DataColumns.clear();
-
+  CheckedLayout& layout = result.layout;
   int& count = result.count;
   std::string errors;
-  definition.CommonSheetName = ReadIniValue("Tabs", "Common", iniPath);
-  if (!definition.CommonSheetName.empty()) {
+  layout.CommonSheetName = file.Value("Tabs", "Common");
+  if (!layout.CommonSheetName.empty()) {
     ++count;
   } else {
     errors =
@@ -251,23 +211,21 @@ IniValidationResult ValidateTemplateIni(std::string_view iniPath, TemplateDefini
             "Namn på flik för gemensamma texter 'Common=' är ej angiven i ini-filens sektion '[Tabs]'.") +
         kCr;
   }
-  definition.TemplateSheetName = ReadIniValue("Tabs", "Template", iniPath);
-  if (!definition.TemplateSheetName.empty()) {
+  layout.TemplateSheetName = file.Value("Tabs", "Template");
+  if (!layout.TemplateSheetName.empty()) {
     ++count;
   } else {
     errors += "Namn på flik för sidmall 'Template=' är ej angiven i ini-filens sektion '[Tabs]'.";
   }
-  if (!errors.empty()) Tell(dialogs, errors, kTitleError, MessageIcon::kInformation);
+  if (!errors.empty()) outcome.Tell(errors, MessageIcon::kInformation, kTitleError);
 
-  definition.Infinite = false;
   for (const auto& line : lines) {
     if (base::TrimSpaces(line).empty()) continue;
     const auto parts = base::Split(line, '=');
     if (parts.size() != 2) {
-      Tell(dialogs,
-           std::string("Felaktig rad i ini-filen. =-tecken saknas eller är felaktigt använt.") + kCr + "\"" +
-               line + "\"",
-           "INI-fel", MessageIcon::kNone);
+      outcome.Tell(std::string("Felaktig rad i ini-filen. =-tecken saknas eller är felaktigt använt.") + kCr +
+                       "\"" + line + "\"",
+                   MessageIcon::kNone, "INI-fel");
       continue;
     }
     const std::string key = base::UpperCase(parts[0]);
@@ -276,58 +234,96 @@ IniValidationResult ValidateTemplateIni(std::string_view iniPath, TemplateDefini
     if (key == "SHEETNO" || key == "NEXTSHEET" || key == "LOCATION") {
       const auto cell = ParseCellReference(value);
       if (!cell.IsValid()) {
-        TellBadLine(dialogs, key, line);
+        TellBadLine(outcome, key, line);
         continue;
       }
-      auto& row = key == "SHEETNO"     ? definition.SheetNoRow
-                  : key == "NEXTSHEET" ? definition.NextSheetRow
-                                       : definition.LocationRow;
-      auto& col = key == "SHEETNO"     ? definition.SheetNoCol
-                  : key == "NEXTSHEET" ? definition.NextSheetCol
-                                       : definition.LocationCol;
+      auto& row = key == "SHEETNO"     ? layout.SheetNoRow
+                  : key == "NEXTSHEET" ? layout.NextSheetRow
+                                       : layout.LocationRow;
+      auto& col = key == "SHEETNO"     ? layout.SheetNoCol
+                  : key == "NEXTSHEET" ? layout.NextSheetCol
+                                       : layout.LocationCol;
       row = static_cast<std::int16_t>(cell.row);
       col = static_cast<std::int16_t>(cell.col);
       ++count;
     } else if (key == "STARTROW" || key == "ENDROW") {
       int number = 0;
       if (!ParseIniNumber(value, number)) {
-        TellBadLine(dialogs, key, line);
+        TellBadLine(outcome, key, line);
         continue;
       }
-      (key == "STARTROW" ? definition.StartRow : definition.EndRow) = static_cast<std::int16_t>(number);
+      (key == "STARTROW" ? layout.StartRow : layout.EndRow) = static_cast<std::int16_t>(number);
       ++count;
     } else if (key == "INFINITE") {
       int number = 0;
       if (!ParseIniNumber(value, number)) {
-        TellBadLine(dialogs, key, line);
+        TellBadLine(outcome, key, line);
         continue;
       }
-      if (number == 1) definition.EndRow = 9999;
-      definition.Infinite = true;
+      if (number == 1) layout.EndRow = 9999;
+      layout.Infinite = true;
     } else if (key == "COLUMNS") {
       const auto items = base::Split(value, ',');
       for (std::size_t i = 0; i < items.size(); ++i) {
         const auto cell = ParseCellReference(std::string(base::TrimSpaces(items[i])) + "1");
         if (cell.row < 1 || (cell.col < 1 && cell.col != kFieldNotWritten)) {
-          TellBadLine(dialogs, key, line);
+          TellBadLine(outcome, key, line);
           break;
         }
-        definition.DataColumns.resize(i + 1);
-        definition.DataColumns[i] = static_cast<std::int16_t>(cell.col);
+        layout.DataColumns.resize(i + 1);
+        layout.DataColumns[i] = static_cast<std::int16_t>(cell.col);
       }
       ++count;
     }
   }
 
-  if (count >= 8) {
-    definition.IniError = false;
-    return result;
-  }
-  Tell(dialogs, "Redigera ini-filen " + std::string(iniPath) + " och försök senare.", kTitleError,
-       MessageIcon::kInformation);
-  definition.IniError = true;
-  result.status = IniValidationStatus::kTooFewEntries;
+  if (count >= 8) return result;
+  outcome.Tell("Redigera ini-filen " + std::string(iniPath) + " och försök senare.",
+               MessageIcon::kInformation, kTitleError);
+  outcome.Fail(IniValidationStatus::kTooFewEntries);
   return result;
+}
+
+}  // namespace
+
+CommonFieldsReading ReadCommonFields(std::string_view iniPath) {
+  return ReadCommonFields(ProfileFile(iniPath), iniPath);
+}
+
+PageLengthReading ReadRowsPerPage(std::string_view iniPath) {
+  return ReadRowsPerPage(ProfileFile(iniPath), iniPath);
+}
+
+IniValidation ValidateTemplateIni(std::string_view iniPath) {
+  return ValidateTemplateIni(ProfileFile(iniPath), iniPath);
+}
+
+void IniValidation::ApplyTo(TemplateDefinition& definition) const {
+  if (outcome.status == IniValidationStatus::kMissingSheetSection) return;
+  definition.CommonSheetName = layout.CommonSheetName;
+  definition.TemplateSheetName = layout.TemplateSheetName;
+  definition.SheetNoRow = layout.SheetNoRow;
+  definition.SheetNoCol = layout.SheetNoCol;
+  definition.NextSheetRow = layout.NextSheetRow;
+  definition.NextSheetCol = layout.NextSheetCol;
+  definition.LocationRow = layout.LocationRow;
+  definition.LocationCol = layout.LocationCol;
+  definition.StartRow = layout.StartRow;
+  definition.EndRow = layout.EndRow;
+  definition.Infinite = layout.Infinite;
+  definition.DataColumns = layout.DataColumns;
+  definition.IniError = !Accepted();
+}
+
+TemplateDescription ReadTemplateDescription(std::string_view iniPath) {
+  const ProfileFile file(iniPath);
+  TemplateDescription description;
+  description.IniPath = std::string(iniPath);
+  description.fileFound = file.Found();
+  description.common = ReadCommonFields(file, iniPath);
+  description.pageLength = ReadRowsPerPage(file, iniPath);
+  description.validation = ValidateTemplateIni(file, iniPath);
+  return description;
 }
 
 }  // namespace sw::templates

@@ -17,6 +17,7 @@
 #include "report/add_grid_row.h"
 #include "report/colours.h"
 #include "scripted_dialogs.h"
+#include "session/template_fields.h"
 #include "temp_dir.h"
 #include "templates/template_ini.h"
 
@@ -160,9 +161,11 @@ class GenerationComparison {
     dialogs.fileAnswers.push_back(target);
     templates::TemplateDefinition definition;
     templates::FieldPanel fields;
-    sw::testing::ScriptedDialogs quiet;
-    templates::FindIniForTemplate(TemplateFolder(), templateFile_, definition, fields, table_, quiet,
-                                  [] { return std::string("2026-11-23"); });
+    definition.IniPath = templates::FindIniForTemplate(TemplateFolder(), templateFile_).iniPath;
+    if (!definition.IniPath.empty()) {
+      session::ApplyCommonFields(templates::ReadCommonFields(definition.IniPath), definition, fields, table_,
+                                 [] { return std::string("2026-11-23"); });
+    }
     GenerationInputs inputs{table_,
                             "1",
                             TemplateFolder(),

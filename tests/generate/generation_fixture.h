@@ -13,9 +13,24 @@
 #include "report/add_grid_row.h"
 #include "report/colours.h"
 #include "scripted_dialogs.h"
+#include "session/template_fields.h"
 #include "templates/template_ini.h"
 
 namespace sw::generate {
+
+// Pairs the template with `iniPath` as choosing the template does: the common fields and the preview's
+// headings come from it ("." is 2026-11-20). The field boxes' texts.
+inline std::vector<std::string> PairTemplateIni(const std::string& iniPath,
+                                                templates::TemplateDefinition& definition,
+                                                report::ReportTable& table) {
+  templates::FieldPanel fields;
+  session::ApplyCommonFields(templates::ReadCommonFields(iniPath), definition, fields, table,
+                             [] { return std::string("2026-11-20"); });
+  definition.IniPath = iniPath;
+  std::vector<std::string> texts;
+  for (const auto& entry : fields.entries) texts.push_back(entry.text);
+  return texts;
+}
 
 class FakeWarning final : public SingleSheetWarning {
  public:
@@ -49,13 +64,7 @@ class GenerationFixture {
 
   // Pairs the template with `name` as choosing the template does: the common fields come from it.
   void UseIni(const std::string& name) {
-    templates::FieldPanel fields;
-    testing::ScriptedDialogs quiet;
-    templates::ReadCommonFields(std::string(kFolder) + "\\" + name, definition, fields, table, quiet,
-                                [] { return std::string("2026-11-20"); });
-    definition.IniPath = std::string(kFolder) + "\\" + name;
-    inputs.fieldTexts.clear();
-    for (const auto& entry : fields.entries) inputs.fieldTexts.push_back(entry.text);
+    inputs.fieldTexts = PairTemplateIni(std::string(kFolder) + "\\" + name, definition, table);
   }
 
   // A light-green row: a placement head when `title` is not empty, else a manual page break.

@@ -82,15 +82,8 @@ class SafeSaveRun : public GenerationFixture {
   }
 
   void UseTemplateIni() {
-    const std::string iniPath = (templates / "Lista.ini").string();
-    templates::FieldPanel fields;
-    testing::ScriptedDialogs quiet;
     definition = {};
-    templates::ReadCommonFields(iniPath, definition, fields, table, quiet,
-                                [] { return std::string("2026-11-20"); });
-    definition.IniPath = iniPath;
-    inputs.fieldTexts.clear();
-    for (const auto& entry : fields.entries) inputs.fieldTexts.push_back(entry.text);
+    inputs.fieldTexts = PairTemplateIni((templates / "Lista.ini").string(), definition, table);
   }
 
   std::error_code Write(const fs::path& path, std::string_view bytes) {

@@ -5,7 +5,6 @@
 #include "preview/preview_controls.h"
 #include "preview/preview_edits.h"
 #include "preview/preview_page_breaks.h"
-#include "scripted_dialogs.h"
 #include "temp_dir.h"
 
 namespace sw::preview {
@@ -100,34 +99,51 @@ TEST(PageBreakMarksTest, ResetClearsColumnZeroOnly) {
 class ShowPageBreaksTest : public ::testing::Test {
  protected:
   ShowPageBreaksTest() { dir_.Write("Mall.xlsx", ""); }
-  bool Show(std::string_view file, int pageLength) {
+  // The page length as read, with one notice of a bad line.
+  base::Outcome<PageBreaksStatus> Show(std::string_view file, int pageLength) {
     folder_ = dir_.path().string();
-    PageBreakSource source{folder_, file, [pageLength] { return pageLength; }, [this] { ++reloads_; },
-                           &settings_};
-    return ShowPageBreaks(table_, source);
+    templates::PageLengthReading reading;
+    reading.rowsPerPage = pageLength;
+    reading.outcome.Tell("rad");
+    return ShowPageBreaks(table_, {folder_, file, &reading, &settings_});
   }
 
   testing::TempDir dir_;
   std::string folder_;
   testing::MemorySettings settings_;
   report::ReportTable table_ = Table("G..Y.....");
-  int reloads_ = 0;
 };
 
 TEST_F(ShowPageBreaksTest, GuardsLeaveOldMarksAlone) {
-  for (const auto& [file, length] : std::vector<std::pair<const char*, int>>{
-           {"  ", 3}, {"Saknas.xlsx", 3}, {"MALL.XLSX", 0}, {"MALL.XLSX", -1}}) {
-    EXPECT_FALSE(Show(file, length)) << file;
+  struct Case {
+    const char* file;
+    int length;
+    PageBreaksStatus status;
+    std::size_t notices;  // the reading's notice is told once for every time the length is read
+  };
+  for (const auto& c : std::vector<Case>{{"  ", 3, PageBreaksStatus::kNoTemplate, 0},
+                                         {"Saknas.xlsx", 3, PageBreaksStatus::kNoTemplate, 0},
+                                         {"MALL.XLSX", 0, PageBreaksStatus::kNoPageLength, 1},
+                                         {"MALL.XLSX", -1, PageBreaksStatus::kNoPageLength, 1}}) {
+    const auto shown = Show(c.file, c.length);
+    EXPECT_EQ(shown.status, c.status) << c.file;
+    EXPECT_EQ(shown.notices.size(), c.notices) << c.file;
     EXPECT_EQ(YellowRows(table_), std::vector<int>{4});
   }
-  EXPECT_EQ(reloads_, 0);
+  // Without a paired INI file there is nothing to read and nothing to tell.
+  const auto unpaired = ShowPageBreaks(table_, {dir_.path().string(), "Mall.xlsx", nullptr, &settings_});
+  EXPECT_EQ(unpaired.status, PageBreaksStatus::kNoPageLength);
+  EXPECT_TRUE(unpaired.notices.empty());
 }
 
 TEST_F(ShowPageBreaksTest, SettingDecidesWhetherMarksAreDrawn) {
   settings_.SaveAppSetting("ShowPageBreaks", "0");
-  EXPECT_TRUE(Show("mall.xlsx", 3));
+  const auto hidden = Show("mall.xlsx", 3);
+  EXPECT_TRUE(hidden);
   EXPECT_TRUE(YellowRows(table_).empty());
   EXPECT_EQ(table_.Picture(4, 0), CellPicture::kBlank);
+  // Read for the length and once more after it, as every load does: the bad line is told twice.
+  EXPECT_EQ(hidden.notices, (std::vector<base::Notice>{{"rad"}, {"rad"}}));
 
   for (const char* value : {"", "1"}) {  // an empty value reads as the default "1"
     settings_.SaveAppSetting("ShowPageBreaks", value);
@@ -137,31 +153,6 @@ TEST_F(ShowPageBreaksTest, SettingDecidesWhetherMarksAreDrawn) {
   settings_.SaveAppSetting("ShowPageBreaks", "yes");
   Show("mall.xlsx", 3);
   EXPECT_TRUE(YellowRows(table_).empty());
-  EXPECT_EQ(reloads_, 4);
-}
-
-TEST_F(ShowPageBreaksTest, LayoutOfThePairedTemplateGivesThePageLength) {
-  dir_.Write("mall.ini", "[Sheet]\nSTARTROW=10\nENDROW=12\n");
-  testing::ScriptedDialogs dialogs;
-  templates::TemplateDefinition definition;
-  PreviewPageLayout layout(definition, dialogs, settings_);
-  layout.SetTemplate(dir_.path().string(), "Mall.xlsx");
-  EXPECT_FALSE(layout.ShowPageBreaks(table_));  // not paired yet: nothing to read, nothing said
-  EXPECT_TRUE(dialogs.messages.empty());
-
-  definition.IniPath = dir_.path().string() + "\\mall.ini";
-  EXPECT_EQ(layout.ReloadLayout(), 3);
-  EXPECT_TRUE(layout.ShowPageBreaks(table_));
-  EXPECT_EQ(YellowRows(table_), (std::vector<int>{4, 7}));
-  EXPECT_TRUE(dialogs.messages.empty());
-
-  // The layout is read for the length and read again after it, so a bad line is told twice.
-  dir_.Write("mall.ini", "[Sheet]\nSTARTROW=10\nENDROW=12\nINFINITE=x\n");
-  EXPECT_TRUE(layout.ShowPageBreaks(table_));
-  EXPECT_EQ(dialogs.messages.size(), 2u);
-  dir_.Write("mall.ini", "[Sheet]\nSTARTROW=10\nINFINITE=x\n");  // no length: no second read
-  EXPECT_FALSE(layout.ShowPageBreaks(table_));
-  EXPECT_EQ(dialogs.messages.size(), 3u);
 }
 
 TEST(PreviewEditsTest, PopupEntriesFollowTheCurrentRow) {

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "memory_settings.h"
-#include "scripted_dialogs.h"
 #include "table_rows.h"
 #include "temp_dir.h"
 
@@ -31,7 +30,6 @@ class PreviewVoltDumpTest : public ::testing::Test {
   PreviewContext Context(std::string path) {
     return PreviewContext{.dumpPath = std::move(path),
                           .settings = settings,
-                          .dialogs = dialogs,
                           .progress = &window,
                           .layoutColumns = [this] { window.calls.push_back("layout"); },
                           .reloadTemplateLayout = [this] { window.calls.push_back("template"); },
@@ -40,15 +38,15 @@ class PreviewVoltDumpTest : public ::testing::Test {
   static std::string Placements() { return DataFile("dumps/placements_windows1252.txt").string(); }
 
   testing::MemorySettings settings;
-  testing::ScriptedDialogs dialogs;
   WindowDouble window;
   ReportTable table;
 };
 
 TEST_F(PreviewVoltDumpTest, LoadsTheDumpThenLaysOutAndRunsTheHooksInOrder) {
-  PreviewVoltDump(table, Context(Placements()));
+  const auto loaded = PreviewVoltDump(table, Context(Placements()));
+  EXPECT_EQ(loaded.status, PreviewResult::kLoaded);
+  EXPECT_TRUE(loaded.notices.empty());
   EXPECT_EQ(window.calls, (std::vector<std::string>{"Begin 8", "End", "layout", "template", "page breaks"}));
-  EXPECT_TRUE(dialogs.messages.empty());
   EXPECT_EQ(ReportRows(table), (std::vector<std::string>{
                                    "+A1 Apparatsk\u00e5p|||||",
                                    "|X1|1|K\u00e4llare/2|W1|2.5",
@@ -104,7 +102,7 @@ TEST_F(PreviewVoltDumpTest, DoesNothingWhileThePickersAreFilled) {
   table.SetText(2, 0, "kvar");
   PreviewContext context = Context(Placements());
   context.refreshing = true;
-  PreviewVoltDump(table, context);
+  EXPECT_EQ(PreviewVoltDump(table, context).status, PreviewResult::kSkipped);
   EXPECT_EQ(table.Rows(), 3);
   EXPECT_EQ(table.Text(2, 0), "kvar");
   EXPECT_TRUE(window.calls.empty());
@@ -113,10 +111,11 @@ TEST_F(PreviewVoltDumpTest, DoesNothingWhileThePickersAreFilled) {
 TEST_F(PreviewVoltDumpTest, EmptyPathLeavesOnlyTheHeadingRowSilently) {
   table.SetRows(3);
   table.SetText(0, 0, "Rubrik");
-  PreviewVoltDump(table, Context(""));
+  const auto loaded = PreviewVoltDump(table, Context(""));
+  EXPECT_EQ(loaded.status, PreviewResult::kNoDump);
+  EXPECT_TRUE(loaded.notices.empty());
   EXPECT_EQ(table.Rows(), 1);
   EXPECT_EQ(table.Text(0, 0), "Rubrik");
-  EXPECT_TRUE(dialogs.messages.empty());
   EXPECT_TRUE(window.calls.empty());
 }
 
@@ -124,28 +123,26 @@ TEST_F(PreviewVoltDumpTest, MissingFileOrFolderIsReportedAndNothingElseRuns) {
   testing::TempDir temp;
   struct Case {
     std::string path;
-    std::string text;
-    std::string title;
-    base::MessageIcon icon;
+    PreviewResult status;
+    base::Notice notice;
   };
   const std::string missing = (temp.path() / "saknas.txt").string();
   const std::string folder = temp.path().string();
   const std::vector<Case> cases = {
-      {missing, "Hittar ej filen " + missing + ".", "Fel", base::MessageIcon::kInformation},
-      {folder, "Kan ej l\u00e4sa filen " + folder + " eftersom det inte \u00e4r n\u00e5gon vanlig fil.",
-       "Filfel", base::MessageIcon::kCritical},
+      {missing,
+       PreviewResult::kNotFound,
+       {"Hittar ej filen " + missing + ".", "Fel", base::MessageIcon::kInformation}},
+      {folder,
+       PreviewResult::kUnreadable,
+       {"Kan ej l\u00e4sa filen " + folder + " eftersom det inte \u00e4r n\u00e5gon vanlig fil.", "Filfel",
+        base::MessageIcon::kCritical}},
   };
   for (const auto& c : cases) {
     table.SetRows(4);
-    dialogs.messages.clear();
-    PreviewVoltDump(table, Context(c.path));
+    const auto loaded = PreviewVoltDump(table, Context(c.path));
     EXPECT_EQ(table.Rows(), 1);
-    ASSERT_EQ(dialogs.messages.size(), 1u);
-    const base::Message& message = dialogs.messages[0];
-    EXPECT_EQ(message.text, c.text);
-    EXPECT_EQ(message.title, c.title);
-    EXPECT_EQ(message.icon, c.icon);
-    EXPECT_EQ(message.buttons, base::MessageButtons::kOk);
+    EXPECT_EQ(loaded.status, c.status);
+    EXPECT_EQ(loaded.notices, std::vector<base::Notice>{c.notice});
   }
   EXPECT_TRUE(window.calls.empty());
 }
@@ -155,12 +152,11 @@ TEST_F(PreviewVoltDumpTest, UnreadableFileIsAFileErrorNotACrash) {
   const auto path = temp.Write("l\u00e5st.txt", "%T\n");
   std::filesystem::permissions(path, std::filesystem::perms::none);
   if (std::ifstream(path).is_open()) GTEST_SKIP() << "this account reads files whatever their permissions";
-  PreviewVoltDump(table, Context(path.string()));
+  const auto loaded = PreviewVoltDump(table, Context(path.string()));
   EXPECT_EQ(table.Rows(), 1);
-  ASSERT_EQ(dialogs.messages.size(), 1u);
-  EXPECT_EQ(dialogs.messages[0].text, "Kan ej l\u00e4sa filen " + path.string() + ".");
-  EXPECT_EQ(dialogs.messages[0].title, "Filfel");
-  EXPECT_EQ(dialogs.messages[0].icon, base::MessageIcon::kCritical);
+  EXPECT_EQ(loaded.status, PreviewResult::kUnreadable);
+  EXPECT_EQ(loaded.notices, (std::vector<base::Notice>{{"Kan ej l\u00e4sa filen " + path.string() + ".",
+                                                        "Filfel", base::MessageIcon::kCritical}}));
 }
 
 TEST_F(PreviewVoltDumpTest, ByteOrderMarkedDumpsReadAlike) {

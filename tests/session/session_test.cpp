@@ -282,6 +282,7 @@ TEST_F(SessionTest, RefreshSequenceLoadsOnceAndOffersTheRepairForFbltay) {
   ASSERT_EQ(install_.dialogs.messages.size(), 2u);
   EXPECT_EQ(install_.dialogs.messages[0].text, "Excel-rapportmallen saknar nödvändig tillhörande INI-fil");
   EXPECT_EQ(install_.dialogs.messages[1].text, "Infoga kolumn i yttre förbindningstabell?");
+  EXPECT_EQ(install_.dialogs.messages[1].buttons, base::MessageButtons::kYesNo);
   EXPECT_EQ(session_.Table().Text(1, 0), "+A1 Panel");  // answered No: unchanged
 
   // Yes: the repair stays, the template check does not reload the dump.

@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "base/system_colours.h"
+#include <filesystem>
+
 #include "base/text_codec.h"
-#include "scripted_dialogs.h"
 #include "temp_dir.h"
+#include "templates/template_ini_cache.h"
 
 namespace sw::templates {
 namespace {
@@ -21,107 +22,73 @@ class TemplateIniTest : public ::testing::Test {
     return Folder() + "\\" + std::string(name);
   }
   std::string Folder() const { return dir_.path().string(); }
-  std::vector<std::string> Texts() const {
-    std::vector<std::string> texts;
-    for (const auto& message : dialogs_.messages) texts.push_back(message.text);
-    return texts;
-  }
 
   testing::TempDir dir_;
-  testing::ScriptedDialogs dialogs_;
   TemplateDefinition definition_;
-  FieldPanel fields_;
-  report::ReportTable preview_;
-  ShortDateSource today_ = [] { return std::string("2024-05-01"); };
 };
+
+std::vector<std::string> Texts(const std::vector<base::Notice>& notices) {
+  std::vector<std::string> texts;
+  for (const auto& notice : notices) texts.push_back(notice.text);
+  return texts;
+}
 
 constexpr const char* kCompleteSheet =
     "[Tabs]\nTemplate=Sida\nCommon=Gemensamt\n"
     "[Sheet]\nSHEETNO=H2\nNEXTSHEET=H3\nLOCATION=B5\nSTARTROW=10\nENDROW=40\nCOLUMNS=A,B,!,D\n";
 
-TEST_F(TemplateIniTest, CommonFieldsFillRecordsPanelAndPreviewHeadings) {
-  const std::string ini = testing::DataFile("templates_ini/complete.ini").string();
-  ASSERT_TRUE(ReadCommonFields(ini, definition_, fields_, preview_, dialogs_, today_));
-  EXPECT_TRUE(dialogs_.messages.empty());
+TEST_F(TemplateIniTest, CommonFieldsAndColumnNames) {
+  const auto reading = ReadCommonFields(testing::DataFile("templates_ini/complete.ini").string());
+  ASSERT_TRUE(reading.outcome);
+  EXPECT_TRUE(reading.outcome.notices.empty());
+  ASSERT_EQ(reading.fields.size(), 3u);
+  ASSERT_TRUE(reading.fields[1]);
+  EXPECT_EQ(reading.fields[0]->Label, "Projekt");
+  EXPECT_EQ(reading.fields[1]->Label, "Datum");
+  EXPECT_EQ(reading.fields[1]->DefaultText, ".");
+  EXPECT_EQ(reading.fields[1]->Row, 2);
+  EXPECT_EQ(reading.fields[1]->Col, 2);
+  EXPECT_EQ(reading.fields[2]->Label, "Ritad av");
+  EXPECT_EQ(reading.fields[2]->DefaultText, "AB");
+  EXPECT_EQ(reading.columnNames, (std::vector<std::string>{"A", "B", "!", "D"}));
 
-  ASSERT_EQ(definition_.CommonFields.size(), 3u);
-  EXPECT_EQ(definition_.CommonFields[1].Label, "Datum");
-  EXPECT_EQ(definition_.CommonFields[1].DefaultText, ".");
-  EXPECT_EQ(definition_.CommonFields[1].Row, 2);
-  EXPECT_EQ(definition_.CommonFields[1].Col, 2);
-  EXPECT_EQ(definition_.CommonFields[2].Label, "Ritad av");
-  EXPECT_EQ(fields_.entries[0].caption, "Projekt");
-  EXPECT_EQ(fields_.entries[0].text, "");
-  EXPECT_EQ(fields_.entries[1].text, "2024-05-01");
-  EXPECT_EQ(fields_.entries[2].text, "AB");
-  for (int i = 0; i < kFieldCount; ++i) EXPECT_EQ(fields_.entries[i].enabled, i < 3) << i;
-  EXPECT_EQ(fields_.entries[0].backColour, base::kSystemWindowBackground);
-
-  ASSERT_EQ(preview_.Cols(), 5);
-  EXPECT_EQ(preview_.Text(0, 0), "");
-  EXPECT_EQ(preview_.Text(0, 1), "A ");
-  EXPECT_EQ(preview_.Text(0, 3), "! ");
-  EXPECT_EQ(preview_.Text(0, 4), "D ");
-  EXPECT_EQ(definition_.PreviewColumnNames, (std::vector<std::string>{"A", "B", "!", "D"}));
-}
-
-TEST_F(TemplateIniTest, DefaultTextIsAllThatFollowsTheFirstBar) {
-  const auto ini = WriteIni("[Common]\nPipe=C7|a|b\nTom=D2|\nDatum=B2|.|x\n");
-  ASSERT_TRUE(ReadCommonFields(ini, definition_, fields_, preview_, dialogs_, today_));
-  EXPECT_TRUE(dialogs_.messages.empty());
-  ASSERT_EQ(definition_.CommonFields.size(), 3u);
-  EXPECT_EQ(definition_.CommonFields[0].DefaultText, "a|b");
-  EXPECT_EQ(definition_.CommonFields[0].Row, 7);
-  EXPECT_EQ(definition_.CommonFields[0].Col, 3);
-  EXPECT_EQ(fields_.entries[0].text, "a|b");
-  EXPECT_EQ(fields_.entries[1].text, "");
-  // Only a lone "." is today's date.
-  EXPECT_EQ(fields_.entries[2].text, ".|x");
+  // The default text is all that follows the first "|"; no Columns, no names.
+  const auto bars = ReadCommonFields(WriteIni("[Common]\nPipe=C7|a|b\nTom=D2|\n"));
+  EXPECT_EQ(bars.fields[0]->DefaultText, "a|b");
+  EXPECT_EQ(bars.fields[0]->Row, 7);
+  EXPECT_EQ(bars.fields[0]->Col, 3);
+  EXPECT_EQ(bars.fields[1]->DefaultText, "");
+  EXPECT_FALSE(bars.columnNames);
 }
 
 TEST_F(TemplateIniTest, BadCommonLinesAreToldAndSkippedButKeepTheirIndex) {
   std::string common = "[Common]\nProjekt=3C\n \nDatum=B2|.\nUtan likhetstecken\n";
   for (int i = 0; i < 30; ++i) common += "F" + std::to_string(i) + "=A1\n";
-  const auto ini = WriteIni(common);
-  ASSERT_TRUE(ReadCommonFields(ini, definition_, fields_, preview_, dialogs_, today_));
+  const auto reading = ReadCommonFields(WriteIni(common));
+  ASSERT_TRUE(reading.outcome);
 
-  ASSERT_EQ(dialogs_.messages.size(), 2u);
-  EXPECT_EQ(dialogs_.messages[0].text, "Rad i INI-fil felaktig. \r'Projekt=3C'\rFelaktig cell-angivelse.");
-  EXPECT_EQ(dialogs_.messages[0].icon, MessageIcon::kCritical);
-  EXPECT_EQ(base::EffectiveTitle(dialogs_.messages[0]), "Sheetwright");
-  EXPECT_EQ(dialogs_.messages[1].text,
-            "Rad i INI-fil felaktig. \r'Utan likhetstecken'\rFelaktig cell-angivelse.");
+  const auto& notices = reading.outcome.notices;
+  ASSERT_EQ(notices.size(), 2u);
+  EXPECT_EQ(notices[0], (base::Notice{"Rad i INI-fil felaktig. \r'Projekt=3C'\rFelaktig cell-angivelse.", "",
+                                      MessageIcon::kCritical}));
+  EXPECT_EQ(notices[1].text, "Rad i INI-fil felaktig. \r'Utan likhetstecken'\rFelaktig cell-angivelse.");
 
-  ASSERT_EQ(definition_.CommonFields.size(), 30u);  // one box per line, as far as the boxes go
+  ASSERT_EQ(reading.fields.size(), 30u);  // one box per line, as far as the boxes go
   // Windows never returns the blank line, so it takes no index.
-  EXPECT_FALSE(fields_.entries[0].enabled);
-  EXPECT_EQ(fields_.entries[1].caption, "Datum");
-  EXPECT_FALSE(fields_.entries[2].enabled);
-  EXPECT_EQ(fields_.entries[29].caption, "F26");
+  EXPECT_FALSE(reading.fields[0]);
+  EXPECT_EQ(reading.fields[1]->Label, "Datum");
+  EXPECT_FALSE(reading.fields[2]);
+  EXPECT_EQ(reading.fields[29]->Label, "F26");
 }
 
-TEST_F(TemplateIniTest, MissingCommonSectionSetsIniError) {
+TEST_F(TemplateIniTest, MissingCommonSection) {
   const auto ini = WriteIni(kCompleteSheet);
-  EXPECT_FALSE(ReadCommonFields(ini, definition_, fields_, preview_, dialogs_, today_));
-  ASSERT_EQ(dialogs_.messages.size(), 1u);
-  EXPECT_EQ(dialogs_.messages[0].text, "Ini-filen " + ini + "\rsaknar sektionen [Common].");
-  EXPECT_EQ(dialogs_.messages[0].title, "Kan ej använda Excel-filen");
-  EXPECT_EQ(dialogs_.messages[0].icon, MessageIcon::kInformation);
-  EXPECT_TRUE(definition_.IniError);
-}
-
-TEST_F(TemplateIniTest, PreviewHeadingsNeedAtLeastTwoColumnNames) {
-  preview_.SetCols(3);
-  preview_.SetText(0, 1, "old");
-  ReadCommonFields(WriteIni("[Common]\nA=A1\n[Sheet]\nColumns=Kabel\n"), definition_, fields_, preview_,
-                   dialogs_, today_);
-  EXPECT_EQ(preview_.Cols(), 3);
-  EXPECT_EQ(preview_.Text(0, 1), "");
-
-  ReadCommonFields(WriteIni("[Common]\nA=A1\n[Sheet]\nColumns=Kabel,Från\n"), definition_, fields_, preview_,
-                   dialogs_, today_);
-  EXPECT_EQ(preview_.Cols(), 3);
-  EXPECT_EQ(preview_.Text(0, 2), "Från ");
+  const auto reading = ReadCommonFields(ini);
+  EXPECT_EQ(reading.outcome.status, CommonFieldsStatus::kMissingSection);
+  EXPECT_EQ(reading.outcome.notices,
+            (std::vector<base::Notice>{{"Ini-filen " + ini + "\rsaknar sektionen [Common].",
+                                        "Kan ej använda Excel-filen", MessageIcon::kInformation}}));
+  EXPECT_TRUE(reading.fields.empty());
 }
 
 TEST_F(TemplateIniTest, RowsPerPageForThePreview) {
@@ -150,19 +117,20 @@ TEST_F(TemplateIniTest, RowsPerPageForThePreview) {
              "Dynamisk sidlängd felaktigt angiven i ini-filen.\r\"INFINITE=ja\""},
             false},
        }) {
-    dialogs_.messages.clear();
-    definition_.Infinite = false;
-    const auto ini = WriteIni(std::string("[Sheet]\n") + c.sheet);
-    EXPECT_EQ(ReadRowsPerPage(ini, definition_, dialogs_), c.rows) << c.sheet;
-    EXPECT_EQ(Texts(), c.messages) << c.sheet;
-    EXPECT_EQ(definition_.Infinite, c.infinite) << c.sheet;
-    for (const auto& message : dialogs_.messages) EXPECT_EQ(message.title, "Fel");
+    const auto reading = ReadRowsPerPage(WriteIni(std::string("[Sheet]\n") + c.sheet));
+    EXPECT_TRUE(reading.outcome) << c.sheet;
+    EXPECT_EQ(reading.rowsPerPage, c.rows) << c.sheet;
+    EXPECT_EQ(Texts(reading.outcome.notices), c.messages) << c.sheet;
+    EXPECT_EQ(reading.infinite, c.infinite) << c.sheet;
+    for (const auto& notice : reading.outcome.notices) EXPECT_EQ(notice.title, "Fel");
   }
 
-  dialogs_.messages.clear();
   const auto ini = WriteIni("[Common]\nA=A1\n");
-  EXPECT_EQ(ReadRowsPerPage(ini, definition_, dialogs_), -1);
-  EXPECT_EQ(Texts(), std::vector<std::string>{"Ini-filen " + ini + "\rsaknar sektionen [Sheet]."});
+  const auto reading = ReadRowsPerPage(ini);
+  EXPECT_FALSE(reading.outcome);
+  EXPECT_EQ(reading.rowsPerPage, -1);
+  EXPECT_EQ(Texts(reading.outcome.notices),
+            std::vector<std::string>{"Ini-filen " + ini + "\rsaknar sektionen [Sheet]."});
 }
 
 TEST_F(TemplateIniTest, ValidationCountsAcceptedLines) {
@@ -205,16 +173,16 @@ TEST_F(TemplateIniTest, ValidationCountsAcceptedLines) {
             {"Namn på flik för gemensamma texter 'Common=' är ej angiven i ini-filens sektion '[Tabs]'.\r"
              "Namn på flik för sidmall 'Template=' är ej angiven i ini-filens sektion '[Tabs]'."}},
        }) {
-    dialogs_.messages.clear();
     const auto ini = WriteIni(c.ini);
-    const auto result = ValidateTemplateIni(ini, definition_, dialogs_);
+    const auto result = ValidateTemplateIni(ini);
     EXPECT_EQ(result.Accepted(), c.accepted) << c.ini;
     EXPECT_EQ(result.count, c.count) << c.ini;
+    result.ApplyTo(definition_);
     EXPECT_EQ(definition_.IniError, !c.accepted) << c.ini;
     auto expected = c.messages;
     if (!c.accepted) expected.push_back("Redigera ini-filen " + ini + " och försök senare.");
-    EXPECT_EQ(Texts(), expected) << c.ini;
-    for (const auto& message : dialogs_.messages) {
+    EXPECT_EQ(Texts(result.outcome.notices), expected) << c.ini;
+    for (const auto& message : result.outcome.notices) {
       const bool syntax = message.text.starts_with("Felaktig rad");
       EXPECT_EQ(message.title, syntax ? "INI-fel" : "Fel");
       EXPECT_EQ(message.icon, syntax ? MessageIcon::kNone : MessageIcon::kInformation);
@@ -223,7 +191,9 @@ TEST_F(TemplateIniTest, ValidationCountsAcceptedLines) {
 }
 
 TEST_F(TemplateIniTest, ValidationFillsTheDefinition) {
-  ASSERT_TRUE(ValidateTemplateIni(WriteIni(kCompleteSheet), definition_, dialogs_).Accepted());
+  const auto complete = ValidateTemplateIni(WriteIni(kCompleteSheet));
+  ASSERT_TRUE(complete.Accepted());
+  complete.ApplyTo(definition_);
   EXPECT_EQ(definition_.TemplateSheetName, "Sida");
   EXPECT_EQ(definition_.CommonSheetName, "Gemensamt");
   EXPECT_EQ(definition_.SheetNoRow, 2);
@@ -235,42 +205,42 @@ TEST_F(TemplateIniTest, ValidationFillsTheDefinition) {
   EXPECT_EQ(definition_.DataColumns, (std::vector<std::int16_t>{1, 2, kFieldNotWritten, 4}));
 
   // Generation takes the last ENDROW and 9999 for a dynamic page; a rejected item ends the columns.
-  ValidateTemplateIni(WriteIni(std::string(kCompleteSheet) + "ENDROW=50\nINFINITE=1\nCOLUMNS=C,1,E\n"),
-                      definition_, dialogs_);
+  ValidateTemplateIni(WriteIni(std::string(kCompleteSheet) + "ENDROW=50\nINFINITE=1\nCOLUMNS=C,1,E\n"))
+      .ApplyTo(definition_);
   EXPECT_EQ(definition_.EndRow, 9999);
   EXPECT_TRUE(definition_.Infinite);
   EXPECT_EQ(definition_.DataColumns, (std::vector<std::int16_t>{3}));
-  ValidateTemplateIni(WriteIni(std::string(kCompleteSheet) + "ENDROW=50\nINFINITE=0\n"), definition_,
-                      dialogs_);
+  ValidateTemplateIni(WriteIni(std::string(kCompleteSheet) + "ENDROW=50\nINFINITE=0\n")).ApplyTo(definition_);
   EXPECT_EQ(definition_.EndRow, 50);
   EXPECT_TRUE(definition_.Infinite);
 
-  dialogs_.messages.clear();
+  // A missing [Sheet] leaves the definition as it was.
   const auto ini = WriteIni("[Tabs]\nTemplate=Sida\n");
-  const auto result = ValidateTemplateIni(ini, definition_, dialogs_);
-  EXPECT_EQ(result.status, IniValidationStatus::kMissingSheetSection);
-  EXPECT_EQ(Texts(), std::vector<std::string>{"Ini-filen " + ini + "\rsaknar sektionen [Sheet]."});
-  EXPECT_EQ(dialogs_.messages[0].title, "Kan ej använda Excel-filen");
+  const auto result = ValidateTemplateIni(ini);
+  EXPECT_EQ(result.outcome.status, IniValidationStatus::kMissingSheetSection);
+  EXPECT_EQ(result.outcome.notices,
+            (std::vector<base::Notice>{{"Ini-filen " + ini + "\rsaknar sektionen [Sheet].",
+                                        "Kan ej använda Excel-filen", MessageIcon::kInformation}}));
+  result.ApplyTo(definition_);
+  EXPECT_EQ(definition_.EndRow, 50);
+  EXPECT_EQ(definition_.TemplateSheetName, "Sida");
 }
 
 TEST_F(TemplateIniTest, WorkbookPairsWithItsIniIgnoringCase) {
   WriteIni("[Common]\nProjekt=C3|P1\n", "report.ini");
   dir_.Write("REPORT.XLSM", "");
   dir_.Write("Plan.xlsx", "");
-  fields_.entries[5].caption = "kvar från förra mallen";
-  ASSERT_TRUE(FindIniForTemplate(Folder(), "REPORT.XLSM", definition_, fields_, preview_, dialogs_, today_));
-  EXPECT_EQ(definition_.IniPath, Folder() + "\\report.ini");
-  EXPECT_EQ(fields_.entries[0].text, "P1");
-  EXPECT_EQ(fields_.entries[5].caption, "");
-  EXPECT_TRUE(dialogs_.messages.empty());
+  const auto paired = FindIniForTemplate(Folder(), "REPORT.XLSM");
+  EXPECT_TRUE(paired.outcome);
+  EXPECT_EQ(paired.iniPath, Folder() + "\\report.ini");
+  EXPECT_TRUE(paired.outcome.notices.empty());
 
-  EXPECT_FALSE(FindIniForTemplate(Folder(), "Plan.xlsx", definition_, fields_, preview_, dialogs_, today_));
-  EXPECT_EQ(definition_.IniPath, "");
-  EXPECT_FALSE(fields_.entries[0].enabled);
-  ASSERT_EQ(dialogs_.messages.size(), 1u);
-  EXPECT_EQ(dialogs_.messages[0].text, "Excel-rapportmallen saknar nödvändig tillhörande INI-fil");
-  EXPECT_EQ(dialogs_.messages[0].title, "Fel");
-  EXPECT_EQ(dialogs_.messages[0].icon, MessageIcon::kInformation);
+  const auto unpaired = FindIniForTemplate(Folder(), "Plan.xlsx");
+  EXPECT_FALSE(unpaired.outcome);
+  EXPECT_EQ(unpaired.iniPath, "");
+  EXPECT_EQ(unpaired.outcome.notices,
+            (std::vector<base::Notice>{{"Excel-rapportmallen saknar nödvändig tillhörande INI-fil", "Fel",
+                                        MessageIcon::kInformation}}));
 }
 
 TEST_F(TemplateIniTest, PairingWalksEveryFileInNameOrder) {
@@ -288,13 +258,35 @@ TEST_F(TemplateIniTest, PairingWalksEveryFileInNameOrder) {
        }) {
     testing::TempDir dir;
     for (const char* name : c.files) dir.Write(name, "[Common]\nProjekt=C3\n");
-    definition_.IniPath = "kvar";
     const std::string folder = dir.path().string();
-    EXPECT_EQ(FindIniForTemplate(folder, c.workbook, definition_, fields_, preview_, dialogs_, today_),
-              *c.paired != 0)
-        << c.workbook;
-    EXPECT_EQ(definition_.IniPath, *c.paired ? folder + "\\" + c.paired : "") << c.workbook;
+    const auto pairing = FindIniForTemplate(folder, c.workbook);
+    EXPECT_EQ(static_cast<bool>(pairing.outcome), *c.paired != 0) << c.workbook;
+    EXPECT_EQ(pairing.iniPath, *c.paired ? folder + "\\" + c.paired : "") << c.workbook;
   }
+}
+
+TEST_F(TemplateIniTest, OneReadingDescribesTheFileUntilItChanges) {
+  const auto ini = WriteIni(std::string("[Common]\nProjekt=C3\n") + kCompleteSheet);
+  TemplateIniCache cache;
+  for (int i = 0; i < 5; ++i) {
+    const auto& description = cache.Get(ini);
+    EXPECT_EQ(description.pageLength.rowsPerPage, 31);
+    EXPECT_TRUE(description.validation.Accepted());
+    EXPECT_EQ(description.common.fields.size(), 1u);
+  }
+  EXPECT_EQ(cache.Reads(), 1);
+
+  // Edited: longer, and written later.
+  WriteIni(std::string("[Common]\nProjekt=C3\n") + kCompleteSheet + "ENDROW=50\n");
+  std::filesystem::last_write_time(dir_.path() / "Mall.ini",
+                                   std::filesystem::file_time_type::clock::now() + std::chrono::seconds(5));
+  EXPECT_EQ(cache.Get(ini).validation.layout.EndRow, 50);
+  EXPECT_EQ(cache.Reads(), 2);
+
+  // A file that is not there is looked for every time.
+  cache.Get(Folder() + "\\Saknas.ini");
+  cache.Get(Folder() + "\\Saknas.ini");
+  EXPECT_EQ(cache.Reads(), 4);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include "base/dialogs.h"
 #include "settings/settings.h"
 
-namespace sw::preview {
+namespace sw::session {
 
 // Shows the open dialog ("Välj textfil", "(Textfil *.txt)" for *.txt, starting in the setting "DumpPath",
 // default `programFolder`). A chosen file's folder (up to and including its last "\") is saved as
@@ -16,4 +16,4 @@ namespace sw::preview {
 std::optional<std::string> ChooseReportDump(base::Dialogs& dialogs, settings::Settings& settings,
                                             std::string_view programFolder);
 
-}  // namespace sw::preview
+}  // namespace sw::session

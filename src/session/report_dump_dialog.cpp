@@ -1,6 +1,6 @@
-#include "preview/report_dump_dialog.h"
+#include "session/report_dump_dialog.h"
 
-namespace sw::preview {
+namespace sw::session {
 
 std::optional<std::string> ChooseReportDump(base::Dialogs& dialogs, settings::Settings& settings,
                                             std::string_view programFolder) {
@@ -20,4 +20,4 @@ std::optional<std::string> ChooseReportDump(base::Dialogs& dialogs, settings::Se
   return chosen;
 }
 
-}  // namespace sw::preview
+}  // namespace sw::session

@@ -1,11 +1,11 @@
-#include "preview/report_dump_dialog.h"
+#include "session/report_dump_dialog.h"
 
 #include <gtest/gtest.h>
 
 #include "memory_settings.h"
 #include "scripted_dialogs.h"
 
-namespace sw::preview {
+namespace sw::session {
 namespace {
 
 TEST(ReportDumpDialogTest, ChoosingSavesTheFolderAndCancellingChangesNothing) {
@@ -31,4 +31,4 @@ TEST(ReportDumpDialogTest, ChoosingSavesTheFolderAndCancellingChangesNothing) {
 }
 
 }  // namespace
-}  // namespace sw::preview
+}  // namespace sw::session
