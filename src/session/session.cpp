@@ -195,7 +195,9 @@ report::PreviewResult Session::PreviewVoltDump() {
                                        .layoutColumns = services_.layoutColumns,
                                        .reloadTemplateLayout = [this] { layout_.ReloadLayout(); },
                                        .showPageBreaks = [this] { layout_.ShowPageBreaks(table_); }};
+  const FileStamp before = StampOf(base::ResolveWindowsPath(voltDump_.text));
   const auto result = report::PreviewVoltDump(table_, context);
+  WatchLoadedDump(result, before);
   if (result != report::PreviewResult::kSkipped) {
     ForgetEdits();
     Notify(Change::kTable | Change::kMarks);
