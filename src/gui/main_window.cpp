@@ -47,6 +47,7 @@
 #include "gui/theme_look.h"
 #include "preview/preview_controls.h"
 #include "preview/preview_edits.h"
+#include "session/column_fit.h"
 #include "session/editing_messages.h"
 #include "session/environment_report.h"
 #include "session/preview_navigation.h"
@@ -452,6 +453,14 @@ void MainWindow::ConnectWidgets() {
     });
   }
 
+  // Columns the user has not resized are fitted again to the grid's new width, so that the layout of
+  // a load does not depend on whether the window had its final size yet.
+  connect(grid_->horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
+    if (!layingOutColumns_) columnsFitted_ = false;
+  });
+  connect(grid_, &PreviewGrid::resized, this, [this] {
+    if (columnsFitted_ && !busy_ && !model_->Frozen()) LayOutColumns();
+  });
   connect(grid_, &PreviewGrid::popupRequested, this, &MainWindow::ShowPopup);
   connect(grid_, &PreviewGrid::rowDoubleClicked, this, &MainWindow::DoubleClickRow);
 }
@@ -587,8 +596,10 @@ void MainWindow::Apply(const std::function<void()>& operation) {
   if (columnsNeedLayout_) {
     LayOutColumns();
   } else if (static_cast<int>(widths.size()) == model_->columnCount()) {
+    layingOutColumns_ = true;
     for (int c = 0; c < model_->columnCount(); ++c)
       grid_->setColumnWidth(c, widths[static_cast<std::size_t>(c)]);
+    layingOutColumns_ = false;
   }
   if (currentRow >= 1 && model_->rowCount() > 0) {
     const int row = std::min(currentRow, model_->rowCount()) - 1;
@@ -601,20 +612,20 @@ void MainWindow::Apply(const std::function<void()>& operation) {
 void MainWindow::LayOutColumns() {
   const int columns = model_->columnCount();
   if (columns == 0) return;
-  const double twips = TwipsPerPixel();
-  std::vector<int> widths;
-  for (int c = 0; c < columns; ++c)
-    widths.push_back(static_cast<int>(std::lround(grid_->columnWidth(c) * twips)));
-  // The control's own width, as the layout rule counts it (it leaves room for the borders itself).
-  const int gridWidth = static_cast<int>(std::lround(grid_->width() * twips));
-  widths = preview::LayOutColumnWidths(std::move(widths), gridWidth);
-  // Then each column grows to its contents (headings, the rows on screen and a sample of the rest).
+  const bool wasLayingOut = layingOutColumns_;
+  layingOutColumns_ = true;
+  // Each column's contents: headings, the rows on screen and a sample of the rest.
+  std::vector<int> contents;
   for (int c = 0; c < columns; ++c) {
-    const int laidOut = static_cast<int>(std::lround(widths[static_cast<std::size_t>(c)] / twips));
     grid_->resizeColumnToContents(c);
-    const int contents = grid_->columnWidth(c);
-    grid_->setColumnWidth(c, std::max(laidOut, contents));
+    contents.push_back(grid_->columnWidth(c));
   }
+  // The room for rows, counted the same whether or not the vertical scroll bar shows yet.
+  const int view = grid_->width() - 2 * grid_->frameWidth() - grid_->verticalScrollBar()->sizeHint().width();
+  const auto widths = session::FitColumnWidths(std::move(contents), view);
+  for (int c = 0; c < columns; ++c) grid_->setColumnWidth(c, widths[static_cast<std::size_t>(c)]);
+  columnsFitted_ = true;
+  layingOutColumns_ = wasLayingOut;
 }
 
 void MainWindow::ShowSession() {

@@ -172,6 +172,8 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   bool fieldsShown_ = false;
   bool busy_ = false;
   bool columnsNeedLayout_ = false;
+  bool columnsFitted_ = false;      // the widths are the load's fit, not the user's own
+  bool layingOutColumns_ = false;   // the window itself is setting widths
   bool hourglassFromGeneration_ = false;
 };
 

@@ -108,6 +108,7 @@ void PreviewGrid::ShowFrozenColumn() {
 void PreviewGrid::resizeEvent(QResizeEvent* event) {
   QTableView::resizeEvent(event);
   ShowFrozenColumn();
+  emit resized();
 }
 
 void PreviewGrid::updateGeometries() {

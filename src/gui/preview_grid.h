@@ -25,6 +25,8 @@ class PreviewGrid final : public QTableView {
   // grid's current row `tableRow`; `globalPos` is where the popup goes.
   void popupRequested(int tableRow, int pointerY, QPoint globalPos);
   void rowDoubleClicked(int tableRow);
+  // The grid got another size.
+  void resized();
 
  protected:
   void contextMenuEvent(QContextMenuEvent* event) override;

@@ -8,6 +8,7 @@
 #include "fake_installation.h"
 #include "recording_launcher.h"
 #include "report/colours.h"
+#include "session/column_fit.h"
 #include "session/dump_watch.h"
 #include "session/environment_report.h"
 #include "session/preview_navigation.h"
@@ -79,6 +80,18 @@ TEST(GoToPage, WithoutMarksThereIsOnePageAndWithoutRowsNone) {
   EXPECT_EQ(FirstRowOfPage(TableOf({"a", "b"}), 2).message, "Förhandsgranskningen har bara sida 1.");
   EXPECT_TRUE(PageFirstRows(TableOf({})).empty());
   EXPECT_EQ(FirstRowOfPage(TableOf({}), 1).message, "Förhandsgranskningen har inga sidor.");
+}
+
+TEST(FitColumnWidths, ColumnsFitTheirContentsAndShareTheRoomLeftAfterTheNames) {
+  // Too wide for the view: each as wide as it needs, no wider.
+  EXPECT_EQ(FitColumnWidths({120, 300, 400}, 700), (std::vector<int>{120, 300, 400}));
+  // Room left: shared by the columns after the names, the odd pixels to the last.
+  EXPECT_EQ(FitColumnWidths({120, 30, 40, 50}, 300), (std::vector<int>{120, 50, 60, 70}));
+  EXPECT_EQ(FitColumnWidths({100, 10, 10}, 125), (std::vector<int>{100, 12, 13}));
+  EXPECT_EQ(FitColumnWidths({100}, 250), std::vector<int>{250});
+  EXPECT_TRUE(FitColumnWidths({}, 250).empty());
+  // The same contents in the same view: the same widths, whatever the grid had before.
+  EXPECT_EQ(FitColumnWidths({80, 31, 200}, 500), FitColumnWidths({80, 31, 200}, 500));
 }
 
 class WatchedSessionTest : public ::testing::Test {
