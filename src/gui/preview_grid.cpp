@@ -53,8 +53,6 @@ void PreviewGrid::BuildFrozenColumn() {
   frozen_->setFrameShape(QFrame::NoFrame);
   frozen_->setContextMenuPolicy(Qt::CustomContextMenu);
   frozen_->setVisible(false);
-  // A line on its right edge tells that the columns pass beneath it.
-  frozen_->setStyleSheet(QStringLiteral("QTableView#fgFrozen { border-right: 2px solid palette(mid); }"));
 
   connect(frozen_->verticalScrollBar(), &QAbstractSlider::valueChanged, verticalScrollBar(),
           &QAbstractSlider::setValue);
@@ -99,7 +97,8 @@ void PreviewGrid::ShowFrozenColumn() {
   const bool scrolled = columns > 1 && horizontalScrollBar()->value() > 0;
   frozen_->setVisible(scrolled);
   if (!scrolled) return;
-  frozen_->setGeometry(frameWidth(), frameWidth(), columnWidth(0) + 2,
+  // One pixel more than the column: its grid line marks where the columns pass beneath it.
+  frozen_->setGeometry(frameWidth(), frameWidth(), columnWidth(0) + 1,
                        viewport()->height() + horizontalHeader()->height());
   frozen_->horizontalHeader()->setFixedHeight(horizontalHeader()->height());
   frozen_->verticalScrollBar()->setValue(verticalScrollBar()->value());
