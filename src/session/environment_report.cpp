@@ -32,7 +32,7 @@ std::vector<std::string> NothingFoundLines(const Session& session) {
   std::vector<std::string> lines{
       "Hittade ingen VOLTARIS-installation: ingen katalog för rapportmallar och ingen rapportfil.",
       "",
-      "Programmet letade efter",
+      "Programmet letade efter:",
       "  kataloger för rapportmallar: värdena " + std::string(discovery::kTemplateDirValue) + " och " +
           std::string(discovery::kUserDirValue) + " under " + machineKey + " (med " +
           std::string(discovery::kCadConfigFileName) + " i varje USER-katalog) och det senaste projektets " +
