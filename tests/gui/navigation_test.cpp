@@ -123,6 +123,7 @@ class NavigationTest : public QObject {
   void dumpWrittenAgainIsOfferedOnceAndReloadedOnYes();
   void nothingFoundSaysWhereItLookedAndOffersTheDumpPicker();
   void columnsAreLaidOutAlikeAtEveryLoadAndTheNamesStayInView();
+  void narrowColumnsFillTheGridUntilTheUserResizesOne();
   void sixLooksPaintTheirOwnPalettes();
 };
 
@@ -312,9 +313,47 @@ void NavigationTest::columnsAreLaidOutAlikeAtEveryLoadAndTheNamesStayInView() {
   QTest::mouseClick(frozen->viewport(), Qt::LeftButton, {}, frozen->visualRect(row).center());
   QCOMPARE(grid->CurrentTableRow(), 36);
   QVERIFY(grid->hasFocus());
+  // A double-click on a name there acts as on the grid: the placement goes.
+  const int placements = started.window->Session().Summary().placements;
+  int head = 0;
+  for (int r = grid->verticalScrollBar()->value(); r < grid->model()->rowCount() && !head; ++r)
+    if (grid->model()->index(r, 0).data().toString().startsWith(QStringLiteral("+P"))) head = r;
+  QVERIFY(head > 0);
+  const QPoint name = frozen->visualRect(grid->model()->index(head, 0)).center();
+  QTest::mouseClick(frozen->viewport(), Qt::LeftButton, {}, name);
+  QTest::mouseDClick(frozen->viewport(), Qt::LeftButton, {}, name);
+  QCOMPARE(started.window->Session().Summary().placements, placements - 1);
   // Back at the left edge the grid's own column 0 shows again.
   grid->horizontalScrollBar()->setValue(0);
   QTRY_VERIFY(!frozen->isVisible());
+}
+
+void NavigationTest::narrowColumnsFillTheGridUntilTheUserResizesOne() {
+  StartedWindow started([](FakeInstallation& install) { install.Write(kDump, Placements(5, 3)); });
+  auto* grid = started.Grid();
+  QTest::qWait(50);
+  const auto filled = [grid] {
+    int total = 0;
+    for (int c = 0; c < grid->model()->columnCount(); ++c) total += grid->columnWidth(c);
+    return total;
+  };
+  const int view = grid->width() - 2 * grid->frameWidth() - grid->verticalScrollBar()->sizeHint().width();
+  QCOMPARE(filled(), view);
+  QCOMPARE(grid->horizontalScrollBar()->maximum(), 0);
+  // A wider window: fitted again, still filled.
+  started.window->resize(started.window->width() + 200, started.window->height());
+  QTRY_COMPARE(grid->width() - 2 * grid->frameWidth() - grid->verticalScrollBar()->sizeHint().width(),
+               view + 200);
+  QCOMPARE(filled(), view + 200);
+  // Once the user has set a width by hand, the window's size leaves the columns alone.
+  grid->horizontalHeader()->resizeSection(1, 150);
+  const auto chosen = ColumnWidths(started);
+  started.window->resize(started.window->width() - 100, started.window->height());
+  QTest::qWait(50);
+  QCOMPARE(ColumnWidths(started), chosen);
+  // The next load fits them anew.
+  started.window->Command(sw::gui::kCommandRefresh)->trigger();
+  QCOMPARE(filled(), grid->width() - 2 * grid->frameWidth() - grid->verticalScrollBar()->sizeHint().width());
 }
 
 void NavigationTest::sixLooksPaintTheirOwnPalettes() {
