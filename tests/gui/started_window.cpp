@@ -21,7 +21,8 @@ void WithExampleTemplate(FakeInstallation& install) {
 }
 
 
-StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepare) {
+StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepare, bool withCadFiles)
+    : install(withCadFiles) {
   if (prepare) prepare(install);
   Reopen();
 }
