@@ -356,9 +356,7 @@ void PackageEngine::SetValue(const RangeRef& range, std::string_view text) {
       static_cast<long long>(range.lastRow - range.firstRow + 1) * (range.lastColumn - range.firstColumn + 1);
   if (range.shape != RangeShape::kCells || area > 1'000'000) Rejected("Området är för stort för att fyllas.");
   AsExcel([&] {
-    WorkbookDocument& document = *FindBook(range.sheet.workbook).document;
-    Worksheet sheet = document.Sheet(position, true);
-    document.MarkValuesChanged(position);
+    Worksheet& sheet = FindBook(range.sheet.workbook).document->SheetForValues(position);
     for (int row = range.firstRow; row <= range.lastRow; ++row) {
       for (int column = range.firstColumn; column <= range.lastColumn; ++column)
         sheet.SetText(row, column, text);
