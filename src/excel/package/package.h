@@ -52,6 +52,8 @@ class Package {
   // The whole package as a zip archive: [Content_Types].xml first, the other parts in their order.
   // Parts unchanged since the previous call keep their compressed form from then.
   std::string ToZip();
+  // What the last ToZip() gave; empty before the first.
+  const std::string& LastZip() const { return lastZip_.Archive(); }
 
   const PackageLimits& limits() const { return limits_; }
 

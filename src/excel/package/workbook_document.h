@@ -77,6 +77,8 @@ class WorkbookDocument {
 
   // The package as it is saved under a name ending in `extension` (".xlsx", ".xlsm").
   std::string Serialize(std::string_view extension);
+  // What the last Serialize() gave; empty before the first.
+  const std::string& LastSerialized() const { return package_.LastZip(); }
 
  private:
   WorkbookDocument() = default;
