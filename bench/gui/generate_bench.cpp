@@ -79,14 +79,11 @@ int main(int argc, char** argv) {
   sw::settings::RegistrySettings settings(registry);
   TargetDialogs dialogs(target);
   sw::bench::NoLauncher launcher;
-  sw::gui::MainWindow window({.registry = registry,
-                              .settings = settings,
-                              .environment = environment,
-                              .dialogs = dialogs,
-                              .launcher = launcher,
-                              .startLog = nullptr,
-                              .programFolder = {},
-                              .createExcel = {},
+  sw::gui::MainWindow window({.session = {.registry = registry,
+                                          .settings = settings,
+                                          .environment = environment,
+                                          .dialogs = dialogs,
+                                          .launcher = launcher},
                               .openWorkbook = [](const std::string&) { return true; }});
   window.resize(1200, 800);
   window.show();

@@ -60,15 +60,13 @@ int main(int argc, char** argv) {
 
   // The window opens again after restoring the standard look, from the settings that wrote.
   for (;;) {
-    sw::gui::MainWindow window({.registry = *registry,
-                                .settings = settings,
-                                .environment = sw::base::ProcessEnvironment(),
-                                .dialogs = dialogs,
-                                .launcher = *launcher,
-                                .startLog = &startLog,
-                                .programFolder = programFolder,
-                                .createExcel = {},
-                                .openWorkbook = {}});
+    sw::gui::MainWindow window({.session = {.registry = *registry,
+                                            .settings = settings,
+                                            .environment = sw::base::ProcessEnvironment(),
+                                            .dialogs = dialogs,
+                                            .launcher = *launcher,
+                                            .startLog = &startLog,
+                                            .programFolder = programFolder}});
     dialogs.SetOwner(&window);
     window.show();
     const int status = QApplication::exec();

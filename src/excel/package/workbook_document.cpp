@@ -436,7 +436,7 @@ pugi::xml_document& WorkbookDocument::Styles() {
   if (part.empty()) {
     part = package_.FreeName("xl/styles", ".xml", 1);
     part = package_.Has("xl/styles.xml") ? part : "xl/styles.xml";
-    package_.SetBytes(part, std::string(kMinimalStyles));
+    package_.SetBytes(part, NewWorkbookStyles());
     AddRelationship(package_, workbookPart_, reltype::kStyles, part);
     SetOverride(package_, part, kStylesType);
   }
