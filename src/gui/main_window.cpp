@@ -104,26 +104,19 @@ void FillBackground(QWidget* widget, const QColor& colour) {
 }  // namespace
 
 MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
-    : QMainWindow(parent), services_(std::move(services)), warning_(services_.settings, this) {
+    : QMainWindow(parent), services_(std::move(services)), warning_(services_.session.settings, this) {
   setObjectName(QStringLiteral("frmMain"));
   setWindowTitle(QString::fromUtf8(base::kApplicationTitle));
   setAcceptDrops(true);
   BuildWidgets();
   BuildCommands();
   progress_ = std::make_unique<ProgressBarLoadProgress>(progressBar_, [this](bool busy) { SetBusy(busy); });
-  session_ = std::make_unique<session::Session>(session::SessionServices{
-      .registry = services_.registry,
-      .settings = services_.settings,
-      .environment = services_.environment,
-      .dialogs = services_.dialogs,
-      .launcher = services_.launcher,
-      .startLog = services_.startLog,
-      .progress = progress_.get(),
-      .warning = &warning_,
-      .createExcel = services_.createExcel,
-      .programFolder = services_.programFolder,
-      .setMousePointer = [this](generate::MousePointer pointer) { SetGenerationPointer(pointer); },
-      .layoutColumns = [this] { columnsNeedLayout_ = true; }});
+  session::SessionServices sessionServices = services_.session;
+  sessionServices.progress = progress_.get();
+  sessionServices.warning = &warning_;
+  sessionServices.setMousePointer = [this](generate::MousePointer pointer) { SetGenerationPointer(pointer); };
+  sessionServices.layoutColumns = [this] { columnsNeedLayout_ = true; };
+  session_ = std::make_unique<session::Session>(std::move(sessionServices));
   session_->AddObserver(*this);
   // The CAD system writes its report again while the window is open; a timer asks, since a watcher
   // loses a file that is replaced rather than written over.
@@ -144,9 +137,9 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
       // the width the user will see.
       layout()->activate();
       centralWidget()->layout()->activate();
-      theme_ = session::StartTheme(services_.settings);
+      theme_ = session::StartTheme(services_.session.settings);
       const QByteArray layout = QByteArray::fromBase64(QByteArray::fromStdString(
-          session::LoadToolbarLayout(services_.settings, settings::kMainWindowName)));
+          session::LoadToolbarLayout(services_.session.settings, settings::kMainWindowName)));
       if (!layout.isEmpty()) restoreState(layout, kToolbarLayoutVersion);
       Command(kCommandStandardToolbar)->setChecked(!bars_.standard()->isHidden());
       ShowTheme(theme_);
@@ -313,7 +306,7 @@ void MainWindow::ConnectCommands() {
     for (const auto& text : CommandTexts()) {
       if (text.id == id) doing += " \"" + base::RemoveAll(text.caption, "&") + "\"";
     }
-    services_.dialogs.ShowMessage(
+    services_.session.dialogs.ShowMessage(
         {base::OutOfMemoryMessage(doing), "Fel", base::MessageIcon::kCritical, base::MessageButtons::kOk});
   });
   on.On(kCommandExit, [this] { close(); });
@@ -348,7 +341,7 @@ void MainWindow::ConnectCommands() {
   // Without Excel the dump is first written as a workbook, which takes a while for a long dump.
   on.On(kCommandEditDump, [this] { RunBusy([this] { session_->EditReportDump(); }); });
   on.On(kCommandOptions, [this] {
-    RunOptionsDialog(this, *session_, services_.settings,
+    RunOptionsDialog(this, *session_, services_.session.settings,
                      [this](const std::function<void()>& op) { Apply(op); });
   });
   on.On(kCommandAbout, [this] { RunAboutBox(this, ThemeColour()); });
@@ -360,7 +353,7 @@ std::int32_t MainWindow::ThemeColour() const {
 }
 
 void MainWindow::ApplyTheme(int themeNumber) {
-  services_.settings.SaveAppSetting("Theme", std::to_string(themeNumber));
+  services_.session.settings.SaveAppSetting("Theme", std::to_string(themeNumber));
   ShowTheme(themeNumber);
 }
 
@@ -404,7 +397,7 @@ void MainWindow::ToggleStandardToolbar() {
 }
 
 void MainWindow::ResetAppearance() {
-  const auto defaults = session::AskResetAppearance(services_.dialogs, services_.programFolder);
+  const auto defaults = session::AskResetAppearance(services_.session.dialogs, services_.session.programFolder);
   if (!defaults) return;
   // The window closes with its usual saves; closing finishes the reset, and the program opens the
   // window again from the settings the defaults file wrote.
@@ -487,13 +480,13 @@ bool MainWindow::RestorePlacement() {
   auto pixels = [twips](float value) { return static_cast<int>(std::lround(value / twips)); };
   const QSize least(pixels(settings::kMainWindowDefaultSize), pixels(settings::kMainWindowDefaultSize));
   const std::string_view section = settings::kMainWindowName;
-  const bool placed = !services_.settings.GetAppSetting("Top", "", section).empty() ||
-                      !services_.settings.GetAppSetting("Left", "", section).empty();
+  const bool placed = !services_.session.settings.GetAppSetting("Top", "", section).empty() ||
+                      !services_.session.settings.GetAppSetting("Left", "", section).empty();
   if (!placed) return false;
   const QScreen* display = screen() ? screen() : QGuiApplication::primaryScreen();
   const QRect screenArea = display ? display->geometry() : QRect(0, 0, 1024, 768);
   const auto placement = settings::RestoreWindowPlacement(
-      services_.settings, settings::kMainWindowName, settings::kMainWindowDefaultSize,
+      services_.session.settings, settings::kMainWindowName, settings::kMainWindowDefaultSize,
       settings::kMainWindowDefaultSize,
       {static_cast<float>(screenArea.width() * twips), static_cast<float>(screenArea.height() * twips)});
   // Kept on the screen it was on (or the primary one) as the screens are now: another layout or scale
@@ -547,23 +540,23 @@ void MainWindow::SavePlacement() {
       .height = static_cast<float>(normal.height() * twips),
       .width = static_cast<float>(normal.width() * twips),
       .state = isMaximized() ? settings::WindowState::kMaximised : settings::WindowState::kNormal};
-  settings::SaveMainWindowAtClose(services_.settings, settings::PlacementAtClose(placement));
+  settings::SaveMainWindowAtClose(services_.session.settings, settings::PlacementAtClose(placement));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   SavePlacement();
   session_->Close();
-  session::SaveToolbarLayout(services_.settings, settings::kMainWindowName,
+  session::SaveToolbarLayout(services_.session.settings, settings::kMainWindowName,
                              saveState(kToolbarLayoutVersion).toBase64().toStdString());
   event->accept();
   if (defaultsFile_) {
     std::unique_ptr<session::DefaultsMerger> platformMerger;
     session::DefaultsMerger* merger = services_.defaultsMerger;
     if (!merger) {
-      platformMerger = session::CreateDefaultsMerger(services_.launcher, services_.settings);
+      platformMerger = session::CreateDefaultsMerger(services_.session.launcher, services_.session.settings);
       merger = platformMerger.get();
     }
-    session::RestoreStandardAppearance(services_.settings, *merger, settings::kMainWindowName,
+    session::RestoreStandardAppearance(services_.session.settings, *merger, settings::kMainWindowName,
                                        *defaultsFile_);
     defaultsFile_.reset();
     restartRequested_ = true;
@@ -894,7 +887,7 @@ void MainWindow::Generate() {
   const bool opened = services_.openWorkbook ? services_.openWorkbook(host)
                                              : QDesktopServices::openUrl(QUrl::fromLocalFile(Q(host)));
   // Told as the editing commands tell it: the workbook is written, only nothing shows it.
-  if (!opened) session::TellNothingStarted(services_.dialogs, host);
+  if (!opened) session::TellNothingStarted(services_.session.dialogs, host);
 }
 
 }  // namespace sw::gui

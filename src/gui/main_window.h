@@ -44,15 +44,10 @@ class PreviewGrid;
 class ProgressBarLoadProgress;
 class ReportTableModel;
 
+// What the window is given: the session's services, of which the window fills in its own load
+// progress, single-sheet warning, hourglass and column layout, and the two things only it does.
 struct MainWindowServices {
-  cadenv::Registry& registry;
-  settings::Settings& settings;
-  const base::Environment& environment;
-  base::Dialogs& dialogs;
-  base::ProcessLauncher& launcher;               // a faulty INI file opened for editing
-  const settings::StartLog* startLog = nullptr;  // start-up trace, when switched on
-  std::string programFolder;                     // the dialogs' folder until one is remembered
-  generate::ApplicationFactory createExcel;      // empty: the workbook engine of this platform
+  session::SessionServices session;
   // Opens the workbook a generation leaves showing (host path), false when no program could be started;
   // empty: the desktop's default application.
   std::function<bool(const std::string&)> openWorkbook;
