@@ -23,14 +23,11 @@ using sw::bench::NoLauncher;
 struct BenchWindow {
   BenchWindow()
       : registry(std::filesystem::temp_directory_path() / "sheetwright-gui-bench-registry.reg"),
-        window({.registry = registry,
-                .settings = settings,
-                .environment = environment,
-                .dialogs = dialogs,
-                .launcher = launcher,
-                .startLog = nullptr,
-                .programFolder = {},
-                .createExcel = {},
+        window({.session = {.registry = registry,
+                            .settings = settings,
+                            .environment = environment,
+                            .dialogs = dialogs,
+                            .launcher = launcher},
                 .openWorkbook = [](const std::string&) { return true; }}) {
     window.resize(1200, 800);
     window.show();

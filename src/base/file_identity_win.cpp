@@ -33,4 +33,10 @@ bool SameFile(const std::filesystem::path& first, const std::filesystem::path& s
   return a.volume == b.volume && a.indexHigh == b.indexHigh && a.indexLow == b.indexLow;
 }
 
+std::optional<FileKey> KeyOfFile(const std::filesystem::path& path) {
+  FileIdentity identity;
+  if (!Identify(path, identity)) return std::nullopt;
+  return FileKey{identity.volume, (static_cast<std::uint64_t>(identity.indexHigh) << 32) | identity.indexLow};
+}
+
 }  // namespace sw::base

@@ -2,11 +2,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 
 #include "base/file_io.h"
-#include "base/own_temp_files.h"
+#include "base/file_io_platform.h"
 
 namespace sw::base {
 namespace {
@@ -67,52 +66,48 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std:
   return bytes;
 }
 
-namespace {
+namespace platform_file {
 
-std::error_code WriteAll(int fd, std::string_view bytes) {
+Opened OpenForWriting(const std::filesystem::path& path, Creation creation) {
+  const int flags = creation == Creation::kNewOnly ? O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC
+                                                   : O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW;
+  const int fd = ::open(path.c_str(), flags, 0644);
+  if (fd < 0) {
+    const int error = errno;
+    return {.error = {error, std::generic_category()}, .nameTaken = error == EEXIST};
+  }
+  return {.file = fd};
+}
+
+std::error_code WriteAll(Handle file, std::string_view bytes) {
+  const int fd = static_cast<int>(file);
   for (std::size_t done = 0; done < bytes.size();) {
     const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
     if (n < 0) {
       if (errno == EINTR) continue;
-      return {errno, std::generic_category()};
+      return LastError();
     }
     done += static_cast<std::size_t>(n);
   }
   return {};
 }
 
-// A temporary file this process made for itself is never kept, so no crash can cost the user anything
-// there: it is written in place, neither flushed nor renamed. A single-sheet run saves its working
-// file once per page.
-std::error_code WriteOwnTempFile(const std::filesystem::path& path, std::string_view bytes) {
-  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0644);
-  if (fd < 0) return {errno, std::generic_category()};
-  std::error_code result = WriteAll(fd, bytes);
-  if (::close(fd) != 0 && !result) result = {errno, std::generic_category()};
-  if (result) ::unlink(path.c_str());
-  return result;
+std::error_code FlushToDisk(Handle file) {
+  return ::fsync(static_cast<int>(file)) == 0 ? std::error_code() : LastError();
 }
 
-}  // namespace
-
-std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
-  if (IsThisProcessTempFile(path)) return WriteOwnTempFile(path, bytes);
-  static std::atomic<unsigned> serial{0};
-  std::filesystem::path temp;
-  int fd = -1;
-  // A file of that name can only be left from an earlier process of the same id: take the next one.
-  for (int attempt = 0; fd < 0 && attempt < 100; ++attempt) {
-    temp = path.parent_path() / (path.filename().string() + OwnTempSuffix(++serial));
-    fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-    if (fd < 0 && errno != EEXIST) break;
-  }
-  if (fd < 0) return {errno, std::generic_category()};
-  std::error_code result = WriteAll(fd, bytes);
-  if (!result && ::fsync(fd) != 0) result = {errno, std::generic_category()};
-  if (::close(fd) != 0 && !result) result = {errno, std::generic_category()};
-  if (!result && ::rename(temp.c_str(), path.c_str()) != 0) result = {errno, std::generic_category()};
-  if (result) ::unlink(temp.c_str());
-  return result;
+std::error_code Close(Handle file) {
+  return ::close(static_cast<int>(file)) == 0 ? std::error_code() : LastError();
 }
+
+std::error_code RenameOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+  return ::rename(from.c_str(), to.c_str()) == 0 ? std::error_code() : LastError();
+}
+
+void Remove(const std::filesystem::path& path) {
+  ::unlink(path.c_str());
+}
+
+}  // namespace platform_file
 
 }  // namespace sw::base

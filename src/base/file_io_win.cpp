@@ -1,11 +1,11 @@
 #include <windows.h>
 
-#include <atomic>
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
 #include "base/file_io.h"
-#include "base/own_temp_files.h"
+#include "base/file_io_platform.h"
 
 namespace sw::base {
 
@@ -37,59 +37,61 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& path, std:
   return bytes;
 }
 
+namespace platform_file {
+
 namespace {
 
 std::error_code LastWindowsError() {
   return {static_cast<int>(GetLastError()), std::system_category()};
 }
 
-std::error_code WriteAll(HANDLE file, std::string_view bytes) {
+HANDLE Native(Handle file) {
+  return reinterpret_cast<HANDLE>(file);
+}
+
+}  // namespace
+
+Opened OpenForWriting(const std::filesystem::path& path, Creation creation) {
+  const DWORD disposition = creation == Creation::kNewOnly ? CREATE_NEW : CREATE_ALWAYS;
+  const HANDLE file =
+      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    const DWORD error = GetLastError();
+    return {.error = {static_cast<int>(error), std::system_category()}, .nameTaken = error == ERROR_FILE_EXISTS};
+  }
+  return {.file = reinterpret_cast<Handle>(file)};
+}
+
+std::error_code WriteAll(Handle file, std::string_view bytes) {
   for (std::size_t done = 0; done < bytes.size();) {
     DWORD written = 0;
     const DWORD chunk = static_cast<DWORD>(std::min<std::size_t>(bytes.size() - done, 1u << 30));
-    if (!WriteFile(file, bytes.data() + done, chunk, &written, nullptr)) return LastWindowsError();
+    if (!WriteFile(Native(file), bytes.data() + done, chunk, &written, nullptr)) return LastWindowsError();
     done += written;
   }
   return {};
 }
 
-// A temporary file this process made for itself is never kept, so no crash can cost the user anything
-// there: it is written in place, neither flushed nor renamed. A single-sheet run saves its working
-// file once per page.
-std::error_code WriteOwnTempFile(const std::filesystem::path& path, std::string_view bytes) {
-  HANDLE file =
-      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return LastWindowsError();
-  const std::error_code result = WriteAll(file, bytes);
-  CloseHandle(file);
-  if (result) DeleteFileW(path.c_str());
-  return result;
+std::error_code FlushToDisk(Handle file) {
+  return FlushFileBuffers(Native(file)) ? std::error_code() : LastWindowsError();
 }
 
-}  // namespace
-
-std::error_code WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
-  if (IsThisProcessTempFile(path)) return WriteOwnTempFile(path, bytes);
-  static std::atomic<unsigned> serial{0};
-  std::filesystem::path temp;
-  HANDLE file = INVALID_HANDLE_VALUE;
-  // A file of that name can only be left from an earlier process of the same id: take the next one.
-  for (int attempt = 0; file == INVALID_HANDLE_VALUE && attempt < 100; ++attempt) {
-    const std::string suffix = OwnTempSuffix(++serial);
-    temp = path.parent_path() / (path.filename().wstring() + std::wstring(suffix.begin(), suffix.end()));
-    file = CreateFileW(temp.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) break;
-  }
-  if (file == INVALID_HANDLE_VALUE) return LastWindowsError();
-  std::error_code result = WriteAll(file, bytes);
-  if (!result && !FlushFileBuffers(file)) result = LastWindowsError();
-  CloseHandle(file);
-  if (!result &&
-      !MoveFileExW(temp.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-    result = LastWindowsError();
-  }
-  if (result) DeleteFileW(temp.c_str());
-  return result;
+std::error_code Close(Handle file) {
+  // Windows reports nothing here that the written contents depend on.
+  CloseHandle(Native(file));
+  return {};
 }
+
+std::error_code RenameOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+  return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)
+             ? std::error_code()
+             : LastWindowsError();
+}
+
+void Remove(const std::filesystem::path& path) {
+  DeleteFileW(path.c_str());
+}
+
+}  // namespace platform_file
 
 }  // namespace sw::base

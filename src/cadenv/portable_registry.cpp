@@ -212,6 +212,16 @@ std::optional<RegistryValue> PortableRegistry::ValueAt(RootKey root, std::string
 bool PortableRegistry::SetStringValue(RootKey root, std::string_view keyPath, std::string_view valueName,
                                       std::string_view text) {
   if (HasLineBreak(keyPath) || HasLineBreak(valueName)) return false;
+  // A run saves the same folders and lengths as the run before it: a value the file already holds
+  // is left as it is, without taking the lock or flushing a new file to the disk.
+  if (const Snapshot& current = Load(); current.readable && !current.broken) {
+    if (const RegKey* key = current.tree.FindKey(root, keyPath)) {
+      if (const RegistryValue* value = key->FindValue(valueName);
+          value && value->type == ValueType::kString && value->data == text) {
+        return true;
+      }
+    }
+  }
   return Update([&](RegTree& tree) {
     RegKey* key = tree.CreateKey(root, keyPath);
     if (!key) return false;

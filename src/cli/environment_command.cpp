@@ -11,6 +11,7 @@
 #include "cli/console_dialogs.h"
 #include "cli/json_writer.h"
 #include "cli/user_settings.h"
+#include "session/environment_report.h"
 #include "settings/settings.h"
 #include "settings/start_log.h"
 
@@ -35,18 +36,17 @@ void WriteJsonList(std::ostream& out, const std::vector<std::string>& items) {
   out << ']';
 }
 
-void WriteJson(std::ostream& out, const session::Session& window) {
+void WriteJson(std::ostream& out, const session::EnvironmentReport& found) {
   out << "{\"templateDirs\": ";
-  WriteJsonList(out, window.TemplateDirectories().items);
-  out << ", \"templateDir\": " << JsonString(window.TemplateDirectories().text) << ", \"templates\": ";
-  WriteJsonList(out, window.Templates().items);
-  out << ", \"template\": " << JsonString(window.Templates().text) << ", \"templateError\": "
-      << (window.Templates().errorLabelVisible ? JsonString(window.Templates().errorLabel) : "null")
-      << ", \"dumps\": ";
-  WriteJsonList(out, window.ReportDumps().items);
-  out << ", \"dump\": " << JsonString(window.ReportDumps().text)
-      << ", \"reportId\": " << JsonString(window.CurrentReportId()) << ", \"sheetNumbers\": ";
-  WriteJsonList(out, window.SheetNumbers().items);
+  WriteJsonList(out, found.templateDirs);
+  out << ", \"templateDir\": " << JsonString(found.templateDir) << ", \"templates\": ";
+  WriteJsonList(out, found.templates);
+  out << ", \"template\": " << JsonString(found.templateName) << ", \"templateError\": "
+      << (found.templateError ? JsonString(*found.templateError) : "null") << ", \"dumps\": ";
+  WriteJsonList(out, found.dumps);
+  out << ", \"dump\": " << JsonString(found.dump) << ", \"reportId\": " << JsonString(found.reportId)
+      << ", \"sheetNumbers\": ";
+  WriteJsonList(out, found.sheetNumbers);
   out << "}\n";
 }
 
@@ -55,20 +55,20 @@ void WriteList(std::ostream& out, const char* heading, const std::vector<std::st
   for (const auto& item : items) out << "  " << item << "\n";
 }
 
-void WriteText(std::ostream& out, const session::Session& window) {
-  WriteList(out, "Template directories", window.TemplateDirectories().items);
-  out << "Template directory chosen: " << window.TemplateDirectories().text << "\n";
-  WriteList(out, "Templates", window.Templates().items);
-  if (window.Templates().errorLabelVisible) {
-    out << "Template matched: none - " << window.Templates().errorLabel << "\n";
+void WriteText(std::ostream& out, const session::EnvironmentReport& found) {
+  WriteList(out, "Template directories", found.templateDirs);
+  out << "Template directory chosen: " << found.templateDir << "\n";
+  WriteList(out, "Templates", found.templates);
+  if (found.templateError) {
+    out << "Template matched: none - " << *found.templateError << "\n";
   } else {
-    out << "Template matched: " << window.Templates().text << "\n";
+    out << "Template matched: " << found.templateName << "\n";
   }
-  WriteList(out, "Report dumps", window.ReportDumps().items);
-  out << "Report dump chosen: " << window.ReportDumps().text << "\n";
-  out << "Current report: " << window.CurrentReportId() << "\n";
+  WriteList(out, "Report dumps", found.dumps);
+  out << "Report dump chosen: " << found.dump << "\n";
+  out << "Current report: " << found.reportId << "\n";
   out << "Sheet numbers:";
-  for (const auto& item : window.SheetNumbers().items) out << " " << (item.empty() ? "\"\"" : item);
+  for (const auto& item : found.sheetNumbers) out << " " << (item.empty() ? "\"\"" : item);
   out << "\n";
 }
 
@@ -96,10 +96,11 @@ int RunEnvironmentWith(const EnvironmentOptions& options, cadenv::Registry& regi
   CliSession cli(err, {.answerYes = false, .readOnly = true}, registry, settings, environment);
   auto& window = cli.Session();
   window.Start();
+  const session::EnvironmentReport found = session::DescribeEnvironment(window);
   if (options.json) {
-    WriteJson(out, window);
+    WriteJson(out, found);
   } else {
-    WriteText(out, window);
+    WriteText(out, found);
   }
   return out.good() ? 0 : 1;
 }

@@ -22,8 +22,9 @@ struct SheetRef {
 
 // What part of a sheet a range covers. Rows and columns are 1-based and inclusive.
 enum class RangeShape { kCells, kEntireRows, kEntireColumns, kAllCells };
-// How the caller reached the range; only the recording double cares (Selection.Copy reads better
-// than the address it stands for).
+// How the caller reached the range. The engine over Excel itself calls Excel's own Selection or
+// ActiveCell for such a range, so that after a Select Excel refused the call still works on what Excel
+// has selected, as the program always did; the recording double writes it down as "Selection.Copy".
 enum class RangeOrigin { kAddress, kSelection, kActiveCell };
 
 struct RangeRef {

@@ -61,6 +61,8 @@ CommandBars BuildCommandBars(QMainWindow& window, const CommandDispatcher& dispa
   auto command = [&](int id) { return MakeCommand(window, dispatcher, id); };
   QAction* undo = command(kCommandUndo);
   QAction* redo = command(kCommandRedo);
+  QAction* findPlacement = command(kCommandFindPlacement);
+  QAction* goToPage = command(kCommandGoToPage);
   QAction* generate = command(kCommandGenerate);
   QAction* exit = command(kCommandExit);
   QAction* standardBar = command(kCommandStandardToolbar);
@@ -84,6 +86,9 @@ CommandBars BuildCommandBars(QMainWindow& window, const CommandDispatcher& dispa
   QMenu* file = addMenu(bar, "&Arkiv", "mnuArkiv");
   file->addAction(undo);
   file->addAction(redo);
+  file->addSeparator();
+  file->addAction(findPlacement);
+  file->addAction(goToPage);
   file->addSeparator();
   // Filled by the window with the dumps last chosen.
   addMenu(file, "&Senaste textfiler", "mnuSenaste");

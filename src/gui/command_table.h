@@ -10,6 +10,8 @@ namespace sw::gui {
 inline constexpr int kCommandExit = 100;
 inline constexpr int kCommandUndo = 201;
 inline constexpr int kCommandRedo = 202;
+inline constexpr int kCommandFindPlacement = 203;
+inline constexpr int kCommandGoToPage = 204;
 inline constexpr int kCommandEditIni = 302;
 inline constexpr int kCommandEditTemplate = 303;
 inline constexpr int kCommandOptions = 304;

@@ -65,15 +65,13 @@ int main(int argc, char** argv) {
 
   // The window opens again after restoring the standard look, from the settings that wrote.
   for (;;) {
-    sw::gui::MainWindow window({.registry = *registry,
-                                .settings = settings,
-                                .environment = sw::base::ProcessEnvironment(),
-                                .dialogs = dialogs,
-                                .launcher = *launcher,
-                                .startLog = &startLog,
-                                .programFolder = programFolder,
-                                .createExcel = {},
-                                .openWorkbook = {}});
+    sw::gui::MainWindow window({.session = {.registry = *registry,
+                                            .settings = settings,
+                                            .environment = sw::base::ProcessEnvironment(),
+                                            .dialogs = dialogs,
+                                            .launcher = *launcher,
+                                            .startLog = &startLog,
+                                            .programFolder = programFolder}});
     dialogs.SetOwner(&window);
     window.show();
     for (const auto& notice : settingsFile.outcome.notices) dialogs.ShowMessage(sw::base::AsMessage(notice));

@@ -1,6 +1,7 @@
 #include "gui/main_window.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDesktopServices>
@@ -12,17 +13,21 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTimer>
 #include <QToolBar>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -42,7 +47,10 @@
 #include "gui/theme_look.h"
 #include "preview/preview_controls.h"
 #include "preview/preview_edits.h"
+#include "session/column_fit.h"
 #include "session/editing_messages.h"
+#include "session/environment_report.h"
+#include "session/preview_navigation.h"
 #include "session/themes.h"
 #include "session/toolbar_layout.h"
 #include "settings/window_placement.h"
@@ -96,27 +104,27 @@ void FillBackground(QWidget* widget, const QColor& colour) {
 }  // namespace
 
 MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
-    : QMainWindow(parent), services_(std::move(services)), warning_(services_.settings, this) {
+    : QMainWindow(parent), services_(std::move(services)), warning_(services_.session.settings, this) {
   setObjectName(QStringLiteral("frmMain"));
   setWindowTitle(QString::fromUtf8(base::kApplicationTitle));
   setAcceptDrops(true);
   BuildWidgets();
   BuildCommands();
   progress_ = std::make_unique<ProgressBarLoadProgress>(progressBar_, [this](bool busy) { SetBusy(busy); });
-  session_ = std::make_unique<session::Session>(session::SessionServices{
-      .registry = services_.registry,
-      .settings = services_.settings,
-      .environment = services_.environment,
-      .dialogs = services_.dialogs,
-      .launcher = services_.launcher,
-      .startLog = services_.startLog,
-      .progress = progress_.get(),
-      .warning = &warning_,
-      .createExcel = services_.createExcel,
-      .programFolder = services_.programFolder,
-      .setMousePointer = [this](generate::MousePointer pointer) { SetGenerationPointer(pointer); },
-      .layoutColumns = [this] { columnsNeedLayout_ = true; }});
+  session::SessionServices sessionServices = services_.session;
+  sessionServices.progress = progress_.get();
+  sessionServices.warning = &warning_;
+  sessionServices.setMousePointer = [this](generate::MousePointer pointer) { SetGenerationPointer(pointer); };
+  sessionServices.layoutColumns = [this] { columnsNeedLayout_ = true; };
+  session_ = std::make_unique<session::Session>(std::move(sessionServices));
   session_->AddObserver(*this);
+  // The CAD system writes its report again while the window is open; a timer asks, since a watcher
+  // loses a file that is replaced rather than written over.
+  dumpWatch_ = new QTimer(this);
+  dumpWatch_->setObjectName(QStringLiteral("tmrDumpWatch"));
+  dumpWatch_->setInterval(1000);
+  connect(dumpWatch_, &QTimer::timeout, this, &MainWindow::CheckDumpOnDisk);
+  dumpWatch_->start();
   model_ = new ReportTableModel(session_->Table(), this);
   grid_->setModel(model_);
   ConnectWidgets();
@@ -129,9 +137,9 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
       // the width the user will see.
       layout()->activate();
       centralWidget()->layout()->activate();
-      theme_ = session::StartTheme(services_.settings);
+      theme_ = session::StartTheme(services_.session.settings);
       const QByteArray layout = QByteArray::fromBase64(QByteArray::fromStdString(
-          session::LoadToolbarLayout(services_.settings, settings::kMainWindowName)));
+          session::LoadToolbarLayout(services_.session.settings, settings::kMainWindowName)));
       if (!layout.isEmpty()) restoreState(layout, kToolbarLayoutVersion);
       Command(kCommandStandardToolbar)->setChecked(!bars_.standard()->isHidden());
       ShowTheme(theme_);
@@ -223,8 +231,29 @@ void MainWindow::BuildWidgets() {
   fraFields_->setVisible(false);
   outer->addWidget(fraFields_);
 
-  grid_ = new PreviewGrid(central);
-  outer->addWidget(grid_, 1);
+  // The grid, or in its place what the start looked for when it found nothing to show.
+  gridArea_ = new QStackedWidget(central);
+  gridArea_->setObjectName(QStringLiteral("stkGridArea"));
+  grid_ = new PreviewGrid(gridArea_);
+  gridArea_->addWidget(grid_);
+  nothingFound_ = new QWidget(gridArea_);
+  nothingFound_->setObjectName(QStringLiteral("pnlNothingFound"));
+  // Whatever the text says, the window's least size is the grid's.
+  nothingFound_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+  auto* nothingLayout = new QVBoxLayout(nothingFound_);
+  lblNothingFound_ = new QLabel(nothingFound_);
+  lblNothingFound_->setObjectName(QStringLiteral("lblNothingFound"));
+  lblNothingFound_->setWordWrap(true);
+  lblNothingFound_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  lblNothingFound_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+  auto* chooseDump = new QPushButton(QString::fromUtf8("Välj textfil..."), nothingFound_);
+  chooseDump->setObjectName(QStringLiteral("btnChooseTextFile"));
+  connect(chooseDump, &QPushButton::clicked, this, [this] { dispatcher_.Dispatch(kCommandChooseTextFile); });
+  nothingLayout->addWidget(lblNothingFound_);
+  nothingLayout->addWidget(chooseDump, 0, Qt::AlignLeft);
+  nothingLayout->addStretch(1);
+  gridArea_->addWidget(nothingFound_);
+  outer->addWidget(gridArea_, 1);
   setCentralWidget(central);
 
   progressBar_ = new QProgressBar(this);
@@ -277,12 +306,14 @@ void MainWindow::ConnectCommands() {
     for (const auto& text : CommandTexts()) {
       if (text.id == id) doing += " \"" + base::RemoveAll(text.caption, "&") + "\"";
     }
-    services_.dialogs.ShowMessage(
+    services_.session.dialogs.ShowMessage(
         {base::OutOfMemoryMessage(doing), "Fel", base::MessageIcon::kCritical, base::MessageButtons::kOk});
   });
   on.On(kCommandExit, [this] { close(); });
   on.On(kCommandUndo, [this] { Apply([this] { session_->Undo(); }); });
   on.On(kCommandRedo, [this] { Apply([this] { session_->Redo(); }); });
+  on.On(kCommandFindPlacement, [this] { FindPlacement(); });
+  on.On(kCommandGoToPage, [this] { GoToPage(); });
   // The Delete key on the grid, as the popup's "Radera placering" on the current row.
   on.On(preview::kCommandDeletePlacement,
         [this] { Apply([this, row = grid_->CurrentTableRow()] { session_->DeletePlacementAt(row); }); });
@@ -310,7 +341,7 @@ void MainWindow::ConnectCommands() {
   // Without Excel the dump is first written as a workbook, which takes a while for a long dump.
   on.On(kCommandEditDump, [this] { RunBusy([this] { session_->EditReportDump(); }); });
   on.On(kCommandOptions, [this] {
-    RunOptionsDialog(this, *session_, services_.settings,
+    RunOptionsDialog(this, *session_, services_.session.settings,
                      [this](const std::function<void()>& op) { Apply(op); });
   });
   on.On(kCommandAbout, [this] { RunAboutBox(this, ThemeColour()); });
@@ -322,7 +353,7 @@ std::int32_t MainWindow::ThemeColour() const {
 }
 
 void MainWindow::ApplyTheme(int themeNumber) {
-  services_.settings.SaveAppSetting("Theme", std::to_string(themeNumber));
+  services_.session.settings.SaveAppSetting("Theme", std::to_string(themeNumber));
   ShowTheme(themeNumber);
 }
 
@@ -348,6 +379,15 @@ void MainWindow::ShowCommands() {
   Command(kCommandSingleSheet)->setEnabled(ws.SingleSheetEnabled());
   Command(kCommandUndo)->setEnabled(ws.CanUndo());
   Command(kCommandRedo)->setEnabled(ws.CanRedo());
+  // Without a template, or without a dump, these would only say that there is none.
+  const bool templateChosen = session::TemplateChosen(ws);
+  Command(kCommandEditTemplate)->setEnabled(templateChosen);
+  Command(kCommandEditIni)->setEnabled(templateChosen);
+  Command(kCommandGenerate)->setEnabled(templateChosen && !iniBlocksGenerate_);
+  Command(kCommandEditDump)->setEnabled(!ws.ReportDumps().text.empty());
+  const bool rows = ws.Table().Rows() > 1;
+  Command(kCommandFindPlacement)->setEnabled(rows);
+  Command(kCommandGoToPage)->setEnabled(rows);
 }
 
 void MainWindow::ToggleStandardToolbar() {
@@ -357,7 +397,7 @@ void MainWindow::ToggleStandardToolbar() {
 }
 
 void MainWindow::ResetAppearance() {
-  const auto defaults = session::AskResetAppearance(services_.dialogs, services_.programFolder);
+  const auto defaults = session::AskResetAppearance(services_.session.dialogs, services_.session.programFolder);
   if (!defaults) return;
   // The window closes with its usual saves; closing finishes the reset, and the program opens the
   // window again from the settings the defaults file wrote.
@@ -406,6 +446,14 @@ void MainWindow::ConnectWidgets() {
     });
   }
 
+  // Columns the user has not resized are fitted again to the grid's new width, so that the layout of
+  // a load does not depend on whether the window had its final size yet.
+  connect(grid_->horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
+    if (!layingOutColumns_) columnsFitted_ = false;
+  });
+  connect(grid_, &PreviewGrid::resized, this, [this] {
+    if (columnsFitted_ && !busy_ && !model_->Frozen()) LayOutColumns();
+  });
   connect(grid_, &PreviewGrid::popupRequested, this, &MainWindow::ShowPopup);
   connect(grid_, &PreviewGrid::rowDoubleClicked, this, &MainWindow::DoubleClickRow);
 }
@@ -432,13 +480,13 @@ bool MainWindow::RestorePlacement() {
   auto pixels = [twips](float value) { return static_cast<int>(std::lround(value / twips)); };
   const QSize least(pixels(settings::kMainWindowDefaultSize), pixels(settings::kMainWindowDefaultSize));
   const std::string_view section = settings::kMainWindowName;
-  const bool placed = !services_.settings.GetAppSetting("Top", "", section).empty() ||
-                      !services_.settings.GetAppSetting("Left", "", section).empty();
+  const bool placed = !services_.session.settings.GetAppSetting("Top", "", section).empty() ||
+                      !services_.session.settings.GetAppSetting("Left", "", section).empty();
   if (!placed) return false;
   const QScreen* display = screen() ? screen() : QGuiApplication::primaryScreen();
   const QRect screenArea = display ? display->geometry() : QRect(0, 0, 1024, 768);
   const auto placement = settings::RestoreWindowPlacement(
-      services_.settings, settings::kMainWindowName, settings::kMainWindowDefaultSize,
+      services_.session.settings, settings::kMainWindowName, settings::kMainWindowDefaultSize,
       settings::kMainWindowDefaultSize,
       {static_cast<float>(screenArea.width() * twips), static_cast<float>(screenArea.height() * twips)});
   // Kept on the screen it was on (or the primary one) as the screens are now: another layout or scale
@@ -492,23 +540,23 @@ void MainWindow::SavePlacement() {
       .height = static_cast<float>(normal.height() * twips),
       .width = static_cast<float>(normal.width() * twips),
       .state = isMaximized() ? settings::WindowState::kMaximised : settings::WindowState::kNormal};
-  settings::SaveMainWindowAtClose(services_.settings, settings::PlacementAtClose(placement));
+  settings::SaveMainWindowAtClose(services_.session.settings, settings::PlacementAtClose(placement));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   SavePlacement();
   session_->Close();
-  session::SaveToolbarLayout(services_.settings, settings::kMainWindowName,
+  session::SaveToolbarLayout(services_.session.settings, settings::kMainWindowName,
                              saveState(kToolbarLayoutVersion).toBase64().toStdString());
   event->accept();
   if (defaultsFile_) {
     std::unique_ptr<session::DefaultsMerger> platformMerger;
     session::DefaultsMerger* merger = services_.defaultsMerger;
     if (!merger) {
-      platformMerger = session::CreateDefaultsMerger(services_.launcher, services_.settings);
+      platformMerger = session::CreateDefaultsMerger(services_.session.launcher, services_.session.settings);
       merger = platformMerger.get();
     }
-    session::RestoreStandardAppearance(services_.settings, *merger, settings::kMainWindowName,
+    session::RestoreStandardAppearance(services_.session.settings, *merger, settings::kMainWindowName,
                                        *defaultsFile_);
     defaultsFile_.reset();
     restartRequested_ = true;
@@ -541,8 +589,10 @@ void MainWindow::Apply(const std::function<void()>& operation) {
   if (columnsNeedLayout_) {
     LayOutColumns();
   } else if (static_cast<int>(widths.size()) == model_->columnCount()) {
+    layingOutColumns_ = true;
     for (int c = 0; c < model_->columnCount(); ++c)
       grid_->setColumnWidth(c, widths[static_cast<std::size_t>(c)]);
+    layingOutColumns_ = false;
   }
   if (currentRow >= 1 && model_->rowCount() > 0) {
     const int row = std::min(currentRow, model_->rowCount()) - 1;
@@ -555,20 +605,20 @@ void MainWindow::Apply(const std::function<void()>& operation) {
 void MainWindow::LayOutColumns() {
   const int columns = model_->columnCount();
   if (columns == 0) return;
-  const double twips = TwipsPerPixel();
-  std::vector<int> widths;
-  for (int c = 0; c < columns; ++c)
-    widths.push_back(static_cast<int>(std::lround(grid_->columnWidth(c) * twips)));
-  // The control's own width, as the layout rule counts it (it leaves room for the borders itself).
-  const int gridWidth = static_cast<int>(std::lround(grid_->width() * twips));
-  widths = preview::LayOutColumnWidths(std::move(widths), gridWidth);
-  // Then each column grows to its contents (headings, the rows on screen and a sample of the rest).
+  const bool wasLayingOut = layingOutColumns_;
+  layingOutColumns_ = true;
+  // Each column's contents: headings, the rows on screen and a sample of the rest.
+  std::vector<int> contents;
   for (int c = 0; c < columns; ++c) {
-    const int laidOut = static_cast<int>(std::lround(widths[static_cast<std::size_t>(c)] / twips));
     grid_->resizeColumnToContents(c);
-    const int contents = grid_->columnWidth(c);
-    grid_->setColumnWidth(c, std::max(laidOut, contents));
+    contents.push_back(grid_->columnWidth(c));
   }
+  // The room for rows, counted the same whether or not the vertical scroll bar shows yet.
+  const int view = grid_->width() - 2 * grid_->frameWidth() - grid_->verticalScrollBar()->sizeHint().width();
+  const auto widths = session::FitColumnWidths(std::move(contents), view);
+  for (int c = 0; c < columns; ++c) grid_->setColumnWidth(c, widths[static_cast<std::size_t>(c)]);
+  columnsFitted_ = true;
+  layingOutColumns_ = wasLayingOut;
 }
 
 void MainWindow::ShowSession() {
@@ -598,6 +648,7 @@ void MainWindow::ShowSession() {
   QString text = QString::fromUtf8("Rader: %1   Placeringar: %2").arg(summary.rows).arg(summary.placements);
   if (summary.pages) text += QString::fromUtf8("   Sidor: %1").arg(*summary.pages);
   summary_->setText(text);
+  ShowGridArea();
   ShowCommands();
   ShowRecentDumps();
 }
@@ -680,8 +731,94 @@ void MainWindow::SwitchView(bool toFields) {
 void MainWindow::UpdateGenerateEnabled() {
   // Set when the view switches, as the command bars always did: a template whose INI file has to be
   // edited first cannot be generated from.
-  const bool iniToEdit = iniEditRequested_ || session_->Definition().IniError;
-  Command(kCommandGenerate)->setEnabled(!iniToEdit);
+  iniBlocksGenerate_ = iniEditRequested_ || session_->Definition().IniError;
+  Command(kCommandGenerate)->setEnabled(!iniBlocksGenerate_ && session::TemplateChosen(*session_));
+}
+
+namespace {
+
+// A one-line question in the look of the program's other dialogs; nothing when it was cancelled.
+std::optional<QString> AskText(QWidget* parent, const char* objectName, const char* title, const char* label,
+                               const QString& initial) {
+  QInputDialog dialog(parent);
+  dialog.setObjectName(QString::fromUtf8(objectName));
+  dialog.setWindowTitle(QString::fromUtf8(title));
+  dialog.setLabelText(QString::fromUtf8(label));
+  dialog.setInputMode(QInputDialog::TextInput);
+  dialog.setTextValue(initial);
+  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  return dialog.textValue();
+}
+
+}  // namespace
+
+void MainWindow::FindPlacement() {
+  if (session_->Table().Rows() <= 1) return;
+  const auto text = AskText(this, "dlgSokPlacering", "Sök placering", "Placering som innehåller:", lastSearch_);
+  if (!text) return;
+  lastSearch_ = *text;
+  const auto found = session::FindPlacement(session_->Table(), S(*text), grid_->CurrentTableRow());
+  if (!found.row) {
+    services_.dialogs.ShowMessage(
+        {found.message, "Sök placering", base::MessageIcon::kInformation, base::MessageButtons::kOk});
+    return;
+  }
+  SelectTableRow(*found.row);
+}
+
+void MainWindow::GoToPage() {
+  if (session_->Table().Rows() <= 1) return;
+  const auto text = AskText(this, "dlgGaTillSida", "Gå till sida", "Sidnummer:", QString());
+  if (!text) return;
+  bool number = false;
+  const int page = text->trimmed().toInt(&number);
+  const auto target = session::FirstRowOfPage(session_->Table(), number ? page : 0);
+  if (!target.row) {
+    services_.dialogs.ShowMessage(
+        {target.message, "Gå till sida", base::MessageIcon::kExclamation, base::MessageButtons::kOk});
+    return;
+  }
+  SelectTableRow(*target.row);
+}
+
+void MainWindow::SelectTableRow(int tableRow) {
+  const QModelIndex index = model_->index(tableRow - 1, 0);
+  if (!index.isValid()) return;
+  grid_->setCurrentIndex(index);
+  grid_->scrollTo(index, QAbstractItemView::PositionAtTop);
+  grid_->setFocus(Qt::OtherFocusReason);
+}
+
+void MainWindow::CheckDumpOnDisk() {
+  // Never over a load, a dialog (the question itself included) or a run.
+  if (busy_ || askingReload_ || QApplication::activeModalWidget() || QApplication::activePopupWidget()) return;
+  if (!session_->DumpChangedOnDisk()) return;
+  askingReload_ = true;
+  statusBar()->showMessage(QString::fromUtf8("Rapportfilen har ändrats på disken."));
+  const auto answer = services_.dialogs.ShowMessage(
+      {"Rapportfilen " + session_->ReportDumps().text +
+           " har ändrats på disken.\r\nVill du läsa in den igen? Ändringarna i förhandsgranskningen går då "
+           "förlorade.",
+       "Rapportfilen har ändrats", base::MessageIcon::kQuestion, base::MessageButtons::kYesNo});
+  if (answer == base::MessageAnswer::kYes) {
+    Apply([this] { session_->ReloadChangedDump(); });
+    statusBar()->showMessage(QString::fromUtf8("Rapportfilen är inläst igen."));
+  } else {
+    session_->KeepDumpOnScreen();
+  }
+  askingReload_ = false;
+}
+
+void MainWindow::ShowGridArea() {
+  const session::Session& ws = *session_;
+  if (session::NoInstallationFound(ws)) {
+    QStringList lines;
+    for (const auto& line : session::NothingFoundLines(ws)) lines << Q(line);
+    lblNothingFound_->setText(lines.join(QLatin1Char('\n')));
+    gridArea_->setCurrentWidget(nothingFound_);
+  } else {
+    gridArea_->setCurrentWidget(grid_);
+  }
 }
 
 void MainWindow::SetBusy(bool busy) {
@@ -750,7 +887,7 @@ void MainWindow::Generate() {
   const bool opened = services_.openWorkbook ? services_.openWorkbook(host)
                                              : QDesktopServices::openUrl(QUrl::fromLocalFile(Q(host)));
   // Told as the editing commands tell it: the workbook is written, only nothing shows it.
-  if (!opened) session::TellNothingStarted(services_.dialogs, host);
+  if (!opened) session::TellNothingStarted(services_.session.dialogs, host);
 }
 
 }  // namespace sw::gui

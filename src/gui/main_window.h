@@ -34,6 +34,8 @@ class QLabel;
 class QProgressBar;
 class QGroupBox;
 class QToolBar;
+class QStackedWidget;
+class QTimer;
 
 namespace sw::gui {
 
@@ -42,15 +44,10 @@ class PreviewGrid;
 class ProgressBarLoadProgress;
 class ReportTableModel;
 
+// What the window is given: the session's services, of which the window fills in its own load
+// progress, single-sheet warning, hourglass and column layout, and the two things only it does.
 struct MainWindowServices {
-  cadenv::Registry& registry;
-  settings::Settings& settings;
-  const base::Environment& environment;
-  base::Dialogs& dialogs;
-  base::ProcessLauncher& launcher;               // a faulty INI file opened for editing
-  const settings::StartLog* startLog = nullptr;  // start-up trace, when switched on
-  std::string programFolder;                     // the dialogs' folder until one is remembered
-  generate::ApplicationFactory createExcel;      // empty: the workbook engine of this platform
+  session::SessionServices session;
   // Opens the workbook a generation leaves showing (host path), false when no program could be started;
   // empty: the desktop's default application.
   std::function<bool(const std::string&)> openWorkbook;
@@ -115,6 +112,15 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   void DoubleClickRow(int tableRow);
   void SwitchView(bool toFields);
   void UpdateGenerateEnabled();
+  // Ctrl+F: the next placement whose name holds the text asked for; Ctrl+G: the first row of a page.
+  void FindPlacement();
+  void GoToPage();
+  // Makes report row `tableRow` current and scrolls it into view.
+  void SelectTableRow(int tableRow);
+  // The dump on screen written again: told in the status bar, then the user chooses to load it again.
+  void CheckDumpOnDisk();
+  // The grid, or what was looked for when nothing of an installation was found.
+  void ShowGridArea();
   // Runs a long operation as a generation runs: the command bars disabled and the progress bar shown
   // (moving when the operation reports its steps through the session's progress) until it ends, the
   // window repainted at each step. False when another one is running.
@@ -147,6 +153,13 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   std::array<QLabel*, 30> lblField_{};
   std::array<FieldBox*, 30> txtField_{};
   PreviewGrid* grid_ = nullptr;
+  QStackedWidget* gridArea_ = nullptr;
+  QWidget* nothingFound_ = nullptr;
+  QLabel* lblNothingFound_ = nullptr;
+  QTimer* dumpWatch_ = nullptr;
+  bool askingReload_ = false;
+  QString lastSearch_;             // the placement text last searched for
+  bool iniBlocksGenerate_ = false;  // the template's INI file is to be edited before a run
   ReportTableModel* model_ = nullptr;
   QProgressBar* progressBar_ = nullptr;
   QLabel* summary_ = nullptr;
@@ -154,6 +167,8 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   bool fieldsShown_ = false;
   bool busy_ = false;
   bool columnsNeedLayout_ = false;
+  bool columnsFitted_ = false;      // the widths are the load's fit, not the user's own
+  bool layingOutColumns_ = false;   // the window itself is setting widths
   bool hourglassFromGeneration_ = false;
 };
 

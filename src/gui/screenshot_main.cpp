@@ -91,15 +91,12 @@ int main(int argc, char** argv) {
   sw::settings::RegistrySettings settings(*registry);
   sw::gui::QtDialogs dialogs;
   const auto launcher = sw::base::CreateSystemProcessLauncher();
-  MainWindow window({.registry = *registry,
-                     .settings = settings,
-                     .environment = sw::base::ProcessEnvironment(),
-                     .dialogs = dialogs,
-                     .launcher = *launcher,
-                     .startLog = &startLog,
-                     .programFolder = {},
-                     .createExcel = {},
-                     .openWorkbook = {}});
+  MainWindow window({.session = {.registry = *registry,
+                                 .settings = settings,
+                                 .environment = sw::base::ProcessEnvironment(),
+                                 .dialogs = dialogs,
+                                 .launcher = *launcher,
+                                 .startLog = &startLog}});
   window.show();
   // The offscreen screen is 800 pixels wide, which cuts the restored width; the README shows the
   // window as wide as the settings ask, where every toolbar button has room.

@@ -5,28 +5,9 @@
 #include <QStyle>
 #include <QStyleFactory>
 
+#include "session/theme_palette.h"
+
 namespace sw::gui {
-namespace {
-
-// The selection colour that belongs with each look.
-QColor HighlightOf(int themeNumber) {
-  switch (themeNumber) {
-    case 0:
-      return QColor(0x0A, 0x24, 0x6A);  // classic navy
-    case 1:
-      return QColor(0x31, 0x6A, 0xC5);
-    case 2:
-      return QColor(0x31, 0x6A, 0xC5);
-    case 3:
-      return QColor(0x31, 0x6A, 0xC5);
-    case 4:
-      return QColor(0x33, 0x99, 0xFF);
-    default:
-      return QColor(0xFF, 0xBD, 0x69);  // the later look's amber
-  }
-}
-
-}  // namespace
 
 QColor FromPackedColour(std::int32_t packed) {
   const auto value = static_cast<std::uint32_t>(packed);
@@ -40,16 +21,17 @@ void ApplyThemeLook(const session::ThemeEntry& theme) {
   if (QApplication::style()->name().compare(styleName, Qt::CaseInsensitive) != 0) {
     if (QStyle* style = QStyleFactory::create(styleName)) QApplication::setStyle(style);
   }
-  const QColor face = FromPackedColour(theme.colour);
+  const session::ThemePalette colours = session::PaletteOf(theme);
+  const QColor face = FromPackedColour(colours.face);
+  const QColor button = FromPackedColour(colours.button);
   QPalette palette = QApplication::style()->standardPalette();
   palette.setColor(QPalette::Window, face);
-  palette.setColor(QPalette::Button, theme.style == session::ThemeStyle::kClassic ? face : face.lighter(104));
+  palette.setColor(QPalette::Button, button);
   palette.setColor(QPalette::AlternateBase, face.lighter(110));
-  palette.setColor(QPalette::Highlight, HighlightOf(theme.number));
-  const bool lightHighlight = HighlightOf(theme.number).lightness() > 150;
-  palette.setColor(QPalette::HighlightedText, lightHighlight ? Qt::black : Qt::white);
+  palette.setColor(QPalette::Highlight, FromPackedColour(colours.highlight));
+  palette.setColor(QPalette::HighlightedText, FromPackedColour(colours.highlightText));
   palette.setColor(QPalette::Disabled, QPalette::Window, face);
-  palette.setColor(QPalette::Disabled, QPalette::Button, face);
+  palette.setColor(QPalette::Disabled, QPalette::Button, button);
   QApplication::setPalette(palette);
 }
 

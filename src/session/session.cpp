@@ -196,8 +196,10 @@ report::PreviewResult Session::PreviewVoltDump() {
                                        .layoutColumns = services_.layoutColumns,
                                        .reloadTemplateLayout = [this] { ReloadPageLength(); },
                                        .showPageBreaks = [this] { DrawPageBreaks(); }};
+  const FileStamp before = StampOf(base::ResolveWindowsPath(voltDump_.text));
   const auto loaded = report::PreviewVoltDump(table_, context);
   Tell(loaded.notices);
+  WatchLoadedDump(loaded.status, before);
   if (loaded.status != report::PreviewResult::kSkipped) {
     ForgetEdits();
     Notify(Change::kTable | Change::kMarks);

@@ -28,6 +28,7 @@
 #include "report/dump_reader.h"
 #include "report/preview_loader.h"
 #include "report/report_table.h"
+#include "session/dump_watch.h"
 #include "session/edit_history.h"
 #include "session/external_editor.h"
 #include "session/options.h"
@@ -176,6 +177,13 @@ class Session {
   // Loads the dump on screen again (nothing while refreshing); the command line's exit status needs
   // whether it could be read.
   report::PreviewResult ReloadPreview();
+  // The dump on screen was written again since it was loaded (its size, time or file changed), and
+  // the user has not yet chosen to keep the screen over that version (session/dump_watch.cpp).
+  bool DumpChangedOnDisk() const;
+  // The user keeps the preview and its edits: the file as it is now is not told of again.
+  void KeepDumpOnScreen();
+  // The changed dump loaded again as "Uppdatera" loads it, with a new history of edits.
+  void ReloadChangedDump();
 
   // --- The preview grid.
   std::array<preview::PopupCommand, 3> PopupCommands(int row, int pointerY, int headingHeight) const;
@@ -269,6 +277,8 @@ class Session {
   // The page-break marks drawn for the template of the last load or redraw with the current page
   // length; whether the reset ran.
   bool DrawPageBreaks();
+  // After a load: the dump is watched from the state it had before it was read.
+  void WatchLoadedDump(report::PreviewResult result, const FileStamp& before);
   // The template path the editing commands use, or nothing (after telling the user) without a template.
   std::optional<std::string> ChosenTemplateForEditing();
   ExternalEditor& Editor();
@@ -306,6 +316,7 @@ class Session {
   std::string marksFile_;
   EditHistory history_;
   std::vector<std::string> recentDumps_;
+  DumpWatch dumpWatch_;
 };
 
 }  // namespace sw::session

@@ -18,9 +18,9 @@ const std::array<ThemeEntry, 6>& Themes() {
   static const std::array<ThemeEntry, 6> themes{{
       {130, 1, "Office XP", Packed(0xE9, 0xE8, 0xE6), ThemeStyle::kFlat},           // light grey
       {131, 0, "Standard", Packed(0xD4, 0xD0, 0xC8), ThemeStyle::kClassic},         // button face
-      {132, 2, "Office 2003", Packed(0xC3, 0xDA, 0xF9), ThemeStyle::kFlat},         // blue
+      {132, 2, "Office 2003", Packed(0x93, 0xB6, 0xEE), ThemeStyle::kFlat},         // deep blue
       {133, 3, "Normal XP", Packed(0xEC, 0xE9, 0xD8), ThemeStyle::kFlat},           // beige
-      {143, 4, "Visual Studio 2005", Packed(0xE5, 0xE2, 0xD7), ThemeStyle::kFlat},  // grey-beige
+      {143, 4, "Visual Studio 2005", Packed(0xF7, 0xF6, 0xF1), ThemeStyle::kFlat},  // silver-white
       {135, 6, "Office 2007", Packed(0xBF, 0xDB, 0xFF), ThemeStyle::kFlat},         // light blue
   }};
   return themes;

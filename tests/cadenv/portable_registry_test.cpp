@@ -181,6 +181,32 @@ TEST(PortableRegistry, AFileEditedInPlaceIsReadAgain) {
   EXPECT_EQ(ReadValue(registry, "K", "v"), "<default>");
 }
 
+// Each run stores the folders and lengths it used; most runs store what the last one did. A value the
+// file already holds leaves the file as the user or regedit wrote it.
+TEST(PortableRegistry, StoringWhatTheFileAlreadyHoldsLeavesItAsItIs) {
+  TempDir dir;
+  const std::string written = "REGEDIT4\r\n\r\n[HKCU\\K]\r\n\"v\"=\"1\"\r\n\"e\"=\"\"\r\n";
+  const auto file = dir.Write("registry.reg", written);
+  PortableRegistry registry(file);
+  EXPECT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "v", "1"));
+  EXPECT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "k", "V", "1"));
+  EXPECT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "e", ""));
+  EXPECT_EQ(base::ReadWholeFile(file), written);
+
+  // Another value, another type or a value not there yet is written.
+  EXPECT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "v", "2"));
+  EXPECT_NE(base::ReadWholeFile(file), written);
+  EXPECT_EQ(ReadValue(registry, "K", "v"), "2");
+  EXPECT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "w", ""));
+  EXPECT_EQ(EnumRegistryValue(registry, RootKey::kCurrentUser, "K", 2).name, "w");
+
+  // A file that did not parse holds nothing: the value is written, and the file kept aside first.
+  dir.Write("registry.reg", "REGEDIT4\r\n[HKCU\\K]\r\n\"v\"=\"2\"\r\nskadad\r\n");
+  EXPECT_TRUE(registry.SetStringValue(RootKey::kCurrentUser, "K", "v", "2"));
+  EXPECT_EQ(BrokenCopies(dir.path()).size(), 1u);
+  EXPECT_EQ(ReadValue(registry, "K", "v"), "2");
+}
+
 TEST(PortableRegistry, KeepingABrokenFileAsideIsTold) {
   TempDir dir;
   const auto file = dir.Write("registry.reg", "REGEDIT4\r\nskadad\r\n");

@@ -380,6 +380,44 @@ TEST_F(PackageEngineTest, KeepsCellsInOrderAndSharedFormulasWhole) {
       << xml;
 }
 
+// Writes go on in the sheet written last from where the last one ended; whatever happens to the
+// sheets in between (rows cleared away, other sheets written, the sheet parked and parsed again, a
+// save) must leave every value where it was written.
+TEST_F(PackageEngineTest, WritesBetweenOtherEditsLandWhereTheyWereWritten) {
+  app_.Workbooks().Open(TemplatePath("title_block_openpyxl.xlsx"));
+  Workbook book = app_.ActiveWorkbook();
+  Sheets sheets = book.Sheets();
+  for (int copy = 0; copy < 12; ++copy) sheets.Item(1).CopyAfter(sheets.Item(sheets.Count()));
+  Sheet first = sheets.Item(1);
+  first.Cells(40, 1).SetValue("a40");
+  first.Cells(41, 1).SetValue("a41");
+  first.Cells(42, 2).SetValue("b42");
+  first.Range("A41:B42").ClearContents();  // rows 41 and 42 go, row 42 being the one written last
+  first.Cells(42, 3).SetValue("c42");
+  first.Cells(43, 1).SetValue("a43");
+  first.Cells(41, 3).SetValue("c41");
+  first.Cells(39, 1).SetValue("a39");
+  for (int i = 2; i <= sheets.Count(); ++i) sheets.Item(i).Cells(50, 1).SetValue("s" + std::to_string(i));
+  first.Cells(44, 1).SetValue("a44");  // the first sheet was parked meanwhile
+  const std::string saved = temp_.Write("mellan.xlsx", "").string();
+  book.SaveAs(saved);
+  first.Cells(45, 1).SetValue("a45");  // after a save
+
+  const std::vector<std::pair<std::string, std::string>> expected = {
+      {"A39", "a39"}, {"A40", "a40"}, {"A41", ""},    {"B42", ""},   {"C41", "c41"},
+      {"C42", "c42"}, {"A43", "a43"}, {"A44", "a44"}, {"A45", "a45"}};
+  for (const auto& [address, text] : expected) EXPECT_EQ(first.Range(address).Value(), text) << address;
+  for (int i = 2; i <= sheets.Count(); ++i) EXPECT_EQ(sheets.Item(i).Cells(50, 1).Value(), "s" + std::to_string(i));
+
+  // The rows stay in order in the file.
+  Package package = Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx"));
+  int previous = 0;
+  for (const auto row : package.Xml("xl/worksheets/sheet1.xml").document_element().child("sheetData").children("row")) {
+    EXPECT_LT(previous, row.attribute("r").as_int());
+    previous = row.attribute("r").as_int();
+  }
+}
+
 // Formula cells of a package part as "address:type:value"; a formula cell keeps no result once
 // cells were written.
 std::vector<std::string> FormulaCellResults(Package& package, const std::string& part) {

@@ -149,7 +149,8 @@ void CommandBarsTest::menusListTheirEntriesInOrder() {
   const auto menu = [bar](int index) { return bar->actions().at(index)->menu(); };
   QCOMPARE(Entries(menu(0)),
            (QStringList{QString::fromUtf8("cmd201 &Ångra"), QString::fromUtf8("cmd202 &Gör om"), " ",
-                        "> &Senaste textfiler", " ", "cmd403 Generera Excel-dokument", "cmd100 &Avsluta"}));
+                        QString::fromUtf8("cmd203 Sö&k placering..."),
+                        QString::fromUtf8("cmd204 Gå till si&da..."), " ", "> &Senaste textfiler", " ", "cmd403 Generera Excel-dokument", "cmd100 &Avsluta"}));
   QCOMPARE(Entries(menu(1)), (QStringList{QString::fromUtf8("> &Verktygsfält"), "> &Utseende"}));
   QCOMPARE(Entries(SubMenu(menu(1), QString::fromUtf8("&Verktygsfält"))),
            (QStringList{"cmd59392 &Standard"}));

@@ -47,8 +47,9 @@ class NoLauncher final : public base::ProcessLauncher {
 void WithExampleTemplate(FakeInstallation& install);
 
 struct StartedWindow {
-  // `prepare` changes the installation before the window starts.
-  explicit StartedWindow(const std::function<void(FakeInstallation&)>& prepare = {});
+  // `prepare` changes the installation before the window starts; `withCadFiles` false: nothing of the
+  // CAD system is installed.
+  explicit StartedWindow(const std::function<void(FakeInstallation&)>& prepare = {}, bool withCadFiles = true);
   ~StartedWindow();
 
   // Starts the program's window again over the same installation and settings, as the next run (or

@@ -17,6 +17,8 @@ bool IsNameChar(char c) {
          c == '\\' || byte >= 0x80;
 }
 
+bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+
 // Where the name (or function, or sheet name without quotes) that starts at `at` ends.
 std::size_t NameEnd(std::string_view text, std::size_t at) {
   while (at < text.size() && IsNameChar(text[at])) ++at;
@@ -54,7 +56,7 @@ std::size_t CellReferenceLength(std::string_view text, std::size_t at) {
   std::size_t i = at;
   if (i < text.size() && text[i] == '$') ++i;
   const std::size_t letters = i;
-  while (i < text.size() && ((text[i] >= 'A' && text[i] <= 'Z') || (text[i] >= 'a' && text[i] <= 'z'))) ++i;
+  while (i < text.size() && IsLetter(text[i])) ++i;
   if (i == letters || i - letters > 3) return 0;
   if (i < text.size() && text[i] == '$') ++i;
   const std::size_t digits = i;
@@ -81,41 +83,73 @@ std::string ShiftReference(std::string_view reference, int rows, int columns) {
   return (absoluteColumn ? "$" : "") + ColumnName(column) + (absoluteRow ? "$" : "") + std::to_string(row);
 }
 
+// One piece of a formula as the rewrites below see it; the pieces, joined, give the formula back.
+struct FormulaToken {
+  enum class Kind {
+    kString,      // "text", quotes doubled inside
+    kQuotedName,  // 'Sheet name', quotes doubled inside
+    kBracketed,   // [...], brackets nested: a structured reference's columns or an external book
+    kReference,   // a cell reference: A1, $A1, A$1, $A$1
+    kName,        // a function, defined name, table or unquoted sheet name
+    kOther,       // any other single character
+  };
+  Kind kind;
+  std::size_t begin;
+  std::size_t end;
+};
+
+// Calls `visit` with every piece of `formula` in order. Brackets are one piece when
+// `wholeBrackets`, otherwise what stands inside them is split like the rest.
+template <typename Visit>
+void ForEachToken(std::string_view formula, bool wholeBrackets, Visit&& visit) {
+  using Kind = FormulaToken::Kind;
+  std::size_t i = 0;
+  while (i < formula.size()) {
+    const char c = formula[i];
+    std::size_t begin = i;
+    Kind kind = Kind::kOther;
+    const bool boundary = i == 0 || !IsNameChar(formula[i - 1]);
+    const std::size_t reference = boundary && (c == '$' || IsLetter(c)) ? CellReferenceLength(formula, i) : 0;
+    if (c == '"' || c == '\'') {
+      kind = c == '"' ? Kind::kString : Kind::kQuotedName;
+      i += QuotedLength(formula, i);
+    } else if (c == '[' && wholeBrackets) {
+      kind = Kind::kBracketed;
+      i += BracketLength(formula, i);
+    } else if (reference > 0) {
+      kind = Kind::kReference;
+      i += reference;
+    } else if (boundary && IsNameChar(c)) {
+      kind = Kind::kName;
+      i = NameEnd(formula, i);
+    } else if (boundary && c == '$') {
+      // A "$" that starts no reference takes the name after it along: that name is no reference
+      // either, whatever it looks like.
+      visit(FormulaToken{Kind::kOther, i, i + 1});
+      begin = ++i;
+      kind = Kind::kName;
+      i = NameEnd(formula, i);
+      if (i == begin) continue;
+    } else {
+      ++i;
+    }
+    visit(FormulaToken{kind, begin, i});
+  }
+}
+
 }  // namespace
 
 std::string ShiftFormula(std::string_view formula, int rows, int columns) {
   std::string shifted;
   shifted.reserve(formula.size() + 8);
-  std::size_t i = 0;
-  while (i < formula.size()) {
-    const char c = formula[i];
-    if (c == '"' || c == '\'') {
-      const std::size_t length = QuotedLength(formula, i);
-      shifted.append(formula.substr(i, length));
-      i += length;
-      continue;
+  ForEachToken(formula, true, [&](const FormulaToken& token) {
+    const std::string_view text = formula.substr(token.begin, token.end - token.begin);
+    if (token.kind == FormulaToken::Kind::kReference) {
+      shifted += ShiftReference(text, rows, columns);
+    } else {
+      shifted.append(text);
     }
-    if (c == '[') {
-      const std::size_t length = BracketLength(formula, i);
-      shifted.append(formula.substr(i, length));
-      i += length;
-      continue;
-    }
-    const bool boundary = i == 0 || !IsNameChar(formula[i - 1]);
-    if (boundary && (c == '$' || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'))) {
-      if (const std::size_t length = CellReferenceLength(formula, i)) {
-        shifted += ShiftReference(formula.substr(i, length), rows, columns);
-        i += length;
-        continue;
-      }
-      const std::size_t end = NameEnd(formula, i + 1);  // the rest of a name keeps its digits
-      shifted.append(formula.substr(i, end - i));
-      i = end;
-      continue;
-    }
-    shifted += c;
-    ++i;
-  }
+  });
   return shifted;
 }
 
@@ -123,46 +157,27 @@ std::string RenameSheetInFormula(std::string_view formula, std::string_view oldN
                                  std::string_view newName) {
   const std::string replacement = QuoteSheetNameForFormula(newName);
   std::string renamed;
-  std::size_t i = 0;
-  while (i < formula.size()) {
-    const char c = formula[i];
-    if (c == '"') {
-      const std::size_t length = QuotedLength(formula, i);
-      renamed.append(formula.substr(i, length));
-      i += length;
-      continue;
-    }
-    if (c == '\'') {
-      const std::size_t length = QuotedLength(formula, i);
+  ForEachToken(formula, false, [&](const FormulaToken& token) {
+    const std::string_view text = formula.substr(token.begin, token.end - token.begin);
+    const bool qualifies = token.end < formula.size() && formula[token.end] == '!';
+    bool matches = false;
+    if (token.kind == FormulaToken::Kind::kQuotedName && qualifies) {
       std::string name;
-      for (std::size_t k = i + 1; k + 1 < i + length; ++k) {
-        name += formula[k];
-        if (formula[k] == '\'') ++k;
+      for (std::size_t k = 1; k + 1 < text.size(); ++k) {
+        name += text[k];
+        if (text[k] == '\'') ++k;
       }
-      if (i + length < formula.size() && formula[i + length] == '!' &&
-          base::EqualsIgnoreCase(name, oldName)) {
-        renamed += replacement;
-      } else {
-        renamed.append(formula.substr(i, length));
-      }
-      i += length;
-      continue;
+      matches = base::EqualsIgnoreCase(name, oldName);
+    } else if (token.kind == FormulaToken::Kind::kName && qualifies) {
+      const bool external = token.begin > 0 && formula[token.begin - 1] == ']';
+      matches = !external && base::EqualsIgnoreCase(text, oldName);
     }
-    if (IsNameChar(c) && (i == 0 || !IsNameChar(formula[i - 1]))) {
-      const std::size_t end = NameEnd(formula, i);
-      const std::string_view name = formula.substr(i, end - i);
-      const bool external = i > 0 && formula[i - 1] == ']';
-      if (!external && end < formula.size() && formula[end] == '!' && base::EqualsIgnoreCase(name, oldName)) {
-        renamed += replacement;
-      } else {
-        renamed.append(name);
-      }
-      i = end;
-      continue;
+    if (matches) {
+      renamed += replacement;
+    } else {
+      renamed.append(text);
     }
-    renamed += c;
-    ++i;
-  }
+  });
   return renamed;
 }
 
@@ -176,26 +191,13 @@ bool SheetNameMayOccur(std::string_view xmlText, std::string_view name) {
 std::string RenameTableInFormula(std::string_view formula, std::string_view oldName,
                                  std::string_view newName) {
   std::string renamed;
-  std::size_t i = 0;
-  while (i < formula.size()) {
-    const char c = formula[i];
-    if (c == '"' || c == '\'') {
-      const std::size_t length = QuotedLength(formula, i);
-      renamed.append(formula.substr(i, length));
-      i += length;
-      continue;
-    }
-    if (IsNameChar(c) && (i == 0 || !IsNameChar(formula[i - 1]))) {
-      const std::size_t end = NameEnd(formula, i);
-      const std::string_view name = formula.substr(i, end - i);
-      const bool structured = end < formula.size() && formula[end] == '[';
-      renamed.append(structured && base::EqualsIgnoreCase(name, oldName) ? newName : name);
-      i = end;
-      continue;
-    }
-    renamed += c;
-    ++i;
-  }
+  ForEachToken(formula, false, [&](const FormulaToken& token) {
+    const std::string_view text = formula.substr(token.begin, token.end - token.begin);
+    const bool structured = token.end < formula.size() && formula[token.end] == '[';
+    const bool matches =
+        token.kind == FormulaToken::Kind::kName && structured && base::EqualsIgnoreCase(text, oldName);
+    renamed.append(matches ? newName : text);
+  });
   return renamed;
 }
 

@@ -159,6 +159,7 @@ const std::string& Package::Bytes(std::string_view name) {
     if (Key(name) == "[content_types].xml") overridesIndexed_ = false;
     part.bytes = SerializeXml(*part.xml, part.parsedSize);
     part.xml.reset();
+    ++documentsFreed_;
     part.highestRelationship = -1;
   }
   return part.bytes;
@@ -175,6 +176,7 @@ void Package::SetBytes(std::string_view name, std::string bytes) {
     index_[Key(clean)] = part;
   }
   part->bytes = std::move(bytes);
+  if (part->xml) ++documentsFreed_;
   part->xml.reset();
   part->highestRelationship = -1;
   if (Key(clean) == "[content_types].xml") overridesIndexed_ = false;
@@ -190,6 +192,7 @@ void Package::Remove(std::string_view name) {
   const auto found = index_.find(key);
   if (found == index_.end()) return;
   Part* part = found->second;
+  if (part->xml) ++documentsFreed_;
   index_.erase(found);
   std::erase_if(parts_, [&](const std::unique_ptr<Part>& candidate) { return candidate.get() == part; });
 }
@@ -199,7 +202,11 @@ void Package::Park(std::string_view name) {
   if (part != nullptr && part->xml) {
     if (Key(name) == "[content_types].xml") overridesIndexed_ = false;
     part->bytes = SerializeXml(*part->xml, part->parsedSize);
+    // A filled page is larger than the template it was parsed from, and the text grew by doubling:
+    // of a large workbook's parked sheets a third would be room that is never used.
+    if (part->bytes.capacity() > part->bytes.size() + part->bytes.size() / 16) part->bytes.shrink_to_fit();
     part->xml.reset();
+    ++documentsFreed_;
     part->highestRelationship = -1;
   }
 }

@@ -2,6 +2,7 @@
 // An Open Packaging Conventions package held in memory: its parts by name, each either as bytes or,
 // once asked for, as a parsed XML document. Parsed parts can be parked back to text to keep memory
 // low while many sheets exist.
+#include <cstdint>
 #include <memory>
 #include <pugixml.hpp>
 #include <string>
@@ -42,12 +43,17 @@ class Package {
   int& KnownHighestRelationship(std::string_view relsName);
   // Serialises a parsed part and frees its document.
   void Park(std::string_view name);
+  // Counts the parsed documents freed or replaced so far (parked, serialised, overwritten, removed):
+  // a node kept from a document is still good as long as this has not changed.
+  std::uint64_t DocumentsFreed() const { return documentsFreed_; }
   // A part name not used yet: "xl/worksheets/sheet" + n + ".xml" with the smallest n >= `from`.
   std::string FreeName(std::string_view prefix, std::string_view suffix, int from = 1) const;
 
   // The whole package as a zip archive: [Content_Types].xml first, the other parts in their order.
   // Parts unchanged since the previous call keep their compressed form from then.
   std::string ToZip();
+  // What the last ToZip() gave; empty before the first.
+  const std::string& LastZip() const { return lastZip_.Archive(); }
 
   const PackageLimits& limits() const { return limits_; }
 
@@ -69,6 +75,7 @@ class Package {
   mutable std::unordered_map<std::string, int> nextFree_;  // FreeName's next candidate per pattern
   PackageLimits limits_;
   ZipReuse lastZip_;
+  std::uint64_t documentsFreed_ = 0;
 };
 
 // Parses `bytes` with the settings every part uses; throws PackageError naming `partName`, and

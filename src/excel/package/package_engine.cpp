@@ -9,6 +9,7 @@
 
 #include "base/error_numbers.h"
 #include "base/file_io.h"
+#include "base/own_temp_files.h"
 #include "base/strings.h"
 #include "base/utf8_path.h"
 #include "excel/automation.h"
@@ -257,13 +258,22 @@ void PackageEngine::WriteTo(Book& book, const std::string& path) {
     // gets an Open XML workbook, which Excel opens after a warning about the name).
     extension = book.document->HasVbaProject() ? ".xlsm" : ".xlsx";
   }
-  const std::string bytes = AsExcel([&] { return book.document->Serialize(extension); });
   const std::filesystem::path target = base::PathFromUtf8(path);
+  // A working copy of this process's own is never read back: it holds the result's place and shows
+  // that the folder takes a file of the workbook's size, and the workbook is written under its own
+  // name afterwards. It gets the archive made last instead of a new one: a single-sheet run saves
+  // such a copy for every page and would otherwise put each page together twice.
+  const std::string& last = book.document->LastSerialized();
+  const bool placeHolder = !last.empty() && base::IsThisProcessTempFile(target);
+  const std::string bytes =
+      placeHolder ? std::string() : AsExcel([&] { return book.document->Serialize(extension); });
   std::error_code error;
   if (!std::filesystem::is_directory(target.parent_path().empty() ? "." : target.parent_path(), error)) {
     Rejected("Det går inte att komma åt mappen för " + path + ".");
   }
-  if (const auto written = writer_(target, bytes)) ThrowFileError(written, path, true);
+  if (const auto written = writer_(target, placeHolder ? std::string_view(last) : std::string_view(bytes))) {
+    ThrowFileError(written, path, true);
+  }
 }
 
 std::string PackageEngine::SaveToBytes(WorkbookId workbook, std::string_view extension) {
@@ -355,9 +365,7 @@ void PackageEngine::SetValue(const RangeRef& range, std::string_view text) {
       static_cast<long long>(range.lastRow - range.firstRow + 1) * (range.lastColumn - range.firstColumn + 1);
   if (range.shape != RangeShape::kCells || area > 1'000'000) Rejected("Området är för stort för att fyllas.");
   AsExcel([&] {
-    WorkbookDocument& document = *FindBook(range.sheet.workbook).document;
-    Worksheet sheet = document.Sheet(position, true);
-    document.MarkValuesChanged(position);
+    Worksheet& sheet = FindBook(range.sheet.workbook).document->SheetForValues(position);
     for (int row = range.firstRow; row <= range.lastRow; ++row) {
       for (int column = range.firstColumn; column <= range.lastColumn; ++column)
         sheet.SetText(row, column, text);

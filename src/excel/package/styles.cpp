@@ -1,24 +1,43 @@
 #include "excel/package/styles.h"
 
 #include <string>
+#include <string_view>
 
 namespace sw::excel {
 
-const std::string_view kMinimalStyles =
-    R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
-    "\r\n"
-    R"(<styleSheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main">)"
-    R"(<fonts count="1"><font><sz val="11"/><color theme="1"/><name val="Calibri"/><family val="2"/>)"
-    R"(<scheme val="minor"/></font></fonts>)"
-    R"(<fills count="2"><fill><patternFill patternType="none"/></fill><fill><patternFill patternType="gray125"/>)"
-    R"(</fill></fills>)"
-    R"(<borders count="1"><border><left/><right/><top/><bottom/><diagonal/></border></borders>)"
-    R"(<cellStyleXfs count="1"><xf numFmtId="0" fontId="0" fillId="0" borderId="0"/></cellStyleXfs>)"
-    R"(<cellXfs count="2"><xf numFmtId="0" fontId="0" fillId="0" borderId="0" xfId="0"/>)"
-    R"(<xf numFmtId="49" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/></cellXfs>)"
-    R"(<cellStyles count="1"><cellStyle name="Normal" xfId="0" builtinId="0"/></cellStyles>)"
-    R"(<dxfs count="0"/><tableStyles count="0" defaultTableStyle="TableStyleMedium2" )"
-    R"(defaultPivotStyle="PivotStyleLight16"/></styleSheet>)";
+namespace {
+
+// The built-in number format "@": the cell shows its text as typed.
+constexpr int kTextNumberFormat = 49;
+
+std::string FormatWith(int numberFormat) {
+  return R"(<xf numFmtId=")" + std::to_string(numberFormat) +
+         R"(" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/>)";
+}
+
+}  // namespace
+
+std::string NewWorkbookStyles(std::initializer_list<int> moreNumberFormats) {
+  std::string styles =
+      R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
+      "\r\n"
+      R"(<styleSheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main">)"
+      R"(<fonts count="1"><font><sz val="11"/><color theme="1"/><name val="Calibri"/><family val="2"/>)"
+      R"(<scheme val="minor"/></font></fonts>)"
+      R"(<fills count="2"><fill><patternFill patternType="none"/></fill><fill><patternFill patternType="gray125"/>)"
+      R"(</fill></fills>)"
+      R"(<borders count="1"><border><left/><right/><top/><bottom/><diagonal/></border></borders>)"
+      R"(<cellStyleXfs count="1"><xf numFmtId="0" fontId="0" fillId="0" borderId="0"/></cellStyleXfs>)";
+  styles += R"(<cellXfs count=")" + std::to_string(2 + moreNumberFormats.size()) + R"(">)";
+  styles += R"(<xf numFmtId="0" fontId="0" fillId="0" borderId="0" xfId="0"/>)";
+  styles += FormatWith(kTextNumberFormat);
+  for (const int numberFormat : moreNumberFormats) styles += FormatWith(numberFormat);
+  styles +=
+      R"(</cellXfs><cellStyles count="1"><cellStyle name="Normal" xfId="0" builtinId="0"/></cellStyles>)"
+      R"(<dxfs count="0"/><tableStyles count="0" defaultTableStyle="TableStyleMedium2" )"
+      R"(defaultPivotStyle="PivotStyleLight16"/></styleSheet>)";
+  return styles;
+}
 
 namespace {
 
@@ -137,13 +156,13 @@ int TextFormat(pugi::xml_document& styles) {
   auto cellXfs = Section(styles.document_element(), "cellXfs");
   int index = 0;
   for (auto xf : cellXfs.children("xf")) {
-    if (xf.attribute("numFmtId").as_int() == 49) return index;
+    if (xf.attribute("numFmtId").as_int() == kTextNumberFormat) return index;
     ++index;
   }
   auto base = Nth(cellXfs, "xf", 0);
   auto copy = base ? cellXfs.append_copy(base) : cellXfs.append_child("xf");
   copy.remove_attribute("numFmtId");
-  copy.prepend_attribute("numFmtId") = 49;
+  copy.prepend_attribute("numFmtId") = kTextNumberFormat;
   copy.remove_attribute("applyNumberFormat");
   copy.append_attribute("applyNumberFormat") = 1;
   SetCount(cellXfs, "xf");

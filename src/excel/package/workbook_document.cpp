@@ -384,6 +384,8 @@ void WorkbookDocument::RenameInOtherParts(std::string_view oldName, std::string_
 }
 
 Worksheet WorkbookDocument::Sheet(int position, bool forWrite) {
+  // Whoever asks may change the rows the object handed out for values was walking.
+  valueSheet_.sheet.reset();
   const auto& entry = Entry(position);
   if (!entry.worksheet)
     throw std::invalid_argument("Bladet " + SheetName(position) + " är inte ett kalkylblad.");
@@ -395,6 +397,21 @@ Worksheet WorkbookDocument::Sheet(int position, bool forWrite) {
   }
   Touch(entry.part);
   return Worksheet(document);
+}
+
+Worksheet& WorkbookDocument::SheetForValues(int position) {
+  const auto& entry = Entry(position);
+  if (valueSheet_.sheet && valueSheet_.documentsFreed == package_.DocumentsFreed() &&
+      valueSheet_.part == entry.part) {
+    valuesChanged_ = true;
+    return *valueSheet_.sheet;
+  }
+  Worksheet sheet = Sheet(position, true);
+  MarkValuesChanged(position);
+  valueSheet_.part = entry.part;
+  valueSheet_.documentsFreed = package_.DocumentsFreed();
+  valueSheet_.sheet = sheet;
+  return *valueSheet_.sheet;
 }
 
 void WorkbookDocument::Touch(const std::string& part) {
@@ -419,7 +436,7 @@ pugi::xml_document& WorkbookDocument::Styles() {
   if (part.empty()) {
     part = package_.FreeName("xl/styles", ".xml", 1);
     part = package_.Has("xl/styles.xml") ? part : "xl/styles.xml";
-    package_.SetBytes(part, std::string(kMinimalStyles));
+    package_.SetBytes(part, NewWorkbookStyles());
     AddRelationship(package_, workbookPart_, reltype::kStyles, part);
     SetOverride(package_, part, kStylesType);
   }
@@ -545,6 +562,7 @@ std::string WorkbookDocument::Serialize(std::string_view extension) {
 }
 
 void WorkbookDocument::PrepareForSave(std::string_view extension) {
+  valueSheet_.sheet.reset();  // the sheets written so far are no longer marked dirty after this
   for (const auto& part : dirtySheets_) {
     if (package_.IsParsed(part)) Worksheet(package_.Xml(part)).UpdateDimension();
   }

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <pugixml.hpp>
 #include <set>
 #include <string>
@@ -68,9 +69,16 @@ class WorkbookDocument {
   // Cells of the sheet at `position` were written, so results cached in formula cells anywhere may be
   // stale: the written sheet, parsed anyway, loses them at once, the others at the next save.
   void MarkValuesChanged(int position);
+  // The sheet at `position` for writing values: Sheet(position, true) after MarkValuesChanged. The
+  // same object is handed out again while the writes go on in that sheet and nothing else has had a
+  // sheet or freed a parsed part, so it goes on from the row its last write ended at: a page is
+  // written cell by cell, and each write looked its sheet up and walked its rows again.
+  Worksheet& SheetForValues(int position);
 
   // The package as it is saved under a name ending in `extension` (".xlsx", ".xlsm").
   std::string Serialize(std::string_view extension);
+  // What the last Serialize() gave; empty before the first.
+  const std::string& LastSerialized() const { return package_.LastZip(); }
 
  private:
   WorkbookDocument() = default;
@@ -121,6 +129,13 @@ class WorkbookDocument {
   // Sheet parts that hold no cached formula results any more: the engine never writes new ones, so
   // a save need not parse these again (hundreds of copied pages would otherwise each be parsed).
   std::set<std::string> withoutResults_;
+  // What SheetForValues handed out last; dropped by Sheet() and whenever a parsed part is freed.
+  struct ValueSheet {
+    std::string part;
+    std::uint64_t documentsFreed = 0;
+    std::optional<Worksheet> sheet;
+  };
+  ValueSheet valueSheet_;
 
   struct IgnoreCaseLess {
     bool operator()(std::string_view a, std::string_view b) const;

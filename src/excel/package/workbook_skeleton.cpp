@@ -4,6 +4,7 @@
 #include "excel/cell_address.h"
 #include "excel/package/cell_text.h"
 #include "excel/package/general_number.h"
+#include "excel/package/styles.h"
 #include "excel/package/workbook_document.h"
 
 namespace sw::excel {
@@ -11,26 +12,9 @@ namespace sw::excel {
 namespace {
 
 constexpr const char* kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n";
-// The minimal styles with the cell formats an imported sheet uses: 0 General, 1 text ("@"), 2 and 3
-// percent without and with decimals, 4 scientific.
-constexpr const char* kImportStyles =
-    R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
-    "\r\n"
-    R"(<styleSheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main">)"
-    R"(<fonts count="1"><font><sz val="11"/><color theme="1"/><name val="Calibri"/><family val="2"/>)"
-    R"(<scheme val="minor"/></font></fonts>)"
-    R"(<fills count="2"><fill><patternFill patternType="none"/></fill><fill><patternFill patternType="gray125"/>)"
-    R"(</fill></fills>)"
-    R"(<borders count="1"><border><left/><right/><top/><bottom/><diagonal/></border></borders>)"
-    R"(<cellStyleXfs count="1"><xf numFmtId="0" fontId="0" fillId="0" borderId="0"/></cellStyleXfs>)"
-    R"(<cellXfs count="5"><xf numFmtId="0" fontId="0" fillId="0" borderId="0" xfId="0"/>)"
-    R"(<xf numFmtId="49" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/>)"
-    R"(<xf numFmtId="9" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/>)"
-    R"(<xf numFmtId="10" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/>)"
-    R"(<xf numFmtId="11" fontId="0" fillId="0" borderId="0" xfId="0" applyNumberFormat="1"/></cellXfs>)"
-    R"(<cellStyles count="1"><cellStyle name="Normal" xfId="0" builtinId="0"/></cellStyles>)"
-    R"(<dxfs count="0"/><tableStyles count="0" defaultTableStyle="TableStyleMedium2" )"
-    R"(defaultPivotStyle="PivotStyleLight16"/></styleSheet>)";
+// The cell formats an imported sheet uses beyond General (0) and text (1): percent without and
+// with decimals (2, 3) and scientific (4), as StyleOf hands them out.
+constexpr std::initializer_list<int> kImportNumberFormats = {9, 10, 11};
 constexpr int kTextStyle = 1;
 
 std::string Escaped(std::string_view text) {
@@ -133,7 +117,7 @@ std::unique_ptr<WorkbookDocument> WorkbookDocument::FromTable(
           R"(<Relationship Id="rId2" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/styles" Target="styles.xml"/>)"
           R"(<Relationship Id="rId1" Type="http://schemas.openxmlformats.org/officeDocument/2006/relationships/worksheet" Target="worksheets/sheet1.xml"/>)"
           R"(</Relationships>)");
-  package.SetBytes("xl/styles.xml", kImportStyles);
+  package.SetBytes("xl/styles.xml", NewWorkbookStyles(kImportNumberFormats));
 
   auto sheet = std::make_unique<pugi::xml_document>();
   auto root = sheet->append_child("worksheet");

@@ -245,6 +245,9 @@ std::string WriteZipArchive(const std::vector<ZipSource>& entries, ZipReuse* reu
   const bool closed = zip_source_close(buffer) == 0;
   if (!closed || got < 0 || static_cast<std::size_t>(got) != bytes.size())
     throw PackageError("Kan inte skriva arbetsboken.");
+  // libzip's copy goes before the one kept for the next save is made: the archive is then held twice
+  // at most, not three times, at the moment the whole workbook is in memory.
+  keeper.reset();
   if (reuse != nullptr) {
     reuse->archive_ = bytes;
     reuse->parts_ = std::move(written);

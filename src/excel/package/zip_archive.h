@@ -29,6 +29,8 @@ struct ZipSource {
 class ZipReuse {
  public:
   bool Empty() const { return archive_.empty(); }
+  // The archive written last; empty before the first.
+  const std::string& Archive() const { return archive_; }
 
  private:
   friend std::string WriteZipArchive(const std::vector<ZipSource>& entries, ZipReuse* reuse);
