@@ -397,7 +397,8 @@ void MainWindow::ToggleStandardToolbar() {
 }
 
 void MainWindow::ResetAppearance() {
-  const auto defaults = session::AskResetAppearance(services_.session.dialogs, services_.session.programFolder);
+  const auto defaults =
+      session::AskResetAppearance(services_.session.dialogs, services_.session.programFolder);
   if (!defaults) return;
   // The window closes with its usual saves; closing finishes the reset, and the program opens the
   // window again from the settings the defaults file wrote.
@@ -754,12 +755,13 @@ std::optional<QString> AskText(QWidget* parent, const char* objectName, const ch
 
 void MainWindow::FindPlacement() {
   if (session_->Table().Rows() <= 1) return;
-  const auto text = AskText(this, "dlgSokPlacering", "Sök placering", "Placering som innehåller:", lastSearch_);
+  const auto text =
+      AskText(this, "dlgSokPlacering", "Sök placering", "Placering som innehåller:", lastSearch_);
   if (!text) return;
   lastSearch_ = *text;
   const auto found = session::FindPlacement(session_->Table(), S(*text), grid_->CurrentTableRow());
   if (!found.row) {
-    services_.dialogs.ShowMessage(
+    services_.session.dialogs.ShowMessage(
         {found.message, "Sök placering", base::MessageIcon::kInformation, base::MessageButtons::kOk});
     return;
   }
@@ -774,7 +776,7 @@ void MainWindow::GoToPage() {
   const int page = text->trimmed().toInt(&number);
   const auto target = session::FirstRowOfPage(session_->Table(), number ? page : 0);
   if (!target.row) {
-    services_.dialogs.ShowMessage(
+    services_.session.dialogs.ShowMessage(
         {target.message, "Gå till sida", base::MessageIcon::kExclamation, base::MessageButtons::kOk});
     return;
   }
@@ -791,11 +793,12 @@ void MainWindow::SelectTableRow(int tableRow) {
 
 void MainWindow::CheckDumpOnDisk() {
   // Never over a load, a dialog (the question itself included) or a run.
-  if (busy_ || askingReload_ || QApplication::activeModalWidget() || QApplication::activePopupWidget()) return;
+  if (busy_ || askingReload_ || QApplication::activeModalWidget() || QApplication::activePopupWidget())
+    return;
   if (!session_->DumpChangedOnDisk()) return;
   askingReload_ = true;
   statusBar()->showMessage(QString::fromUtf8("Rapportfilen har ändrats på disken."));
-  const auto answer = services_.dialogs.ShowMessage(
+  const auto answer = services_.session.dialogs.ShowMessage(
       {"Rapportfilen " + session_->ReportDumps().text +
            " har ändrats på disken.\r\nVill du läsa in den igen? Ändringarna i förhandsgranskningen går då "
            "förlorade.",
