@@ -759,7 +759,7 @@ void MainWindow::FindPlacement() {
   lastSearch_ = *text;
   const auto found = session::FindPlacement(session_->Table(), S(*text), grid_->CurrentTableRow());
   if (!found.row) {
-    services_.dialogs.ShowMessage(
+    services_.session.dialogs.ShowMessage(
         {found.message, "Sök placering", base::MessageIcon::kInformation, base::MessageButtons::kOk});
     return;
   }
@@ -774,7 +774,7 @@ void MainWindow::GoToPage() {
   const int page = text->trimmed().toInt(&number);
   const auto target = session::FirstRowOfPage(session_->Table(), number ? page : 0);
   if (!target.row) {
-    services_.dialogs.ShowMessage(
+    services_.session.dialogs.ShowMessage(
         {target.message, "Gå till sida", base::MessageIcon::kExclamation, base::MessageButtons::kOk});
     return;
   }
@@ -795,7 +795,7 @@ void MainWindow::CheckDumpOnDisk() {
   if (!session_->DumpChangedOnDisk()) return;
   askingReload_ = true;
   statusBar()->showMessage(QString::fromUtf8("Rapportfilen har ändrats på disken."));
-  const auto answer = services_.dialogs.ShowMessage(
+  const auto answer = services_.session.dialogs.ShowMessage(
       {"Rapportfilen " + session_->ReportDumps().text +
            " har ändrats på disken.\r\nVill du läsa in den igen? Ändringarna i förhandsgranskningen går då "
            "förlorade.",
