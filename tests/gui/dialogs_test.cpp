@@ -92,6 +92,24 @@ bool HasColour(QWidget* widget, const QColor& colour) {
   return widget->autoFillBackground() && widget->palette().color(widget->backgroundRole()) == colour;
 }
 
+// A session over the example template with single sheets on, warned through the dialog.
+struct WarnedSession {
+  WarnedSession() {
+    sw::testing::WithExampleTemplate(install);
+    session.Start();
+    session.UseSingleSheet(true);
+  }
+  sw::testing::FakeInstallation install;
+  sw::testing::RecordingLauncher launcher;
+  sw::gui::DialogSingleSheetWarning warning{install.settings, nullptr};
+  sw::session::Session session{{.registry = install.registry,
+                                .settings = install.settings,
+                                .environment = install.environment,
+                                .dialogs = install.dialogs,
+                                .launcher = launcher,
+                                .warning = &warning}};
+};
+
 }  // namespace
 
 class DialogsTest : public QObject {
@@ -283,18 +301,9 @@ void DialogsTest::messagesOpenOverTheWindowBeingStarted() {
 }
 
 void DialogsTest::warningNoMoreAndCancelStopsTheRunAndSwitchesItOff() {
-  sw::testing::FakeInstallation install;
-  sw::testing::WithExampleTemplate(install);
-  sw::testing::RecordingLauncher launcher;
-  sw::gui::DialogSingleSheetWarning warning(install.settings, nullptr);
-  sw::session::Session session({.registry = install.registry,
-                                .settings = install.settings,
-                                .environment = install.environment,
-                                .dialogs = install.dialogs,
-                                .launcher = launcher,
-                                .warning = &warning});
-  session.Start();
-  session.UseSingleSheet(true);
+  WarnedSession warned;
+  auto& install = warned.install;
+  auto& session = warned.session;
 
   QStringList texts;
   WhenModal([&texts](QDialog* dialog) {
@@ -324,18 +333,9 @@ void DialogsTest::warningNoMoreAndCancelStopsTheRunAndSwitchesItOff() {
 }
 
 void DialogsTest::warningOkGoesOn() {
-  sw::testing::FakeInstallation install;
-  sw::testing::WithExampleTemplate(install);
-  sw::testing::RecordingLauncher launcher;
-  sw::gui::DialogSingleSheetWarning warning(install.settings, nullptr);
-  sw::session::Session session({.registry = install.registry,
-                                .settings = install.settings,
-                                .environment = install.environment,
-                                .dialogs = install.dialogs,
-                                .launcher = launcher,
-                                .warning = &warning});
-  session.Start();
-  session.UseSingleSheet(true);
+  WarnedSession warned;
+  auto& install = warned.install;
+  auto& session = warned.session;
 
   QSize shown;
   WhenModal([&shown](QDialog* dialog) {
