@@ -11,9 +11,9 @@
 
 #include "excel/application_factory.h"
 #include "excel/automation.h"
+#include "excel/cell_address.h"
 #include "excel/package/package_engine.h"
 #include "fake_excel_win.h"
-#include "excel/cell_address.h"
 #include "generate/generate_workbook.h"
 #include "generate/run_error.h"
 #include "memory_settings.h"
@@ -65,7 +65,9 @@ class WindowsOnlyComEngineTest : public ::testing::Test {
   WindowsOnlyComEngineTest() {
     fs::copy_file(sw::testing::DataFile("templates/title_block.xlsx"), Path("mall.xlsx"));
   }
-  std::unique_ptr<Application> Start(bool combineWrites = true) { return ComFactory(excel_, combineWrites)(); }
+  std::unique_ptr<Application> Start(bool combineWrites = true) {
+    return ComFactory(excel_, combineWrites)();
+  }
   std::string Path(const std::string& name) const { return (folder_.path() / name).string(); }
 
   sw::testing::TempDir folder_;
@@ -76,8 +78,8 @@ TEST_F(WindowsOnlyComEngineTest, MembersReachTheObjectModelByNameAndExcelStaysOp
   {
     auto app = Start();
     app->SetVisible(true);
-    Workbook book =
-        app->Workbooks().Open(Path("mall.xlsx"), OpenArguments{.updateLinks = true, .readOnly = std::nullopt});
+    Workbook book = app->Workbooks().Open(Path("mall.xlsx"),
+                                          OpenArguments{.updateLinks = true, .readOnly = std::nullopt});
     Sheets sheets = book.Sheets();
     ASSERT_EQ(sheets.Count(), 2);
     EXPECT_EQ(sheets.Item(2).Name(), "Mall");
@@ -162,12 +164,20 @@ TEST_F(WindowsOnlyComEngineTest, OpenTextNamesEveryArgumentAndTheDumpOpensAsTheA
   sheet.Cells().EntireColumn().AutoFit();
   sheet.Range("A1").Select();
 
-  std::map<std::string, std::string> expected = {
-      {"filename", dump}, {"origin", "2"}, {"startrow", "1"}, {"datatype", "1"}, {"textqualifier", "-4142"},
-      {"consecutivedelimiter", "0"}, {"tab", "-1"}, {"semicolon", "0"}, {"comma", "0"}, {"space", "0"},
-      {"other", "0"}};
+  std::map<std::string, std::string> expected = {{"filename", dump},
+                                                 {"origin", "2"},
+                                                 {"startrow", "1"},
+                                                 {"datatype", "1"},
+                                                 {"textqualifier", "-4142"},
+                                                 {"consecutivedelimiter", "0"},
+                                                 {"tab", "-1"},
+                                                 {"semicolon", "0"},
+                                                 {"comma", "0"},
+                                                 {"space", "0"},
+                                                 {"other", "0"}};
   std::string pairs;
-  for (int column = 1; column <= 20; ++column) pairs += (column > 1 ? "," : "") + std::to_string(column) + ":2";
+  for (int column = 1; column <= 20; ++column)
+    pairs += (column > 1 ? "," : "") + std::to_string(column) + ":2";
   expected["fieldinfo"] = pairs;
   EXPECT_EQ(excel_.lastOpenText(), expected);
 }
@@ -307,7 +317,8 @@ class GenerationRun {
     templates::FindIniForTemplate(templates, templateFile_, definition, fields, table_, quiet,
                                   [] { return std::string("2026-11-23"); });
     generate::GenerationInputs inputs{
-        table_, "1", templates, templateFile_, "C:\\VOLTARIS\\volt_report.txt", templates, {}, singleSheet, {}};
+        table_, "1",         templates, templateFile_, "C:\\VOLTARIS\\volt_report.txt", templates,
+        {},     singleSheet, {}};
     for (const auto& entry : fields.entries) inputs.fieldTexts.push_back(entry.text);
     generate::GenerationServices services{settings, dialogs, warning, launcher, factory, "C:\\program\\"};
     generate::GenerationState state;

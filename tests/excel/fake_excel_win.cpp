@@ -188,11 +188,12 @@ class FakeObject final : public IDispatch {
         if (!Member(member, isPut, arguments, answer)) return DISP_E_MEMBERNOTFOUND;
       } catch (const AutomationError& error) {
         // The engine's run-time number travels as Excel's own errors do.
-        throw Raised{error.number() == kApplicationDefined ? kExcelError : static_cast<HRESULT>(error.number()),
-                     error.number() > 0 && error.number() <= 0xFFFF && error.number() != kApplicationDefined
-                         ? static_cast<WORD>(error.number())
-                         : WORD{0},
-                     error.description()};
+        throw Raised{
+            error.number() == kApplicationDefined ? kExcelError : static_cast<HRESULT>(error.number()),
+            error.number() > 0 && error.number() <= 0xFFFF && error.number() != kApplicationDefined
+                ? static_cast<WORD>(error.number())
+                : WORD{0},
+            error.description()};
       }
       if (result != nullptr) *result = std::exchange(answer.raw(), VARIANT{});
       return S_OK;
@@ -384,7 +385,8 @@ bool FakeObject::WorkbooksMember(const std::string& member, const Arguments& arg
     options.fileName = given["filename"];
     std::istringstream pairs(given["fieldinfo"]);
     for (std::string pair; std::getline(pairs, pair, ',');) {
-      options.fieldInfo.emplace_back(std::stoi(pair), static_cast<XlColumnDataType>(std::stoi(pair.substr(pair.find(':') + 1))));
+      options.fieldInfo.emplace_back(
+          std::stoi(pair), static_cast<XlColumnDataType>(std::stoi(pair.substr(pair.find(':') + 1))));
     }
     engine.OpenText(options);
   } else {
@@ -427,8 +429,10 @@ bool FakeObject::SheetMember(const std::string& member, bool isPut, const Argume
     const auto colon = address.find(':');
     const auto first = ParseCellAddress(address.substr(0, colon) + "1");
     const auto last = ParseCellAddress(address.substr(colon + 1) + "1");
-    if (colon == std::string::npos || !first || !last) RaiseExcel("Programdefinierat eller objektdefinierat fel");
-    AnswerRange(result, RangeRef{ref_.sheet, 1, first->column, kMaxRows, last->column, RangeShape::kEntireColumns});
+    if (colon == std::string::npos || !first || !last)
+      RaiseExcel("Programdefinierat eller objektdefinierat fel");
+    AnswerRange(result,
+                RangeRef{ref_.sheet, 1, first->column, kMaxRows, last->column, RangeShape::kEntireColumns});
   } else if (member == "hpagebreaks") {
     Answer(result, Kind::kPageBreaks, ref_);
   } else {
@@ -457,7 +461,8 @@ bool FakeObject::RangeMember(const std::string& member, bool isPut, const Argume
   Engine& engine = state_->engine;
   const auto refuseLocked = [this] {
     for (const auto& [row, column] : state_->lockedCells) {
-      if (row >= ref_.firstRow && row <= ref_.lastRow && column >= ref_.firstColumn && column <= ref_.lastColumn)
+      if (row >= ref_.firstRow && row <= ref_.lastRow && column >= ref_.firstColumn &&
+          column <= ref_.lastColumn)
         RaiseExcel("Cellen eller diagrammet som du försöker ändra är skyddat.");
     }
   };
@@ -469,7 +474,8 @@ bool FakeObject::RangeMember(const std::string& member, bool isPut, const Argume
     refuseLocked();
     const VARIANT& value = *arguments.put;
     if ((value.vt & VT_ARRAY) == 0) {
-      if (ref_.firstRow != ref_.lastRow || ref_.firstColumn != ref_.lastColumn) RaiseExcel("Ett värde per cell");
+      if (ref_.firstRow != ref_.lastRow || ref_.firstColumn != ref_.lastColumn)
+        RaiseExcel("Ett värde per cell");
       Store(ref_.firstRow, ref_.firstColumn, value);
       return true;
     }
@@ -481,15 +487,16 @@ bool FakeObject::RangeMember(const std::string& member, bool isPut, const Argume
     SafeArrayGetLBound(array, 2, &columnsLow);
     SafeArrayGetUBound(array, 2, &columnsHigh);
     // Excel fills a larger range with #N/A; the engine must never ask for that.
-    if (rowsHigh - rowsLow != ref_.lastRow - ref_.firstRow || columnsHigh - columnsLow != ref_.lastColumn - ref_.firstColumn)
+    if (rowsHigh - rowsLow != ref_.lastRow - ref_.firstRow ||
+        columnsHigh - columnsLow != ref_.lastColumn - ref_.firstColumn)
       RaiseExcel("Matrisen passar inte området");
     for (LONG r = rowsLow; r <= rowsHigh; ++r) {
       for (LONG c = columnsLow; c <= columnsHigh; ++c) {
         LONG indices[2] = {r, c};
         Variant element;
         SafeArrayGetElement(array, indices, element.Receive());
-        Store(ref_.firstRow + static_cast<int>(r - rowsLow), ref_.firstColumn + static_cast<int>(c - columnsLow),
-              element.raw());
+        Store(ref_.firstRow + static_cast<int>(r - rowsLow),
+              ref_.firstColumn + static_cast<int>(c - columnsLow), element.raw());
       }
     }
   } else if (member == "select") {

@@ -223,7 +223,8 @@ void CommandBarsTest::togglesStoreTheirStateAndFollowTheSession() {
     return false;
   };
   QVERIFY(pumpShown("Pump/2"));
-  for (const auto& [id, key] : {std::pair{305, "IncludeEmptyRows"}, {306, "UseSlashTwo"}, {707, "SingleSheet"}}) {
+  for (const auto& [id, key] :
+       {std::pair{305, "IncludeEmptyRows"}, {306, "UseSlashTwo"}, {707, "SingleSheet"}}) {
     QAction* toggle = Command(started, id);
     const bool was = toggle->isChecked();
     toggle->trigger();

@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QContextMenuEvent>
+#include <QDir>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -14,7 +15,6 @@
 #include <QProgressBar>
 #include <QScreen>
 #include <QStatusBar>
-#include <QDir>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
@@ -97,7 +97,6 @@ void DoubleClick(StartedWindow& started, QPoint point) {
   QTest::mouseClick(viewport, Qt::LeftButton, {}, point);
   QTest::mouseDClick(viewport, Qt::LeftButton, {}, point);
 }
-
 
 QString StatusText(StartedWindow& started) {
   return started.window->findChild<QLabel*>(QStringLiteral("lblSummary"))->text();
