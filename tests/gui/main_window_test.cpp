@@ -115,7 +115,7 @@ class MainWindowTest : public QObject {
   void popupEntriesFollowTheRowUnderThePointer();
   void undoAndRedoFollowEveryEdit();
   void droppedAndRecentDumpsLoad();
-  void sheetNumberAndFieldBoxesFilterAndCommit();
+  void fieldBoxesCommitAndEnterMovesOn();
   void sheetNumberBoxTakesOnlyWhatItsFilterPasses();
   void generateWritesTheWorkbookAndShowsIt();
   void dumpWrittenAsAWorkbookShowsTheHourglassAndProgress();
@@ -126,13 +126,8 @@ class MainWindowTest : public QObject {
 void MainWindowTest::startUpShowsTheLastDumpAndCloseSavesInOrder() {
   StartedWindow started(
       [](sw::testing::FakeInstallation& install) { install.settings.SaveAppSetting("PageNoLen", "3"); });
-  QCOMPARE(started.LogMessages(),
-           (List{"Fetching data from VOLTARIS.INI", "VOLTARIS.INI successfully processed.",
-                 "Restore Mainform", "Refreshing files", "RefreshFiles:Fetching RDS-dirs from registry",
-                 "Fetching USER-dirs from registry", "Fetching RDS-dir from C:\\VOLTARIS\\User\\voltaris.cfg",
-                 "Fetching RDS-dir from C:\\VOLTARIS\\Saknas\\voltaris.cfg", "Fetching last used RDS-dir",
-                 "Refreshing RDS", "Fetching VOLTID-dirs from registry", "Fetching last used VOLTID-dir",
-                 "Mainform successfully loaded"}));
+  // The start's steps are the session's (tests/session); the window runs them and logs the end.
+  QCOMPARE(started.LogMessages().back(), std::string("Mainform successfully loaded"));
 
   auto* window = started.window.get();
   auto* rdsDir = window->findChild<QComboBox*>(QStringLiteral("cboRdsDir"));
@@ -409,19 +404,9 @@ void MainWindowTest::droppedAndRecentDumpsLoad() {
   QCOMPARE(started.install.settings.GetAppSetting("Dump1", "", "RecentDumps"), dropped.toStdString());
 }
 
-void MainWindowTest::sheetNumberAndFieldBoxesFilterAndCommit() {
+void MainWindowTest::fieldBoxesCommitAndEnterMovesOn() {
   StartedWindow started;
   auto* window = started.window.get();
-  auto* sheetNo = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"));
-  sheetNo->setFocus();
-  QTRY_VERIFY(sheetNo->hasFocus());
-  QTest::keyClick(sheetNo, Qt::Key_A, Qt::ControlModifier);
-  QTest::keyClicks(sheetNo, QStringLiteral("1a2:;b"));
-  QCOMPARE(sheetNo->currentText(), QStringLiteral("12:;"));
-  QTest::keyClick(sheetNo, Qt::Key_Backspace);
-  QCOMPARE(sheetNo->currentText(), QStringLiteral("12:"));
-  QCOMPARE(window->Session().SheetNumbers().text, std::string("12:"));
-
   // The field view: Enter moves to the next enabled box, or back to box 0.
   window->Command(sw::gui::kCommandNext)->trigger();
   QVERIFY(window->findChild<QWidget*>(QStringLiteral("fraFields"))->isVisible());
