@@ -187,13 +187,12 @@ class FakeObject final : public IDispatch {
       try {
         if (!Member(member, isPut, arguments, answer)) return DISP_E_MEMBERNOTFOUND;
       } catch (const AutomationError& error) {
-        // The engine's run-time number travels as Excel's own errors do.
-        throw Raised{
-            error.number() == kApplicationDefined ? kExcelError : static_cast<HRESULT>(error.number()),
-            error.number() > 0 && error.number() <= 0xFFFF && error.number() != kApplicationDefined
-                ? static_cast<WORD>(error.number())
-                : WORD{0},
-            error.description()};
+        // The engine's run-time number travels as Excel's own errors do: 1004 as Excel's HRESULT,
+        // the others as run-time numbers.
+        const int number = error.number();
+        if (number == kApplicationDefined) throw Raised{kExcelError, 0, error.description()};
+        throw Raised{static_cast<HRESULT>(number),
+                     static_cast<WORD>(number > 0 && number <= 0xFFFF ? number : 0), error.description()};
       }
       if (result != nullptr) *result = std::exchange(answer.raw(), VARIANT{});
       return S_OK;
@@ -211,8 +210,6 @@ class FakeObject final : public IDispatch {
   }
 
   ULONG references() const { return references_; }
-  const RangeRef& ref() const { return ref_; }
-  Kind kind() const { return kind_; }
 
  private:
   std::pair<Kind, std::pair<WorkbookId, SheetId>> Identity() const {
