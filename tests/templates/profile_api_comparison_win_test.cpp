@@ -69,16 +69,18 @@ int CompareFile(const std::string& name, const std::string& bytes, const std::ve
       const auto actual = ours.Section(section, query.size).lines;
       if (actual != expected) ++differences;
       EXPECT_EQ(actual, expected) << name << " [" << section << "] size " << query.size;
-      if (program && query.size == kSectionBufferSize)
+      if (program && query.size == kSectionBufferSize) {
         EXPECT_EQ(ReadIniSection(section, file).lines, expected) << name << " [" << section << "]";
+      }
     } else {
       const std::string key = base::DecodeWindows1252(query.key);
       const auto expected = ApiValue(query.section, query.key, query.size, file);
       const auto actual = ours.Value(section, key, query.size).value;
       if (actual != expected) ++differences;
       EXPECT_EQ(actual, expected) << name << " [" << section << "] " << query.key << " size " << query.size;
-      if (program && query.size == kValueBufferSize)
+      if (program && query.size == kValueBufferSize) {
         EXPECT_EQ(ReadIniValue(section, key, file), expected) << name << " [" << section << "] " << key;
+      }
     }
   }
   return differences;
