@@ -142,6 +142,13 @@ TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
   EXPECT_EQ(app_.Workbooks().Count(), 0);
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(temp_.path()), {}),
             static_cast<std::ptrdiff_t>(cases.size()));
+  // A workbook variable nothing was assigned to fails as an unset object does.
+  try {
+    Workbook().Save();
+    ADD_FAILURE() << "an unset workbook was saved";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.number(), kObjectNotSet);
+  }
 }
 
 std::string TemplateWithout(const char* name, const std::string& part) {
