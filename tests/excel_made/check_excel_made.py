@@ -241,7 +241,7 @@ def cells_of(package, sheet_xml):
     cells = {}
     rows = {}
     data = sheet_xml.find(q("sheetData"))
-    for row in data.findall(q("row")):
+    for row in [] if data is None else data.findall(q("row")):  # a chart sheet has no cells
         rows[int(row.get("r"))] = {k: v for k, v in row.attrib.items() if k not in ("r", "spans")}
         for cell in row.findall(q("c")):
             ref = cell_ref(cell.get("r"))
@@ -328,15 +328,14 @@ def compare_owned_part(where, template, template_part, output, output_part, rel_
         if not rel["external"]:
             failures.check(rel["part"] in output.names, where,
                            "%s %s points at %s, which is missing" % (rel_type, output_part, rel["part"]))
-    # A drawing's charts belong to the copy too.
-    t_by_type = {}
-    for rel in template.rels(template_part).values():
-        t_by_type.setdefault(rel["type"], []).append(rel["part"])
-    for rel_type2 in ("chart",):
-        t_parts = sorted(t_by_type.get(rel_type2, []))
-        o_parts = sorted(r["part"] for r in o_rels.values() if r["type"] == rel_type2)
-        for t_part, o_part in zip(t_parts, o_parts):
-            compare_owned_part(where, template, t_part, output, o_part, rel_type2, sheet_names)
+    # A drawing's charts belong to the copy too: paired in the order the drawing names them.
+    if rel_type == "drawing" and output_part.endswith(".xml"):
+        t_charts = [t for t in relationship_targets(template, template_part, template.xml(template_part))
+                    if t and t[0] == "chart"]
+        o_charts = [t for t in relationship_targets(output, output_part, output.xml(output_part))
+                    if t and t[0] == "chart"]
+        for (_, t_chart), (_, o_chart) in zip(t_charts, o_charts):
+            compare_owned_part(where, template, t_chart, output, o_chart, "chart", sheet_names)
 
 
 def quote_sheet(name):
@@ -361,6 +360,9 @@ def compare_sheet(where, template, template_sheet, output, output_sheet, written
         if ref in t_cells and not reformatted:
             failures.check(t_style == o_style or (ref not in o_cells and written(*ref)), where,
                            "cell %s has style %s, the template's %s" % (cell_name(ref), o_style, t_style))
+        if t_value.startswith("="):
+            for old, new in sheet_names:
+                t_value = t_value.replace(quote_sheet(old), quote_sheet(new))
         if not written(*ref):
             failures.check(t_value == o_value, where,
                            "cell %s holds %r, the template's %r" % (cell_name(ref), o_value, t_value))
@@ -463,16 +465,23 @@ def check_package(where, output):
             table_ids.append(table.get("id"))
     failures.check(len(set(table_names)) == len(table_names), where, "table names repeat: %s" % table_names)
     failures.check(len(set(table_ids)) == len(table_ids), where, "table ids repeat: %s" % table_ids)
-    # Each VML drawing has its own block of shape ids (o:idmap), and a shape id is given once.
-    blocks, shapes = [], []
-    for name in sorted(output.names):
-        if name.endswith(".vml"):
-            text = output.read(name).decode("utf-8", "replace")
+    # Each VML drawing of the sheets (comments, form controls) has its own block of shape ids (o:idmap),
+    # and a shape id is given once; the pictures of headers and footers count apart, as Excel counts them.
+    for tag in ("legacyDrawing", "legacyDrawingHF"):
+        blocks, shapes = [], []
+        for _, part in output.sheets:
+            element = output.xml(part).find(q(tag))
+            if element is None:
+                continue
+            rel = output.rels(part).get(element.get(R_ID))
+            if rel is None or rel["part"] not in output.names:
+                continue
+            text = output.read(rel["part"]).decode("utf-8", "replace")
             for found in re.findall(r'<o:idmap[^>]*data="([^"]*)"', text):
                 blocks += found.split(",")
             shapes += re.findall(r'(?:\sid|o:spid)="(_x0000_s\d+)"', text)
-    failures.check(len(set(blocks)) == len(blocks), where, "VML shape id blocks repeat: %s" % blocks)
-    failures.check(len(set(shapes)) == len(shapes), where, "VML shape ids repeat: %s" % shapes)
+        failures.check(len(set(blocks)) == len(blocks), where, "%s shape id blocks repeat: %s" % (tag, blocks))
+        failures.check(len(set(shapes)) == len(shapes), where, "%s shape ids repeat: %s" % (tag, shapes))
     code_names = []
     for _, part in output.sheets:
         properties = output.xml(part).find(q("sheetPr"))
@@ -598,11 +607,13 @@ def check_output(template, mode, path):
     if mode == "single":
         failures.check(len(copies) == 1, where, "one workbook per page holds page sheets %s" % copies)
     own_parts_seen = set()
+    # One workbook per page holds the page sheet itself under the page's name: what named it names the page.
+    renamed = [(template.page_sheet, copies[0])] if template.page_sheet not in o_sheets and copies else []
     # The template's own sheets that the run keeps come through as they were, less the texts it writes.
     for sheet in o_sheets:
         if sheet in t_sheets:
             written = template.written_cells(sheet, False)
-            compare_sheet(where + " sheet " + sheet, template_package, sheet, output, sheet, written, [],
+            compare_sheet(where + " sheet " + sheet, template_package, sheet, output, sheet, written, renamed,
                           own_parts_seen,
                           template.start_row if template.dynamic and sheet == template.common_sheet else None)
     for copy in copies:
