@@ -223,6 +223,14 @@ TEST_F(PackageEngineTest, RefusesDanglingPartsDocumentTypesAndMisleadingNames) {
   rels.replace(rels.find("image1.png"), std::string("image1.png").size(), "bild%201.png");
   escaped.SetBytes("xl/drawings/_rels/drawing1.xml.rels", rels);
   EXPECT_EQ(WorkbookFileRefusal(temp_.Write("Mellanslag.xlsx", escaped.ToZip()).string()), "");
+  // A picture that links to a cell: Excel writes the place as the hyperlink's target, which is no part.
+  Package linked = Package::FromZip(good);
+  rels = linked.Bytes("xl/drawings/_rels/drawing1.xml.rels");
+  rels.insert(rels.find("</Relationships>"),
+              "<Relationship Id=\"rId99\" Type=\"http://schemas.openxmlformats.org/officeDocument/2006/"
+              "relationships/hyperlink\" Target=\"#Mall!A1\"/>");
+  linked.SetBytes("xl/drawings/_rels/drawing1.xml.rels", rels);
+  EXPECT_EQ(WorkbookFileRefusal(temp_.Write("Lank.xlsx", linked.ToZip()).string()), "");
 }
 
 // A row element that carries attributes of the template's own (here an outline level, and no style

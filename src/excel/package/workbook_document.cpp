@@ -222,6 +222,9 @@ void WorkbookDocument::RefuseMissingParts(std::string_view fileName) {
     if (!source->empty() && !package_.Has(*source)) continue;
     for (const auto& relationship : ReadRelationships(package_, *source)) {
       if (relationship.external || relationship.partName.empty()) continue;
+      // A picture that links to a cell of the workbook: Excel writes the place ("#Blad1!A1") as the
+      // hyperlink's target, which names no part.
+      if (relationship.target.starts_with('#')) continue;
       if (package_.Has(relationship.partName) || package_.Has(PercentDecoded(relationship.partName)))
         continue;
       throw PackageError(BookNamed(fileName) + " är skadad: delen " + relationship.partName + ", som " +
