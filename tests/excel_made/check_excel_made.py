@@ -196,7 +196,8 @@ class Package:
             return result
         for rel in ET.fromstring(self.zip.read(rels_part)):
             target = rel.get("Target")
-            external = rel.get("TargetMode") == "External"
+            # A target "#Sheet1!A1" (a picture linking to a cell) is a place in the workbook, not a part.
+            external = rel.get("TargetMode") == "External" or target.startswith("#")
             if external:
                 target_part = None
             elif target.startswith("/"):
@@ -352,6 +353,17 @@ def compare_sheet(where, template, template_sheet, output, output_sheet, written
 
     t_cells, t_rows = cells_of(template, t_xml)
     o_cells, o_rows = cells_of(output, o_xml)
+    # A copy's tables have names of their own, and its formulas name them.
+    renamed_tables = {}
+    t_tables, o_tables = t_xml.find(q("tableParts")), o_xml.find(q("tableParts"))
+    if t_tables is not None and o_tables is not None:
+        for t_table, o_table in zip(relationship_targets(template, t_part, t_tables),
+                                    relationship_targets(output, o_part, o_tables)):
+            if t_table and o_table and o_table[1] in output.names:
+                old = template.xml(t_table[1]).get("displayName")
+                new = output.xml(o_table[1]).get("displayName")
+                if old and new and old != new:
+                    renamed_tables[old.lower()] = new
     for ref in sorted(set(t_cells) | set(o_cells)):
         t_value, t_style = t_cells.get(ref, ("", "0"))
         o_value, o_style = o_cells.get(ref, ("", "0"))
@@ -363,6 +375,9 @@ def compare_sheet(where, template, template_sheet, output, output_sheet, written
         if t_value.startswith("="):
             for old, new in sheet_names:
                 t_value = t_value.replace(quote_sheet(old), quote_sheet(new))
+            if renamed_tables:
+                pattern = r"(?<![\w.])(%s)(?=\[)" % "|".join(re.escape(n) for n in renamed_tables)
+                t_value = re.sub(pattern, lambda m: renamed_tables[m.group(1).lower()], t_value, flags=re.I)
         if not written(*ref):
             failures.check(t_value == o_value, where,
                            "cell %s holds %r, the template's %r" % (cell_name(ref), o_value, t_value))
