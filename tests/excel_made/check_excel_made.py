@@ -397,6 +397,15 @@ def compare_sheet(where, template, template_sheet, output, output_sheet, written
         o_elements = [canonical(e, dropped) for e in o_xml.findall(q(tag))]
         failures.check(t_elements == o_elements, where, "<%s> differs from the template's:\n  %s\n  %s" %
                        (tag, o_elements, t_elements))
+    # The view: frozen panes, gridlines, zoom and the like; which tab is selected is the run's to say.
+    view_flags = ("tabSelected",)
+    t_views = [canonical(v.find(q("pane")) if v.find(q("pane")) is not None else ET.Element("nopane"))
+               + canonical(ET.Element("view", {k: x for k, x in v.attrib.items() if k not in view_flags}))
+               for v in t_xml.iter(q("sheetView"))]
+    o_views = [canonical(v.find(q("pane")) if v.find(q("pane")) is not None else ET.Element("nopane"))
+               + canonical(ET.Element("view", {k: x for k, x in v.attrib.items() if k not in view_flags}))
+               for v in o_xml.iter(q("sheetView"))]
+    failures.check(t_views == o_views, where, "sheet view %s, the template's %s" % (o_views, t_views))
     if not dynamic_sheet:
         failures.check([canonical(e) for e in t_xml.findall(q("rowBreaks"))] ==
                        [canonical(e) for e in o_xml.findall(q("rowBreaks"))], where,
