@@ -4,68 +4,22 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cwctype>
-#include <functional>
-#include <optional>
+#include <sstream>
 
+#include "excel/automation.h"
 #include "excel/cell_address.h"
-#include "excel/com/com_ptr_win.h"
 #include "excel/com/variant_win.h"
+#include "excel/package/package_engine.h"
 
 namespace sw::excel::testing {
 
-using com::ComPtr;
 using com::Utf8;
 using com::Variant;
 using com::Wide;
 
-const FakeSheet* FakeFile::Find(const std::string& name) const {
-  for (const auto& sheet : sheets) {
-    if (sheet.name == name) return &sheet;
-  }
-  return nullptr;
-}
-
 namespace {
 
-constexpr int kRows = 1048576;
-constexpr int kColumns = 16384;
 constexpr HRESULT kExcelError = static_cast<HRESULT>(0x800A03EC);
-
-struct Failure {
-  HRESULT scode;
-  WORD wCode;
-  std::string description;
-};
-
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
-
-class FakeObject;
-class WorkbookObject;
-class WorksheetObject;
-
-}  // namespace
-
-struct FakeState {
-  std::map<std::string, FakeFile> files;
-  std::vector<std::string> names;  // member and argument names by DISPID - 1
-  std::multimap<std::string, std::pair<int, Failure>> failures;
-  std::map<std::string, int> calls;
-  int invokes = 0;
-  int lookups = 0;
-  std::set<FakeObject*> alive;
-  std::vector<ComPtr<WorkbookObject>> open;  // Workbooks order
-  WorkbookObject* active = nullptr;
-  bool visible = false;
-  bool userControl = false;
-  std::optional<std::pair<WorksheetObject*, std::pair<int, int>>> clipboard;
-  std::map<std::string, std::string> lastOpenText;
-};
-
-namespace {
 
 // Raised inside a member; Invoke hands it back as DISP_E_EXCEPTION.
 struct Raised {
@@ -77,6 +31,37 @@ struct Raised {
 [[noreturn]] void RaiseExcel(const std::string& description) {
   throw Raised{kExcelError, 0, description};
 }
+
+std::string Lower(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return text;
+}
+
+// What an object stands for: Application, Workbooks, Workbook, Sheets, Worksheet, Range, Border or
+// HPageBreaks, with the engine's ids of its workbook, sheet and cells.
+enum class Kind { kApplication, kWorkbooks, kWorkbook, kSheets, kSheet, kRange, kBorder, kPageBreaks };
+
+class FakeObject;
+
+}  // namespace
+
+struct FakeState {
+  PackageEngine engine;
+  std::vector<std::string> names;  // member and argument names by DISPID - 1
+  std::multimap<std::string, std::pair<int, Raised>> failures;
+  std::map<std::string, int> calls;
+  int invokes = 0;
+  int lookups = 0;
+  std::set<FakeObject*> alive;
+  // Excel hands out the same object for a workbook or sheet however it is reached.
+  std::map<std::pair<Kind, std::pair<WorkbookId, SheetId>>, FakeObject*> identities;
+  std::set<std::pair<int, int>> lockedCells;
+  bool userControl = false;
+  std::map<std::string, std::string> lastOpenText;
+  std::vector<std::string> typedAsNumbers;
+};
+
+namespace {
 
 // The arguments of one Invoke: positional in natural order, named by lower-case name.
 struct Arguments {
@@ -107,19 +92,37 @@ Variant Copy(const VARIANT& value) {
 long IntOf(const VARIANT& value) {
   return Copy(value).ToInt();
 }
-bool BoolOf(const VARIANT& value) {
-  return Copy(value).ToBool();
-}
 std::string TextOf(const VARIANT& value) {
   return Copy(value).ToText();
 }
 
-class FakeObject : public IDispatch {
+class FakeObject final : public IDispatch {
  public:
-  explicit FakeObject(FakeState* state) : state_(state) { state_->alive.insert(this); }
-  virtual ~FakeObject() { state_->alive.erase(this); }
+  FakeObject(FakeState* state, Kind kind, RangeRef ref, int edge)
+      : state_(state), kind_(kind), ref_(ref), edge_(edge) {
+    state_->alive.insert(this);
+  }
+  ~FakeObject() {
+    state_->alive.erase(this);
+    const auto identity = state_->identities.find(Identity());
+    if (identity != state_->identities.end() && identity->second == this) state_->identities.erase(identity);
+  }
   FakeObject(const FakeObject&) = delete;
   FakeObject& operator=(const FakeObject&) = delete;
+
+  // A new reference to the object for `kind` and `ref`, the same one for a workbook or sheet still held.
+  static IDispatch* Get(FakeState* state, Kind kind, RangeRef ref, int edge = 0) {
+    if (kind == Kind::kWorkbook || kind == Kind::kSheet) {
+      if (const auto found = state->identities.find({kind, {ref.sheet.workbook, ref.sheet.sheet}});
+          found != state->identities.end()) {
+        found->second->AddRef();
+        return found->second;
+      }
+    }
+    auto* object = new FakeObject(state, kind, ref, edge);
+    if (kind == Kind::kWorkbook || kind == Kind::kSheet) state->identities[object->Identity()] = object;
+    return object;
+  }
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -178,13 +181,19 @@ class FakeObject : public IDispatch {
     try {
       const auto [first, last] = state_->failures.equal_range(key);
       for (auto it = first; it != last; ++it) {
-        if (it->second.first == call) {
-          const Failure& failure = it->second.second;
-          throw Raised{failure.scode, failure.wCode, failure.description};
-        }
+        if (it->second.first == call) throw it->second.second;
       }
       Variant answer;
-      if (!Member(member, isPut, arguments, answer)) return DISP_E_MEMBERNOTFOUND;
+      try {
+        if (!Member(member, isPut, arguments, answer)) return DISP_E_MEMBERNOTFOUND;
+      } catch (const base::NumberedError& error) {
+        // The engine's run-time number travels as Excel's own errors do: 1004 as Excel's HRESULT,
+        // the others as run-time numbers.
+        const int number = error.number();
+        if (number == kApplicationDefined) throw Raised{kExcelError, 0, error.description()};
+        throw Raised{static_cast<HRESULT>(number),
+                     static_cast<WORD>(number > 0 && number <= 0xFFFF ? number : 0), error.description()};
+      }
       if (result != nullptr) *result = std::exchange(answer.raw(), VARIANT{});
       return S_OK;
     } catch (const Raised& raised) {
@@ -200,595 +209,332 @@ class FakeObject : public IDispatch {
     }
   }
 
-  // References the stand-in keeps for itself (an open workbook, a sheet of one).
-  int internalReferences = 0;
   ULONG references() const { return references_; }
 
- protected:
-  // Answers `member` (lower case); false when this object has no such member.
-  virtual bool Member(const std::string& member, bool isPut, const Arguments& arguments, Variant& result) = 0;
-  static void Answer(Variant& result, IDispatch* object) { result = Variant::Object(object); }
+ private:
+  std::pair<Kind, std::pair<WorkbookId, SheetId>> Identity() const {
+    return {kind_, {ref_.sheet.workbook, ref_.sheet.sheet}};
+  }
+  void Answer(Variant& result, Kind kind, RangeRef ref, int edge = 0) const {
+    result = Variant::Object(Get(state_, kind, ref, edge));
+    result.raw().pdispVal->Release();  // Variant::Object took its own reference
+  }
+  void AnswerBook(Variant& result, WorkbookId book) const {
+    if (book != 0) Answer(result, Kind::kWorkbook, RangeRef{SheetRef{book, 0}});
+  }
+  void AnswerSheet(Variant& result, SheetRef sheet) const { Answer(result, Kind::kSheet, RangeRef{sheet}); }
+  void AnswerRange(Variant& result, RangeRef range) const { Answer(result, Kind::kRange, range); }
+  // The object an argument passes, when it is one of this stand-in's of `kind`.
+  static const FakeObject* ObjectOf(const VARIANT& value, Kind kind) {
+    if (value.vt != VT_DISPATCH || value.pdispVal == nullptr) return nullptr;
+    const auto* object = static_cast<const FakeObject*>(value.pdispVal);
+    return object->kind_ == kind ? object : nullptr;
+  }
+
+  bool Member(const std::string& member, bool isPut, const Arguments& arguments, Variant& result);
+  bool ApplicationMember(const std::string& member, bool isPut, const Arguments& arguments, Variant& result);
+  bool WorkbooksMember(const std::string& member, const Arguments& arguments, Variant& result);
+  bool SheetMember(const std::string& member, bool isPut, const Arguments& arguments, Variant& result);
+  bool RangeMember(const std::string& member, bool isPut, const Arguments& arguments, Variant& result);
+  void Store(int row, int column, const VARIANT& value);
 
   FakeState* state_;
-
- private:
+  Kind kind_;
+  RangeRef ref_;
+  int edge_;
   ULONG references_ = 1;
 };
 
-template <typename Object, typename... Parameters>
-ComPtr<Object> Make(Parameters&&... parameters) {
-  return ComPtr<Object>::Adopt(new Object(std::forward<Parameters>(parameters)...));
-}
-
-struct Area {
-  int firstRow, firstColumn, lastRow, lastColumn;
-  bool Contains(int row, int column) const {
-    return row >= firstRow && row <= lastRow && column >= firstColumn && column <= lastColumn;
+bool FakeObject::Member(const std::string& member, bool isPut, const Arguments& arguments, Variant& result) {
+  Engine& engine = state_->engine;
+  const WorkbookId book = ref_.sheet.workbook;
+  switch (kind_) {
+    case Kind::kApplication:
+      return ApplicationMember(member, isPut, arguments, result);
+    case Kind::kWorkbooks:
+      return WorkbooksMember(member, arguments, result);
+    case Kind::kWorkbook:
+      if (member == "sheets" || member == "worksheets") {
+        Answer(result, Kind::kSheets, ref_);
+      } else if (member == "saveas") {
+        engine.SaveAs(book, TextOf(arguments.Need(0, "filename")));
+      } else if (member == "save") {
+        engine.Save(book);
+      } else if (member == "close") {
+        const VARIANT* save = arguments.At(0, "savechanges");
+        engine.Close(book, save != nullptr && Copy(*save).ToBool());
+      } else if (member == "fullname") {
+        result = Variant::Text(engine.FullName(book));
+      } else {
+        return false;
+      }
+      return true;
+    case Kind::kSheets:
+      if (member == "count") {
+        result = Variant::Int(engine.SheetCount(book));
+      } else if (member == "item") {
+        const long index = IntOf(arguments.Need(0, "index"));
+        if (index < 1 || index > engine.SheetCount(book)) throw Raised{DISP_E_BADINDEX, 0, ""};
+        AnswerSheet(result, engine.SheetAt(book, static_cast<int>(index)));
+      } else {
+        return false;
+      }
+      return true;
+    case Kind::kSheet:
+      return SheetMember(member, isPut, arguments, result);
+    case Kind::kRange:
+      return RangeMember(member, isPut, arguments, result);
+    case Kind::kBorder:
+      if (member != "weight" || !isPut) return false;
+      engine.SetBorderWeight(ref_, static_cast<XlBordersIndex>(edge_),
+                             static_cast<XlBorderWeight>(IntOf(*arguments.put)));
+      return true;
+    case Kind::kPageBreaks:
+      if (member == "count") {
+        result = Variant::Int(engine.PageBreakCount(ref_.sheet));
+      } else if (member == "add") {
+        const FakeObject* cell = ObjectOf(arguments.Need(0, "before"), Kind::kRange);
+        if (cell == nullptr) throw Raised{DISP_E_TYPEMISMATCH, 0, ""};
+        engine.AddPageBreak(ref_.sheet, cell->ref_);
+      } else {
+        return false;
+      }
+      return true;
   }
-};
-
-// Excel's sheet-name rules, as it refuses a name.
-bool BadSheetName(const std::string& name) {
-  if (name.empty() || Wide(name).size() > 31) return true;
-  return name.find_first_of("[]:*?/\\") != std::string::npos || name.front() == '\'' || name.back() == '\'';
+  return false;
 }
 
-class WorksheetObject final : public FakeObject {
- public:
-  WorksheetObject(FakeState* state, WorkbookObject* owner, FakeSheet content)
-      : FakeObject(state), workbook(owner), data(std::move(content)) {}
-  WorkbookObject* workbook;
-  FakeSheet data;
-  Area selection{1, 1, 1, 1};
+bool FakeObject::ApplicationMember(const std::string& member, bool isPut, const Arguments& arguments,
+                                   Variant& result) {
+  Engine& engine = state_->engine;
+  if (member == "visible") {
+    if (isPut) {
+      engine.SetVisible(Copy(*arguments.put).ToBool());
+    } else {
+      result = Variant::Bool(engine.Visible());
+    }
+  } else if (member == "usercontrol") {
+    if (isPut) {
+      state_->userControl = Copy(*arguments.put).ToBool();
+    } else {
+      result = Variant::Bool(state_->userControl);
+    }
+  } else if (member == "cutcopymode" && isPut) {
+    engine.SetCutCopyMode(Copy(*arguments.put).ToBool());
+  } else if (member == "quit") {
+    engine.Quit();
+  } else if (member == "workbooks") {
+    Answer(result, Kind::kWorkbooks, RangeRef{});
+  } else if (member == "activeworkbook") {
+    AnswerBook(result, engine.ActiveWorkbook());
+  } else if (member == "activesheet") {
+    AnswerSheet(result, engine.ActiveSheet());
+  } else if (member == "selection") {
+    AnswerRange(result, engine.Selection());
+  } else if (member == "activecell") {
+    AnswerRange(result, engine.ActiveCell());
+  } else {
+    return false;
+  }
+  return true;
+}
 
-  void Store(int row, int column, const VARIANT& value) {
-    if (value.vt == VT_EMPTY) {
-      data.cells.erase({row, column});
-      return;
+// FieldInfo's array of (column, type) arrays as "1:2,2:2,...".
+std::string FieldPairs(SAFEARRAY* array) {
+  std::string pairs;
+  LONG low = 0, high = -1;
+  SafeArrayGetLBound(array, 1, &low);
+  SafeArrayGetUBound(array, 1, &high);
+  for (LONG i = low; i <= high; ++i) {
+    Variant pair;
+    SafeArrayGetElement(array, &i, pair.Receive());
+    LONG first = 0;
+    SafeArrayGetLBound(pair.raw().parray, 1, &first);
+    Variant column, type;
+    LONG second = first + 1;
+    SafeArrayGetElement(pair.raw().parray, &first, column.Receive());
+    SafeArrayGetElement(pair.raw().parray, &second, type.Receive());
+    if (!pairs.empty()) pairs += ",";
+    pairs += column.ToText() + ":" + type.ToText();
+  }
+  return pairs;
+}
+
+bool FakeObject::WorkbooksMember(const std::string& member, const Arguments& arguments, Variant& result) {
+  Engine& engine = state_->engine;
+  if (member == "count") {
+    result = Variant::Int(engine.WorkbookCount());
+  } else if (member == "item") {
+    const long index = IntOf(arguments.Need(0, "index"));
+    if (index < 1 || index > engine.WorkbookCount()) throw Raised{DISP_E_BADINDEX, 0, ""};
+    AnswerBook(result, engine.WorkbookAt(static_cast<int>(index)));
+  } else if (member == "open") {
+    OpenArguments open;
+    if (const VARIANT* links = arguments.At(1, "updatelinks")) open.updateLinks = Copy(*links).ToBool();
+    if (const VARIANT* readOnly = arguments.At(2, "readonly")) open.readOnly = Copy(*readOnly).ToBool();
+    AnswerBook(result, engine.OpenWorkbook(TextOf(arguments.Need(0, "filename")), open));
+  } else if (member == "opentext") {
+    std::map<std::string, std::string>& given = state_->lastOpenText;
+    given.clear();
+    for (const auto& [name, value] : arguments.named)
+      given[name] = (value->vt & VT_ARRAY) != 0 ? FieldPairs(value->parray) : TextOf(*value);
+    OpenTextOptions options;
+    options.fileName = given["filename"];
+    std::istringstream pairs(given["fieldinfo"]);
+    for (std::string pair; std::getline(pairs, pair, ',');) {
+      options.fieldInfo.emplace_back(
+          std::stoi(pair), static_cast<XlColumnDataType>(std::stoi(pair.substr(pair.find(':') + 1))));
     }
-    std::string text = TextOf(value);
-    if (value.vt == VT_BSTR && !text.empty() && text.front() == '\'') {
-      data.cells[{row, column}] = FakeCell{text.substr(1), false};
-      return;
+    engine.OpenText(options);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+bool FakeObject::SheetMember(const std::string& member, bool isPut, const Arguments& arguments,
+                             Variant& result) {
+  Engine& engine = state_->engine;
+  Sheet sheet(&engine, ref_.sheet);
+  if (member == "name") {
+    if (isPut) {
+      sheet.SetName(TextOf(*arguments.put));
+    } else {
+      result = Variant::Text(sheet.Name());
     }
-    if (text.empty()) {
-      data.cells.erase({row, column});
-      return;
-    }
+  } else if (member == "index") {
+    result = Variant::Int(sheet.Index());
+  } else if (member == "copy") {
+    const VARIANT* after = arguments.At(1, "after");
+    const FakeObject* anchor = after != nullptr ? ObjectOf(*after, Kind::kSheet) : nullptr;
+    if (anchor == nullptr) RaiseExcel("Copy-metoden i Worksheet-klassen misslyckades");
+    engine.CopySheetAfter(ref_.sheet, anchor->ref_.sheet);
+  } else if (member == "select") {
+    engine.SelectSheet(ref_.sheet);
+  } else if (member == "cells") {
+    const VARIANT* row = arguments.At(0, "rowindex");
+    const VARIANT* column = arguments.At(1, "columnindex");
+    AnswerRange(result, (row != nullptr && column != nullptr
+                             ? sheet.Cells(static_cast<int>(IntOf(*row)), static_cast<int>(IntOf(*column)))
+                             : sheet.Cells())
+                            .ref());
+  } else if (member == "range" || member == "rows") {
+    const std::string address = TextOf(arguments.Need(0, "cell1"));
+    AnswerRange(result, (member == "rows" ? sheet.Rows(address) : sheet.Range(address)).ref());
+  } else if (member == "columns") {
+    const std::string address = TextOf(arguments.Need(0, "cell1"));
+    const auto colon = address.find(':');
+    const auto first = ParseCellAddress(address.substr(0, colon) + "1");
+    const auto last = ParseCellAddress(address.substr(colon + 1) + "1");
+    if (colon == std::string::npos || !first || !last)
+      RaiseExcel("Programdefinierat eller objektdefinierat fel");
+    AnswerRange(result,
+                RangeRef{ref_.sheet, 1, first->column, kMaxRows, last->column, RangeShape::kEntireColumns});
+  } else if (member == "hpagebreaks") {
+    Answer(result, Kind::kPageBreaks, ref_);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void FakeObject::Store(int row, int column, const VARIANT& value) {
+  std::string text = value.vt == VT_EMPTY ? std::string() : TextOf(value);
+  if (value.vt == VT_BSTR && text.starts_with('\'')) {
+    text.erase(0, 1);
+  } else if (!text.empty()) {
     // A text Excel can read as a number becomes one, as when typed.
     char* end = nullptr;
     std::strtod(text.c_str(), &end);
-    const bool number = value.vt != VT_BSTR || (end != nullptr && *end == '\0' && text.front() != ' ');
-    data.cells[{row, column}] = FakeCell{text, number};
+    if (value.vt != VT_BSTR || (end != nullptr && *end == '\0' && text.front() != ' '))
+      state_->typedAsNumbers.push_back(state_->engine.SheetName(ref_.sheet) + "!" +
+                                       FormatCellAddress(row, column));
   }
-  void RefuseLocked(const Area& area) const {
-    for (const auto& [row, column] : data.lockedCells) {
-      if (area.Contains(row, column)) RaiseExcel("Cellen eller diagrammet som du försöker ändra är skyddat.");
-    }
-  }
-
- protected:
-  bool Member(const std::string& member, bool isPut, const Arguments& arguments, Variant& result) override;
-};
-
-class RangeObject final : public FakeObject {
- public:
-  RangeObject(FakeState* state, ComPtr<WorksheetObject> sheet, Area area)
-      : FakeObject(state), sheet_(std::move(sheet)), area_(area) {}
-  int firstRow() const { return area_.firstRow; }
-
- protected:
-  bool Member(const std::string& member, bool isPut, const Arguments& arguments, Variant& result) override;
-
- private:
-  bool OneCell() const { return area_.firstRow == area_.lastRow && area_.firstColumn == area_.lastColumn; }
-  ComPtr<WorksheetObject> sheet_;
-  Area area_;
-};
-
-class BorderObject final : public FakeObject {
- public:
-  using FakeObject::FakeObject;
-
- protected:
-  bool Member(const std::string& member, bool isPut, const Arguments& arguments, Variant&) override {
-    if (member != "weight" || !isPut) return false;
-    IntOf(*arguments.put);
-    return true;
-  }
-};
-
-class PageBreaksObject final : public FakeObject {
- public:
-  PageBreaksObject(FakeState* state, ComPtr<WorksheetObject> sheet)
-      : FakeObject(state), sheet_(std::move(sheet)) {}
-
- protected:
-  bool Member(const std::string& member, bool, const Arguments& arguments, Variant& result) override;
-
- private:
-  ComPtr<WorksheetObject> sheet_;
-};
-
-class WorkbookObject final : public FakeObject {
- public:
-  WorkbookObject(FakeState* state, std::string file, bool readOnlyFile)
-      : FakeObject(state), path(std::move(file)), readOnly(readOnlyFile) {}
-  ~WorkbookObject() override {
-    for (auto& sheet : sheets) sheet->workbook = nullptr;
-  }
-  std::string path;
-  bool readOnly;
-  std::vector<ComPtr<WorksheetObject>> sheets;
-  WorksheetObject* activeSheet = nullptr;
-
-  void AddSheet(FakeSheet data, std::size_t position) {
-    auto sheet = Make<WorksheetObject>(state_, this, std::move(data));
-    sheet->internalReferences = 1;
-    sheets.insert(sheets.begin() + static_cast<long>(position), sheet);
-    activeSheet = sheet.get();
-  }
-  int IndexOf(const WorksheetObject* sheet) const {
-    for (std::size_t i = 0; i < sheets.size(); ++i) {
-      if (sheets[i].get() == sheet) return static_cast<int>(i) + 1;
-    }
-    RaiseExcel("Bladet finns inte längre");
-  }
-  FakeFile Snapshot() const {
-    FakeFile file;
-    for (const auto& sheet : sheets) file.sheets.push_back(sheet->data);
-    file.activeSheet = static_cast<std::size_t>(IndexOf(activeSheet) - 1);
-    return file;
-  }
-
- protected:
-  bool Member(const std::string& member, bool isPut, const Arguments& arguments, Variant& result) override;
-};
-
-class SheetsObject final : public FakeObject {
- public:
-  SheetsObject(FakeState* state, ComPtr<WorkbookObject> workbook)
-      : FakeObject(state), workbook_(std::move(workbook)) {}
-
- protected:
-  bool Member(const std::string& member, bool, const Arguments& arguments, Variant& result) override {
-    if (member == "count") {
-      result = Variant::Int(static_cast<long>(workbook_->sheets.size()));
-      return true;
-    }
-    if (member == "item") {
-      const long index = IntOf(arguments.Need(0, "index"));
-      if (index < 1 || index > static_cast<long>(workbook_->sheets.size()))
-        throw Raised{DISP_E_BADINDEX, 0, ""};
-      Answer(result, workbook_->sheets[static_cast<std::size_t>(index - 1)].get());
-      return true;
-    }
-    return false;
-  }
-
- private:
-  ComPtr<WorkbookObject> workbook_;
-};
-
-void Activate(FakeState* state, WorkbookObject* workbook) {
-  state->active = workbook;
+  state_->engine.SetValue(RangeRef{ref_.sheet, row, column, row, column}, text);
 }
 
-bool WorkbookObject::Member(const std::string& member, bool, const Arguments& arguments, Variant& result) {
-  if (member == "sheets" || member == "worksheets") {
-    auto collection = Make<SheetsObject>(state_, ComPtr<WorkbookObject>::Share(this));
-    if (const VARIANT* index = arguments.At(0, "index")) {
-      const long i = IntOf(*index);
-      if (i < 1 || i > static_cast<long>(sheets.size())) throw Raised{DISP_E_BADINDEX, 0, ""};
-      Answer(result, sheets[static_cast<std::size_t>(i - 1)].get());
-    } else {
-      Answer(result, collection.get());
-    }
-    return true;
-  }
-  if (member == "saveas") {
-    path = TextOf(arguments.Need(0, "filename"));
-    readOnly = false;
-    state_->files[path] = Snapshot();
-    return true;
-  }
-  if (member == "save") {
-    if (readOnly) RaiseExcel("Arbetsboken är skrivskyddad.");
-    state_->files[path] = Snapshot();
-    return true;
-  }
-  if (member == "close") {
-    const VARIANT* save = arguments.At(0, "savechanges");
-    if (save != nullptr && BoolOf(*save) && !readOnly) state_->files[path] = Snapshot();
-    auto& open = state_->open;
-    for (auto it = open.begin(); it != open.end(); ++it) {
-      if (it->get() != this) continue;
-      --internalReferences;
-      open.erase(it);
-      break;
-    }
-    if (state_->active == this) state_->active = open.empty() ? nullptr : open.back().get();
-    return true;
-  }
-  if (member == "fullname") {
-    result = Variant::Text(path);
-    return true;
-  }
-  return false;
-}
-
-// "A1", "A1:C3", "B:D" or "10:12".
-std::optional<Area> ParseArea(const std::string& address) {
-  const auto colon = address.find(':');
-  const std::string first = address.substr(0, colon);
-  const std::string last = colon == std::string::npos ? first : address.substr(colon + 1);
-  const auto a = ParseCellAddress(first);
-  const auto b = ParseCellAddress(last);
-  if (a && b)
-    return Area{std::min(a->row, b->row), std::min(a->column, b->column), std::max(a->row, b->row),
-                std::max(a->column, b->column)};
-  if (!first.empty() && std::all_of(first.begin(), first.end(), ::isdigit) && !last.empty() &&
-      std::all_of(last.begin(), last.end(), ::isdigit)) {
-    return Area{std::stoi(first), 1, std::stoi(last), kColumns};
-  }
-  const auto column = [](const std::string& letters) { return ParseCellAddress(letters + "1"); };
-  if (const auto c = column(first), d = column(last); c && d) return Area{1, c->column, kRows, d->column};
-  return std::nullopt;
-}
-
-std::string CopyName(const WorkbookObject& workbook, const std::string& name) {
-  for (int n = 2;; ++n) {
-    const std::string candidate = name + " (" + std::to_string(n) + ")";
-    bool taken = false;
-    for (const auto& sheet : workbook.sheets) taken = taken || Lower(sheet->data.name) == Lower(candidate);
-    if (!taken) return candidate;
-  }
-}
-
-WorksheetObject* AsSheet(const VARIANT& value) {
-  if (value.vt != VT_DISPATCH || value.pdispVal == nullptr) return nullptr;
-  return dynamic_cast<WorksheetObject*>(static_cast<FakeObject*>(value.pdispVal));
-}
-
-bool WorksheetObject::Member(const std::string& member, bool isPut, const Arguments& arguments,
+bool FakeObject::RangeMember(const std::string& member, bool isPut, const Arguments& arguments,
                              Variant& result) {
-  if (workbook == nullptr) RaiseExcel("Objektet har kopplats bort från sina klienter.");
-  auto self = ComPtr<WorksheetObject>::Share(this);
-  if (member == "name") {
-    if (!isPut) {
-      result = Variant::Text(data.name);
-      return true;
+  Engine& engine = state_->engine;
+  const auto refuseLocked = [this] {
+    for (const auto& [row, column] : state_->lockedCells) {
+      if (row >= ref_.firstRow && row <= ref_.lastRow && column >= ref_.firstColumn &&
+          column <= ref_.lastColumn)
+        RaiseExcel("Cellen eller diagrammet som du försöker ändra är skyddat.");
     }
-    const std::string name = TextOf(*arguments.put);
-    for (const auto& sheet : workbook->sheets) {
-      if (sheet.get() != this && Lower(sheet->data.name) == Lower(name)) RaiseExcel("Namnet används redan.");
-    }
-    if (BadSheetName(name)) RaiseExcel("Bladnamnet är ogiltigt.");
-    data.name = name;
-    return true;
-  }
-  if (member == "index") {
-    result = Variant::Int(workbook->IndexOf(this));
-    return true;
-  }
-  if (member == "copy") {
-    const VARIANT* after = arguments.At(1, "after");
-    const VARIANT* before = arguments.At(0, "before");
-    WorksheetObject* anchor = AsSheet(after != nullptr ? *after : before != nullptr ? *before : VARIANT{});
-    if (anchor == nullptr || anchor->workbook != workbook)
-      RaiseExcel("Copy-metoden i Worksheet-klassen misslyckades");
-    FakeSheet copy = data;
-    copy.name = CopyName(*workbook, data.name);
-    const int position = workbook->IndexOf(anchor) - (after != nullptr ? 0 : 1);
-    workbook->AddSheet(std::move(copy), static_cast<std::size_t>(position));
-    Activate(state_, workbook);
-    return true;
-  }
-  if (member == "select") {
-    workbook->activeSheet = this;
-    Activate(state_, workbook);
-    return true;
-  }
-  if (member == "cells") {
-    const VARIANT* row = arguments.At(0, "rowindex");
-    const VARIANT* column = arguments.At(1, "columnindex");
-    Area area{1, 1, kRows, kColumns};
-    if (row != nullptr && column != nullptr) {
-      const long r = IntOf(*row);
-      const long c = IntOf(*column);
-      if (r < 1 || r > kRows || c < 1 || c > kColumns)
-        RaiseExcel("Programdefinierat eller objektdefinierat fel");
-      area = Area{static_cast<int>(r), static_cast<int>(c), static_cast<int>(r), static_cast<int>(c)};
-    }
-    Answer(result, Make<RangeObject>(state_, self, area).get());
-    return true;
-  }
-  if (member == "range" || member == "rows" || member == "columns") {
-    const VARIANT& first = arguments.Need(0, "cell1");
-    std::optional<Area> area;
-    if (first.vt == VT_BSTR) {
-      area = ParseArea(TextOf(first));
-    } else if (member == "rows") {
-      const int row = static_cast<int>(IntOf(first));
-      area = Area{row, 1, row, kColumns};
-    }
-    if (!area) RaiseExcel("Programdefinierat eller objektdefinierat fel");
-    if (member == "rows" && area->lastColumn != kColumns)
-      RaiseExcel("Programdefinierat eller objektdefinierat fel");
-    Answer(result, Make<RangeObject>(state_, self, *area).get());
-    return true;
-  }
-  if (member == "hpagebreaks") {
-    Answer(result, Make<PageBreaksObject>(state_, self).get());
-    return true;
-  }
-  return false;
-}
-
-bool RangeObject::Member(const std::string& member, bool isPut, const Arguments& arguments, Variant& result) {
-  WorksheetObject& sheet = *sheet_.get();
-  if (sheet.workbook == nullptr) RaiseExcel("Objektet har kopplats bort från sina klienter.");
+  };
   if (member == "value" || member == "value2") {
     if (!isPut) {
-      if (!OneCell()) throw Raised{DISP_E_TYPEMISMATCH, 0, ""};
-      const auto cell = sheet.data.cells.find({area_.firstRow, area_.firstColumn});
-      if (cell == sheet.data.cells.end()) return true;
-      if (cell->second.number) {
-        VARIANT number;
-        VariantInit(&number);
-        number.vt = VT_R8;
-        number.dblVal = std::strtod(cell->second.text.c_str(), nullptr);
-        result.raw() = number;
-      } else {
-        result = Variant::Text(cell->second.text);
-      }
+      result = Variant::Text(engine.Value(ref_));
       return true;
     }
-    sheet.RefuseLocked(area_);
+    refuseLocked();
     const VARIANT& value = *arguments.put;
-    if ((value.vt & VT_ARRAY) != 0) {
-      SAFEARRAY* array = value.parray;
-      LONG rowsLow = 0, rowsHigh = 0, columnsLow = 0, columnsHigh = 0;
-      if (SafeArrayGetDim(array) != 2) RaiseExcel("Matrisen måste ha två dimensioner");
-      SafeArrayGetLBound(array, 1, &rowsLow);
-      SafeArrayGetUBound(array, 1, &rowsHigh);
-      SafeArrayGetLBound(array, 2, &columnsLow);
-      SafeArrayGetUBound(array, 2, &columnsHigh);
-      // Excel fills a larger range with #N/A; the engine must never ask for that.
-      if (rowsHigh - rowsLow + 1 != area_.lastRow - area_.firstRow + 1 ||
-          columnsHigh - columnsLow + 1 != area_.lastColumn - area_.firstColumn + 1) {
-        RaiseExcel("Matrisen passar inte området");
+    if ((value.vt & VT_ARRAY) == 0) {
+      if (ref_.firstRow != ref_.lastRow || ref_.firstColumn != ref_.lastColumn)
+        RaiseExcel("Ett värde per cell");
+      Store(ref_.firstRow, ref_.firstColumn, value);
+      return true;
+    }
+    SAFEARRAY* array = value.parray;
+    LONG rowsLow = 0, rowsHigh = 0, columnsLow = 0, columnsHigh = 0;
+    if (SafeArrayGetDim(array) != 2) RaiseExcel("Matrisen måste ha två dimensioner");
+    SafeArrayGetLBound(array, 1, &rowsLow);
+    SafeArrayGetUBound(array, 1, &rowsHigh);
+    SafeArrayGetLBound(array, 2, &columnsLow);
+    SafeArrayGetUBound(array, 2, &columnsHigh);
+    // Excel fills a larger range with #N/A; the engine must never ask for that.
+    if (rowsHigh - rowsLow != ref_.lastRow - ref_.firstRow ||
+        columnsHigh - columnsLow != ref_.lastColumn - ref_.firstColumn)
+      RaiseExcel("Matrisen passar inte området");
+    for (LONG r = rowsLow; r <= rowsHigh; ++r) {
+      for (LONG c = columnsLow; c <= columnsHigh; ++c) {
+        LONG indices[2] = {r, c};
+        Variant element;
+        SafeArrayGetElement(array, indices, element.Receive());
+        Store(ref_.firstRow + static_cast<int>(r - rowsLow),
+              ref_.firstColumn + static_cast<int>(c - columnsLow), element.raw());
       }
-      for (LONG r = rowsLow; r <= rowsHigh; ++r) {
-        for (LONG c = columnsLow; c <= columnsHigh; ++c) {
-          LONG indices[2] = {r, c};
-          Variant element;
-          SafeArrayGetElement(array, indices, element.Receive());
-          sheet.Store(area_.firstRow + static_cast<int>(r - rowsLow),
-                      area_.firstColumn + static_cast<int>(c - columnsLow), element.raw());
-        }
-      }
-      return true;
     }
-    for (int r = area_.firstRow; r <= area_.lastRow && r <= 100000; ++r) {
-      for (int c = area_.firstColumn; c <= area_.lastColumn && c <= 1000; ++c) sheet.Store(r, c, value);
-    }
-    return true;
-  }
-  if (member == "select") {
-    if (sheet.workbook->activeSheet != &sheet) RaiseExcel("Select-metoden i Range-klassen misslyckades");
-    sheet.selection = area_;
-    return true;
-  }
-  if (member == "clearcontents") {
-    sheet.RefuseLocked(area_);
-    for (auto it = sheet.data.cells.begin(); it != sheet.data.cells.end();) {
-      it = area_.Contains(it->first.first, it->first.second) ? sheet.data.cells.erase(it) : std::next(it);
-    }
-    return true;
-  }
-  if (member == "copy") {
-    state_->clipboard = std::make_pair(&sheet, std::make_pair(area_.firstRow, area_.lastRow));
-    return true;
-  }
-  if (member == "pastespecial") {
-    if (!state_->clipboard) RaiseExcel("PasteSpecial-metoden i Range-klassen misslyckades");
-    IntOf(arguments.Need(0, "paste"));
-    return true;
-  }
-  if (member == "borders") {
-    IntOf(arguments.Need(0, "index"));
-    Answer(result, Make<BorderObject>(state_).get());
-    return true;
-  }
-  if (member == "entirecolumn") {
-    Answer(result,
-           Make<RangeObject>(state_, sheet_, Area{1, area_.firstColumn, kRows, area_.lastColumn}).get());
-    return true;
-  }
-  if (member == "autofit") {
-    if (area_.firstRow != 1 || area_.lastRow != kRows)
-      RaiseExcel("AutoFit-metoden i Range-klassen misslyckades");
-    return true;
-  }
-  if (member == "row" || member == "column") {
-    result = Variant::Int(member == "row" ? area_.firstRow : area_.firstColumn);
-    return true;
-  }
-  if (member == "cells") {
-    const long r = IntOf(arguments.Need(0, "rowindex"));
-    const long c = IntOf(arguments.Need(1, "columnindex"));
-    const int row = area_.firstRow + static_cast<int>(r) - 1;
-    const int column = area_.firstColumn + static_cast<int>(c) - 1;
-    Answer(result, Make<RangeObject>(state_, sheet_, Area{row, column, row, column}).get());
-    return true;
-  }
-  return false;
-}
-
-bool PageBreaksObject::Member(const std::string& member, bool, const Arguments& arguments, Variant& result) {
-  if (member == "count") {
-    result = Variant::Int(static_cast<long>(sheet_->data.pageBreakRows.size()));
-    return true;
-  }
-  if (member == "add") {
-    const VARIANT& before = arguments.Need(0, "before");
-    if (before.vt != VT_DISPATCH || before.pdispVal == nullptr) RaiseExcel("Typerna matchar inte");
-    auto* cell = dynamic_cast<RangeObject*>(static_cast<FakeObject*>(before.pdispVal));
-    if (cell == nullptr) RaiseExcel("Typerna matchar inte");
-    const long at = cell->firstRow();
-    if (at <= 1) RaiseExcel("Programdefinierat eller objektdefinierat fel");
-    sheet_->data.pageBreakRows.insert(static_cast<int>(at));
-    return true;
-  }
-  return false;
-}
-
-class WorkbooksObject final : public FakeObject {
- public:
-  using FakeObject::FakeObject;
-
- protected:
-  bool Member(const std::string& member, bool, const Arguments& arguments, Variant& result) override {
-    if (member == "count") {
-      result = Variant::Int(static_cast<long>(state_->open.size()));
-      return true;
-    }
-    if (member == "item") {
-      const long index = IntOf(arguments.Need(0, "index"));
-      if (index < 1 || index > static_cast<long>(state_->open.size())) throw Raised{DISP_E_BADINDEX, 0, ""};
-      Answer(result, state_->open[static_cast<std::size_t>(index - 1)].get());
-      return true;
-    }
-    if (member == "open") {
-      const std::string path = TextOf(arguments.Need(0, "filename"));
-      const VARIANT* readOnly = arguments.At(2, "readonly");
-      if (const VARIANT* links = arguments.At(1, "updatelinks")) IntOf(*links);
-      const auto file = state_->files.find(path);
-      if (file == state_->files.end()) RaiseExcel("Det går inte att hitta " + path + ".");
-      auto workbook = Make<WorkbookObject>(state_, path, readOnly != nullptr && BoolOf(*readOnly));
-      for (const auto& sheet : file->second.sheets) workbook->AddSheet(sheet, workbook->sheets.size());
-      workbook->activeSheet = workbook->sheets.at(file->second.activeSheet).get();
-      workbook->internalReferences = 1;
-      state_->open.push_back(workbook);
-      Activate(state_, workbook.get());
-      Answer(result, workbook.get());
-      return true;
-    }
-    if (member == "opentext") {
-      std::map<std::string, std::string> given;
-      for (const auto& [name, value] : arguments.named) {
-        if ((value->vt & VT_ARRAY) == 0) {
-          given[name] = TextOf(*value);
-          continue;
-        }
-        std::string pairs;
-        LONG low = 0, high = -1;
-        SafeArrayGetLBound(value->parray, 1, &low);
-        SafeArrayGetUBound(value->parray, 1, &high);
-        for (LONG i = low; i <= high; ++i) {
-          Variant pair;
-          SafeArrayGetElement(value->parray, &i, pair.Receive());
-          LONG first = 0;
-          SafeArrayGetLBound(pair.raw().parray, 1, &first);
-          Variant column, type;
-          LONG second = first + 1;
-          SafeArrayGetElement(pair.raw().parray, &first, column.Receive());
-          SafeArrayGetElement(pair.raw().parray, &second, type.Receive());
-          if (!pairs.empty()) pairs += ",";
-          pairs += column.ToText() + ":" + type.ToText();
-        }
-        given[name] = pairs;
-      }
-      state_->lastOpenText = given;
-      const std::string path = given["filename"];
-      std::string name = path.substr(path.find_last_of("/\\") + 1);
-      name = name.substr(0, name.rfind('.'));
-      auto workbook = Make<WorkbookObject>(state_, path, false);
-      workbook->AddSheet(FakeSheet{name, {}, {}, {}}, 0);
-      workbook->internalReferences = 1;
-      state_->open.push_back(workbook);
-      Activate(state_, workbook.get());
-      return true;
-    }
+  } else if (member == "select") {
+    engine.Select(ref_);
+  } else if (member == "clearcontents") {
+    refuseLocked();
+    engine.ClearContents(ref_);
+  } else if (member == "copy") {
+    engine.Copy(ref_);
+  } else if (member == "pastespecial") {
+    engine.PasteSpecial(ref_, static_cast<XlPasteType>(IntOf(arguments.Need(0, "paste"))));
+  } else if (member == "borders") {
+    Answer(result, Kind::kBorder, ref_, static_cast<int>(IntOf(arguments.Need(0, "index"))));
+  } else if (member == "autofit") {
+    engine.AutoFit(ref_);
+  } else if (member == "cells") {
+    const int row = ref_.firstRow + static_cast<int>(IntOf(arguments.Need(0, "rowindex"))) - 1;
+    const int column = ref_.firstColumn + static_cast<int>(IntOf(arguments.Need(1, "columnindex"))) - 1;
+    AnswerRange(result, RangeRef{ref_.sheet, row, column, row, column});
+  } else {
     return false;
   }
-};
-
-class ApplicationObject final : public FakeObject {
- public:
-  using FakeObject::FakeObject;
-
- protected:
-  bool Member(const std::string& member, bool isPut, const Arguments& arguments, Variant& result) override {
-    if (member == "visible" || member == "usercontrol") {
-      bool& flag = member == "visible" ? state_->visible : state_->userControl;
-      if (isPut) {
-        flag = BoolOf(*arguments.put);
-      } else {
-        result = Variant::Bool(flag);
-      }
-      return true;
-    }
-    if (member == "cutcopymode" && isPut) {
-      state_->clipboard.reset();
-      return true;
-    }
-    if (member == "quit") {
-      for (auto& workbook : state_->open) --workbook->internalReferences;
-      state_->open.clear();
-      state_->active = nullptr;
-      return true;
-    }
-    if (member == "workbooks") {
-      Answer(result, Make<WorkbooksObject>(state_).get());
-      return true;
-    }
-    if (member == "activeworkbook") {
-      Answer(result, state_->active);
-      return true;
-    }
-    WorkbookObject* workbook = state_->active;
-    if (member == "activesheet" || member == "selection" || member == "activecell") {
-      if (workbook == nullptr) RaiseExcel("Objektvariabeln eller With-blockvariabeln har inte angetts");
-      WorksheetObject* sheet = workbook->activeSheet;
-      if (member == "activesheet") {
-        Answer(result, sheet);
-        return true;
-      }
-      Area area = sheet->selection;
-      if (member == "activecell")
-        area = Area{area.firstRow, area.firstColumn, area.firstRow, area.firstColumn};
-      Answer(result, Make<RangeObject>(state_, ComPtr<WorksheetObject>::Share(sheet), area).get());
-      return true;
-    }
-    return false;
-  }
-};
+  return true;
+}
 
 }  // namespace
 
 FakeExcel::FakeExcel() : state_(std::make_unique<FakeState>()) {}
-
-FakeExcel::~FakeExcel() {
-  state_->open.clear();
-}
-
-void FakeExcel::AddFile(const std::string& path, FakeFile file) {
-  state_->files[path] = std::move(file);
-}
-
-const std::map<std::string, FakeFile>& FakeExcel::files() const {
-  return state_->files;
-}
+FakeExcel::~FakeExcel() = default;
 
 void FakeExcel::FailCall(const std::string& member, int occurrence, HRESULT scode, unsigned short wCode,
                          const std::string& description) {
-  state_->failures.emplace(Lower(member), std::make_pair(occurrence, Failure{scode, wCode, description}));
+  state_->failures.emplace(Lower(member), std::make_pair(occurrence, Raised{scode, wCode, description}));
+}
+
+void FakeExcel::LockCell(int row, int column) {
+  state_->lockedCells.insert({row, column});
 }
 
 HRESULT FakeExcel::CreateApplication(IDispatch** application) {
-  *application = new ApplicationObject(state_.get());
+  *application = FakeObject::Get(state_.get(), Kind::kApplication, RangeRef{});
   return S_OK;
 }
 
@@ -804,13 +550,11 @@ int FakeExcel::CallsOf(const std::string& member) const {
 }
 int FakeExcel::ReferencesHeldOutside() const {
   int outside = 0;
-  for (const FakeObject* object : state_->alive) {
-    outside += static_cast<int>(object->references()) - object->internalReferences;
-  }
+  for (const FakeObject* object : state_->alive) outside += static_cast<int>(object->references());
   return outside;
 }
 bool FakeExcel::visible() const {
-  return state_->visible;
+  return state_->engine.Visible();
 }
 bool FakeExcel::userControl() const {
   return state_->userControl;
@@ -818,10 +562,8 @@ bool FakeExcel::userControl() const {
 const std::map<std::string, std::string>& FakeExcel::lastOpenText() const {
   return state_->lastOpenText;
 }
-std::vector<FakeFile> FakeExcel::OpenWorkbooks() const {
-  std::vector<FakeFile> files;
-  for (const auto& workbook : state_->open) files.push_back(workbook->Snapshot());
-  return files;
+const std::vector<std::string>& FakeExcel::typedAsNumbers() const {
+  return state_->typedAsNumbers;
 }
 
 }  // namespace sw::excel::testing

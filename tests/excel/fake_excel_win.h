@@ -1,8 +1,9 @@
 #pragma once
-// A stand-in for Excel's automation objects, answering IDispatch calls by member name as Excel
-// does for the members the program uses: Application, Workbooks, Workbook, Sheets, Worksheet,
-// Range, Border and HPageBreaks. It holds its workbooks' sheets, cell values and page breaks, can
-// fail a chosen call with a chosen error, and counts the calls that would cross into Excel's process.
+// Excel's automation objects as IDispatch, answering by member name and named arguments as Excel does
+// for the members the program uses, with the package engine behind them doing the work: the workbooks
+// are real files, read back by the tests as any workbook. It can fail a chosen call with a chosen
+// error, refuse writes to chosen cells as protected cells are refused, and counts the calls that would
+// cross into Excel's process.
 #include <oaidl.h>
 
 #include <map>
@@ -14,24 +15,6 @@
 
 namespace sw::excel::testing {
 
-struct FakeCell {
-  std::string text;
-  bool number = false;  // Excel took the text it was given for a number
-};
-
-struct FakeSheet {
-  std::string name;
-  std::map<std::pair<int, int>, FakeCell> cells;  // (row, column)
-  std::set<int> pageBreakRows;
-  std::set<std::pair<int, int>> lockedCells;  // refuse every write, as a protected cell does
-};
-
-struct FakeFile {
-  std::vector<FakeSheet> sheets;
-  std::size_t activeSheet = 0;  // the sheet the file opens on
-  const FakeSheet* Find(const std::string& name) const;
-};
-
 struct FakeState;
 
 class FakeExcel {
@@ -41,15 +24,13 @@ class FakeExcel {
   FakeExcel(const FakeExcel&) = delete;
   FakeExcel& operator=(const FakeExcel&) = delete;
 
-  // A workbook file Workbooks.Open can open; Save and SaveAs write files back here.
-  void AddFile(const std::string& path, FakeFile file);
-  const std::map<std::string, FakeFile>& files() const;
-
   // Makes the `occurrence`-th call (1-based) of `member` fail before it has any effect, with
   // EXCEPINFO holding `scode` (Excel's own errors, 0x800A03EC for 1004) or the run-time number
   // `wCode`. A property put is named with "=" ("Name=", "Value=").
   void FailCall(const std::string& member, int occurrence, HRESULT scode, unsigned short wCode = 0,
                 const std::string& description = "");
+  // Every write reaching (row, column) of any sheet is refused, as a protected cell refuses it.
+  void LockCell(int row, int column);
 
   // A new application object, as CoCreateInstance hands one out (the caller owns the reference).
   HRESULT CreateApplication(IDispatch** application);
@@ -64,8 +45,8 @@ class FakeExcel {
   bool userControl() const;
   // The named arguments of the last OpenText call, as text ("FieldInfo" as "1:2,2:2,...").
   const std::map<std::string, std::string>& lastOpenText() const;
-  // The workbooks still open, with their sheets as they are now.
-  std::vector<FakeFile> OpenWorkbooks() const;
+  // Cells given a text Excel would have taken for a number, as "Sheet!A1".
+  const std::vector<std::string>& typedAsNumbers() const;
 
  private:
   std::unique_ptr<FakeState> state_;

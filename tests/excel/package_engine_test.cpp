@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <memory>
 #include <pugixml.hpp>
+#include <string>
+#include <vector>
 
 #include "base/file_io.h"
 #include "excel/automation.h"
@@ -142,6 +144,13 @@ TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
   EXPECT_EQ(app_.Workbooks().Count(), 0);
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(temp_.path()), {}),
             static_cast<std::ptrdiff_t>(cases.size()));
+  // A workbook variable nothing was assigned to fails as an unset object does.
+  try {
+    Workbook().Save();
+    ADD_FAILURE() << "an unset workbook was saved";
+  } catch (const base::NumberedError& error) {
+    EXPECT_EQ(error.number(), kObjectNotSet);
+  }
 }
 
 std::string TemplateWithout(const char* name, const std::string& part) {
@@ -221,6 +230,14 @@ TEST_F(PackageEngineTest, RefusesDanglingPartsDocumentTypesAndMisleadingNames) {
   rels.replace(rels.find("image1.png"), std::string("image1.png").size(), "bild%201.png");
   escaped.SetBytes("xl/drawings/_rels/drawing1.xml.rels", rels);
   EXPECT_EQ(WorkbookFileRefusal(temp_.Write("Mellanslag.xlsx", escaped.ToZip()).string()), "");
+  // A picture that links to a cell: Excel writes the place as the hyperlink's target, which is no part.
+  Package linked = Package::FromZip(good);
+  rels = linked.Bytes("xl/drawings/_rels/drawing1.xml.rels");
+  rels.insert(rels.find("</Relationships>"),
+              "<Relationship Id=\"rId99\" Type=\"http://schemas.openxmlformats.org/officeDocument/2006/"
+              "relationships/hyperlink\" Target=\"#Mall!A1\"/>");
+  linked.SetBytes("xl/drawings/_rels/drawing1.xml.rels", rels);
+  EXPECT_EQ(WorkbookFileRefusal(temp_.Write("Lank.xlsx", linked.ToZip()).string()), "");
 }
 
 // A row element that carries attributes of the template's own (here an outline level, and no style
@@ -345,6 +362,47 @@ TEST_F(PackageEngineTest, CopiesGetTheirOwnCommentShapesAndTables) {
   EXPECT_EQ(tableNames, (std::vector<std::string>{"Kabeltyper#1", "Kabeltyper1#2", "Kabeltyper2#3"}));
   EXPECT_NE(saved.Bytes("xl/worksheets/sheet3.xml").find("Kabeltyper1[Antal]"), std::string::npos);
   EXPECT_EQ(saved.Bytes("xl/worksheets/sheet3.xml").find("tabSelected"), std::string::npos);
+}
+
+// A template that Excel saved with its chart sheet showing: the page a run adds is the one sheet
+// selected, else Excel opens the page grouped with the chart sheet. Saved untouched, the chart sheet
+// keeps the tab.
+TEST_F(PackageEngineTest, ChartSheetGivesItsTabToThePageShown) {
+  const std::string path = DataFile("excel_made/chartsheet01.xlsx").string();
+  auto selectedParts = [](Package& saved) {
+    std::vector<std::string> parts;
+    for (const auto& part : saved.PartNames()) {
+      if ((part.starts_with("xl/worksheets/") || part.starts_with("xl/chartsheets/")) &&
+          part.ends_with(".xml") && saved.Bytes(part).find("tabSelected=\"1\"") != std::string::npos) {
+        parts.push_back(part);
+      }
+    }
+    return parts;
+  };
+  auto activeTab = [](Package& saved) {
+    return std::string(saved.Xml("xl/workbook.xml")
+                           .document_element()
+                           .child("bookViews")
+                           .child("workbookView")
+                           .attribute("activeTab")
+                           .value());
+  };
+  {
+    Workbook book = app_.Workbooks().Open(path);
+    Package saved = Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx"));
+    EXPECT_EQ(selectedParts(saved), (std::vector<std::string>{"xl/chartsheets/sheet1.xml"}));
+    EXPECT_EQ(activeTab(saved), "1");
+    book.Close(false);
+  }
+  Workbook book = app_.Workbooks().Open(path);
+  book.Sheets().Item(1).CopyAfter(book.Sheets().Item(2));
+  EXPECT_EQ(book.Sheets().Item(3).Name(), "Sheet1 (2)");
+  Package saved = Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx"));
+  EXPECT_EQ(activeTab(saved), "2");
+  const auto selected = selectedParts(saved);
+  ASSERT_EQ(selected.size(), 1u);
+  EXPECT_TRUE(selected[0].starts_with("xl/worksheets/")) << selected[0];
+  EXPECT_NE(selected[0], "xl/worksheets/sheet1.xml");
 }
 
 TEST_F(PackageEngineTest, KeepsCellsInOrderAndSharedFormulasWhole) {

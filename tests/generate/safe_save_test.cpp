@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -26,15 +27,7 @@ using ::testing::HasSubstr;
 enum class Mode { kNormal, kSingleSheet, kDynamic };
 
 const char* ModeName(Mode mode) {
-  switch (mode) {
-    case Mode::kNormal:
-      return "Normal";
-    case Mode::kSingleSheet:
-      return "SingleSheet";
-    case Mode::kDynamic:
-      return "Dynamic";
-  }
-  return "";
+  return std::array{"Normal", "SingleSheet", "Dynamic"}[static_cast<std::size_t>(mode)];
 }
 
 constexpr const char* kOldResult = "det förra resultatet, som ingen körning får förstöra";
@@ -118,21 +111,9 @@ enum class Trouble {
 };
 
 const char* TroubleName(Trouble trouble) {
-  switch (trouble) {
-    case Trouble::kTargetIsTheTemplate:
-      return "TargetIsTheTemplate";
-    case Trouble::kCorruptTemplate:
-      return "CorruptTemplate";
-    case Trouble::kMissingSheet:
-      return "MissingSheet";
-    case Trouble::kFirstWrite:
-      return "FirstWriteFails";
-    case Trouble::kMiddleWrite:
-      return "MiddleWriteFails";
-    case Trouble::kLastWrite:
-      return "LastWriteFails";
-  }
-  return "";
+  return std::array{
+      "TargetIsTheTemplate", "CorruptTemplate",  "MissingSheet",
+      "FirstWriteFails",     "MiddleWriteFails", "LastWriteFails"}[static_cast<std::size_t>(trouble)];
 }
 
 class FailedRunTest : public ::testing::TestWithParam<std::tuple<Mode, Trouble>> {};

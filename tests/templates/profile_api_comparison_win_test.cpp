@@ -1,14 +1,18 @@
 // Our profile reader against the Windows calls it stands in for, GetPrivateProfileSectionA and
 // GetPrivateProfileStringA, on the same files: the quirks the CAD system's files are known to have and
-// a few thousand generated files mixing them.
+// a few thousand generated files mixing them. On Windows the program's own reading is those calls
+// with the program's buffers; it must give what they give.
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <filesystem>
+#include <fstream>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "base/text_codec.h"
+#include "base/utf8_path.h"
 #include "temp_dir.h"
 #include "templates/profile_file.h"
 
@@ -51,9 +55,10 @@ struct Query {
   std::size_t size;
 };
 
-// Compares every query on one file; returns the number of differences.
+// Compares every query on one file; returns the number of differences. With `program`, the program's
+// own reading at its buffer sizes too.
 int CompareFile(const std::string& name, const std::string& bytes, const std::vector<Query>& queries,
-                const testing::TempDir& folder) {
+                const testing::TempDir& folder, bool program = false) {
   const auto file = folder.Write(name, bytes).string();
   const auto ours = ProfileText::Parse(bytes);
   int differences = 0;
@@ -64,11 +69,18 @@ int CompareFile(const std::string& name, const std::string& bytes, const std::ve
       const auto actual = ours.Section(section, query.size).lines;
       if (actual != expected) ++differences;
       EXPECT_EQ(actual, expected) << name << " [" << section << "] size " << query.size;
+      if (program && query.size == kSectionBufferSize) {
+        EXPECT_EQ(ReadIniSection(section, file).lines, expected) << name << " [" << section << "]";
+      }
     } else {
+      const std::string key = base::DecodeWindows1252(query.key);
       const auto expected = ApiValue(query.section, query.key, query.size, file);
-      const auto actual = ours.Value(section, base::DecodeWindows1252(query.key), query.size).value;
+      const auto actual = ours.Value(section, key, query.size).value;
       if (actual != expected) ++differences;
       EXPECT_EQ(actual, expected) << name << " [" << section << "] " << query.key << " size " << query.size;
+      if (program && query.size == kValueBufferSize) {
+        EXPECT_EQ(ReadIniValue(section, key, file), expected) << name << " [" << section << "] " << key;
+      }
     }
   }
   return differences;
@@ -78,10 +90,10 @@ std::vector<Query> StandardQueries(const std::vector<std::string>& sections,
                                    const std::vector<std::string>& keys) {
   std::vector<Query> queries;
   for (const auto& section : sections) {
-    for (std::size_t size : {std::size_t{8192}, std::size_t{24}, std::size_t{7}})
+    for (std::size_t size : {kSectionBufferSize, std::size_t{24}, std::size_t{7}})
       queries.push_back({section, "", size});
     for (const auto& key : keys) {
-      for (std::size_t size : {std::size_t{2047}, std::size_t{5}}) queries.push_back({section, key, size});
+      for (std::size_t size : {kValueBufferSize, std::size_t{5}}) queries.push_back({section, key, size});
     }
   }
   return queries;
@@ -126,7 +138,7 @@ const std::vector<Query>& QuirkQueries() {
 TEST(WindowsOnlyProfileApiComparison, KnownQuirksReadAsWindowsReadsThem) {
   testing::TempDir folder;
   for (const auto& quirk : QuirkFiles()) {
-    EXPECT_EQ(CompareFile(quirk.name, quirk.bytes, QuirkQueries(), folder), 0) << quirk.name;
+    EXPECT_EQ(CompareFile(quirk.name, quirk.bytes, QuirkQueries(), folder, true), 0) << quirk.name;
   }
 }
 
@@ -224,6 +236,51 @@ TEST(WindowsOnlyProfileApiComparison, GeneratedFilesReadAsWindowsReadsThem) {
     if (found) ++differingFiles;
   }
   EXPECT_EQ(differences, 0);
+}
+
+TEST(WindowsOnlyProfileFile, StatusesTellMissingEmptyAndCutApart) {
+  testing::TempDir folder;
+  const auto file = folder.Write("Mall.ini", "[Sheet]\r\nA=1\r\n[Empty]\r\n").string();
+  EXPECT_EQ(ReadIniSection("Sheet", file).status, ProfileStatus::kOk);
+  EXPECT_EQ(ReadIniSection("Empty", file).status, ProfileStatus::kOk);
+  EXPECT_EQ(ReadIniSection("Missing", file).status, ProfileStatus::kSectionNotFound);
+  EXPECT_EQ(ReadIniSection("Sheet", folder.path().string() + "\\Saknas.ini").status,
+            ProfileStatus::kFileNotFound);
+  EXPECT_EQ(ReadIniSection("Sheet", folder.path().string()).status, ProfileStatus::kFileNotFound);
+  EXPECT_EQ(ReadIniValue("Sheet", "Missing", file), "");
+  EXPECT_EQ(ReadIniValue("Missing", "A", file), "");
+
+  // The section text fills the buffer exactly (text, NUL after each line, the closing NUL) or overflows.
+  const std::string exact = "[S]\r\nA=" + std::string(kSectionBufferSize - 4, 'x') + "\r\n";
+  const auto exactFile = folder.Write("exact.ini", exact).string();
+  EXPECT_EQ(ReadIniSection("S", exactFile).status, ProfileStatus::kOk);
+  const auto cutFile =
+      folder.Write("cut.ini", "[S]\r\nA=" + std::string(kSectionBufferSize, 'x') + "\r\n").string();
+  const auto cut = ReadIniSection("S", cutFile);
+  EXPECT_EQ(cut.status, ProfileStatus::kTruncated);
+  EXPECT_EQ(cut.lines,
+            ProfileText::Parse("[S]\r\nA=" + std::string(kSectionBufferSize, 'x')).Section("S").lines);
+}
+
+TEST(WindowsOnlyProfileFile, ARewrittenFileReadsItsNewContent) {
+  testing::TempDir folder;
+  // Windows keeps the last file read in memory while its time stamp is unchanged; rewrites within one
+  // tick must still be seen.
+  for (int round = 0; round < 20; ++round) {
+    const auto file =
+        folder.Write("VOLTARIS.INI", "[CURREPORT]\r\nREPORT_ID=" + std::to_string(round) + "\r\n");
+    EXPECT_EQ(ReadIniValue("CURREPORT", "REPORT_ID", file.string()), std::to_string(round));
+  }
+}
+
+TEST(WindowsOnlyProfileFile, FoldersWithLettersBeyondAsciiAreRead) {
+  testing::TempDir folder;
+  const auto subfolder = folder.path() / base::PathFromUtf8("Mallar \xC3\xA5\xC3\xA4\xC3\xB6");
+  std::filesystem::create_directories(subfolder);
+  std::ofstream(subfolder / "Plan.ini", std::ios::binary) << "[Tabs]\r\nCommon=Gemensamt\r\n";
+  const std::string path = folder.path().string() + "\\Mallar \xC3\xA5\xC3\xA4\xC3\xB6\\PLAN.INI";
+  EXPECT_EQ(ReadIniValue("Tabs", "Common", path), "Gemensamt");
+  EXPECT_EQ(ReadIniSection("Tabs", path).lines, std::vector<std::string>{"Common=Gemensamt"});
 }
 
 }  // namespace

@@ -157,6 +157,19 @@ std::optional<std::string> SourceOfRelationships(std::string_view relsName) {
   return parent.empty() ? std::string(stem) : std::string(parent) + "/" + std::string(stem);
 }
 
+// A chart sheet carries the same tab flag in its view as a worksheet. Excel saves the chart sheet it
+// shows with the flag set; left there beside the page that a run shows, Excel would open the two
+// grouped, and typing into the page would go to the chart sheet as well.
+void SetChartSheetTabSelected(Package& package, const std::string& part, bool selected) {
+  if (!selected && !package.IsParsed(part) && package.Bytes(part).find("tabSelected") == std::string::npos) {
+    return;
+  }
+  auto view = package.Xml(part).document_element().child("sheetViews").child("sheetView");
+  if (!view) return;
+  view.remove_attribute("tabSelected");
+  if (selected) view.prepend_attribute("tabSelected") = 1;
+}
+
 }  // namespace
 
 void WorkbookDocument::CheckFileHead(std::string_view head, std::uintmax_t size,
@@ -209,6 +222,9 @@ void WorkbookDocument::RefuseMissingParts(std::string_view fileName) {
     if (!source->empty() && !package_.Has(*source)) continue;
     for (const auto& relationship : ReadRelationships(package_, *source)) {
       if (relationship.external || relationship.partName.empty()) continue;
+      // A picture that links to a cell of the workbook: Excel writes the place ("#Blad1!A1") as the
+      // hyperlink's target, which names no part.
+      if (relationship.target.starts_with('#')) continue;
       if (package_.Has(relationship.partName) || package_.Has(PercentDecoded(relationship.partName)))
         continue;
       throw PackageError(BookNamed(fileName) + " är skadad: delen " + relationship.partName + ", som " +
@@ -663,7 +679,10 @@ void WorkbookDocument::UpdateSelectionFlags() {
   if (auto first = view.attribute("firstSheet"); first && first.as_int() > activeSheet_) first = activeSheet_;
   for (int i = 0; i < SheetCount(); ++i) {
     const auto& entry = Entry(i);
-    if (!entry.worksheet) continue;
+    if (!entry.worksheet) {
+      SetChartSheetTabSelected(package_, entry.part, i == activeSheet_);
+      continue;
+    }
     if (i == activeSheet_) {
       Sheet(i, false).SetTabSelected(true);
       continue;
