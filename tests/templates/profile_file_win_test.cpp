@@ -11,6 +11,7 @@
 
 #include "base/text_codec.h"
 #include "base/utf8_path.h"
+#include "profile_api_win.h"
 #include "temp_dir.h"
 #include "templates/profile_file.h"
 
@@ -18,31 +19,6 @@ namespace sw::templates {
 namespace {
 
 using Lines = std::vector<std::string>;
-
-Lines ApiSection(const std::string& section, const std::string& file) {
-  std::vector<char> buffer(kSectionBufferSize);
-  const DWORD length = GetPrivateProfileSectionA(section.c_str(), buffer.data(),
-                                                 static_cast<DWORD>(buffer.size()), file.c_str());
-  Lines lines;
-  std::string line;
-  for (DWORD i = 0; i < length; ++i) {
-    if (buffer[i] == '\0') {
-      lines.push_back(base::DecodeWindows1252(line));
-      line.clear();
-    } else {
-      line += buffer[i];
-    }
-  }
-  if (!line.empty()) lines.push_back(base::DecodeWindows1252(line));
-  return lines;
-}
-
-std::string ApiValue(const std::string& section, const std::string& key, const std::string& file) {
-  std::vector<char> buffer(kValueBufferSize);
-  const DWORD length = GetPrivateProfileStringA(section.c_str(), key.c_str(), "", buffer.data(),
-                                                static_cast<DWORD>(buffer.size()), file.c_str());
-  return base::DecodeWindows1252(std::string(buffer.data(), length));
-}
 
 struct QuirkyFile {
   const char* name;
@@ -101,14 +77,15 @@ TEST(WindowsOnlyProfileFile, ReadsWhatTheWindowsCallsGive) {
     for (const auto& ansiSection : quirky.sections) {
       const std::string section = base::DecodeWindows1252(ansiSection);
       const auto lines = ReadIniSection(section, file).lines;
-      EXPECT_EQ(lines, ApiSection(ansiSection, file)) << quirky.name << " [" << section << "]";
+      EXPECT_EQ(lines, ApiSection(ansiSection, kSectionBufferSize, file))
+          << quirky.name << " [" << section << "]";
       if (quirky.portableAgrees) {
         EXPECT_EQ(lines, portable.Section(section).lines) << quirky.name << " [" << section << "]";
       }
       for (const auto& ansiKey : quirky.keys) {
         const std::string key = base::DecodeWindows1252(ansiKey);
         const auto value = ReadIniValue(section, key, file);
-        EXPECT_EQ(value, ApiValue(ansiSection, ansiKey, file)) << quirky.name << " " << key;
+        EXPECT_EQ(value, ApiValue(ansiSection, ansiKey, kValueBufferSize, file)) << quirky.name << " " << key;
         if (quirky.portableAgrees) {
           EXPECT_EQ(value, portable.Value(section, key).value) << quirky.name << " " << key;
         }
