@@ -57,7 +57,8 @@ Opened OpenForWriting(const std::filesystem::path& path, Creation creation) {
       CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) {
     const DWORD error = GetLastError();
-    return {.error = {static_cast<int>(error), std::system_category()}, .nameTaken = error == ERROR_FILE_EXISTS};
+    return {.error = {static_cast<int>(error), std::system_category()},
+            .nameTaken = error == ERROR_FILE_EXISTS};
   }
   return {.file = reinterpret_cast<Handle>(file)};
 }

@@ -105,4 +105,18 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
   }
 }
 
+std::string_view CutToUtf16Units(std::string_view text, std::size_t units) {
+  std::size_t used = 0;
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const auto lead = static_cast<unsigned char>(text[at]);
+    const std::size_t length = lead < 0x80 ? 1 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+    const std::size_t cost = length == 4 ? 2 : 1;
+    if (used + cost > units) break;
+    used += cost;
+    at = std::min(at + length, text.size());
+  }
+  return text.substr(0, at);
+}
+
 }  // namespace sw::base

@@ -34,6 +34,10 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
 // Position of the first occurrence of `wanted` in `text` ignoring case (as EqualsIgnoreCase), or npos.
 std::size_t FindIgnoreCase(std::string_view text, std::string_view wanted);
 
+// The longest start of UTF-8 `text` that takes at most `units` UTF-16 units, as Windows and Excel count
+// lengths (a character beyond the Basic Multilingual Plane takes two), without splitting a character.
+std::string_view CutToUtf16Units(std::string_view text, std::size_t units);
+
 // Splits at every occurrence of `separator`; an empty text gives one empty piece.
 std::vector<std::string_view> Split(std::string_view text, char separator);
 

@@ -22,21 +22,6 @@ std::size_t Utf16Length(std::string_view text) {
   return units;
 }
 
-// Cuts UTF-8 text to at most `units` UTF-16 units without splitting a character.
-std::string CutToUnits(std::string_view text, std::size_t units) {
-  std::size_t used = 0;
-  std::size_t i = 0;
-  while (i < text.size()) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    const std::size_t length = byte < 0x80 ? 1 : byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
-    const std::size_t cost = length == 4 ? 2 : 1;
-    if (used + cost > units) break;
-    used += cost;
-    i += length;
-  }
-  return std::string(text.substr(0, std::min(i, text.size())));
-}
-
 bool IsTaken(std::string_view name, const std::vector<std::string>& existing, int selfIndex) {
   for (std::size_t i = 0; i < existing.size(); ++i) {
     if (static_cast<int>(i) != selfIndex && base::EqualsIgnoreCase(existing[i], name)) return true;
@@ -100,7 +85,8 @@ std::string DefaultCopyName(std::string_view source, const SheetNameTaken& taken
   }
   for (int n = 2;; ++n) {
     const std::string suffix = " (" + std::to_string(n) + ")";
-    const std::string candidate = CutToUnits(base, kMaxNameLength - suffix.size()) + suffix;
+    const std::string candidate =
+        std::string(base::CutToUtf16Units(base, kMaxNameLength - suffix.size())) + suffix;
     if (!taken(candidate)) return candidate;
   }
 }

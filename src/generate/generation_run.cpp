@@ -6,6 +6,7 @@
 
 #include "base/file_identity.h"
 #include "base/file_io.h"
+#include "base/strings.h"
 #include "base/utf8_path.h"
 #include "base/windows_path.h"
 #include "generate/run_error.h"
@@ -159,17 +160,7 @@ std::string_view GenerationRun::CellText(std::string_view text) {
 std::string_view CutToCellLimit(std::string_view text) {
   // Every character is at most four bytes and two units: a text of few bytes fits without counting.
   if (text.size() <= kCellTextLimit) return text;
-  std::size_t units = 0;
-  std::size_t at = 0;
-  while (at < text.size()) {
-    const auto lead = static_cast<unsigned char>(text[at]);
-    const std::size_t length = lead < 0x80 ? 1 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
-    const std::size_t needed = length == 4 ? 2 : 1;
-    if (units + needed > kCellTextLimit) break;
-    units += needed;
-    at = std::min(at + length, text.size());
-  }
-  return text.substr(0, at);
+  return base::CutToUtf16Units(text, kCellTextLimit);
 }
 
 }  // namespace sw::generate

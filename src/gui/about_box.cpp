@@ -10,9 +10,9 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-#include "base/dialogs.h"
 #include "gui/control_colouring.h"
 #include "gui/licence_texts.h"
+#include "session/front_end.h"
 
 namespace sw::gui {
 namespace {

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "base/system_information.h"
+#include "session/front_end.h"
 
 namespace sw::gui {
 

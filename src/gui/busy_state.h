@@ -6,7 +6,7 @@
 #include <QProgressBar>
 #include <functional>
 
-#include "report/dump_reader.h"
+#include "session/front_end.h"
 
 namespace sw::gui {
 

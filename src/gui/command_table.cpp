@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "base/dialogs.h"
+#include "session/front_end.h"
 #include "session/themes.h"
 
 namespace sw::gui {

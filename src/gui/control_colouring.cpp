@@ -4,7 +4,7 @@
 #include <QPalette>
 #include <QWidget>
 
-#include "preview/colour_by_prefix.h"
+#include "session/window_rules.h"
 
 namespace sw::gui {
 namespace {
@@ -26,14 +26,14 @@ QColor ColourOfPacked(std::int32_t packed) {
 }
 
 bool ColourByPrefix(QWidget& window, std::int32_t themeColour, std::int32_t offset) {
-  const auto packed = preview::ShiftedThemeColour(themeColour, offset);
+  const auto packed = session::ShiftedThemeColour(themeColour, offset);
   if (!packed) return false;
   const QColor colour = ColourOfPacked(*packed);
   SetBackground(window, colour);
   for (QWidget* control : window.findChildren<QWidget*>()) {
     const QString name = control->objectName();
     if (name.isEmpty() || name.startsWith(QStringLiteral("qt_"))) continue;
-    if (!preview::TakesThemeColour(name.toStdString())) continue;
+    if (!session::TakesThemeColour(name.toStdString())) continue;
     SetBackground(*control, colour);
   }
   return true;

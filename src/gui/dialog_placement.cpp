@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "settings/window_placement.h"
+#include "session/window_rules.h"
 
 namespace sw::gui {
 namespace {
@@ -66,7 +66,7 @@ void RestoreDialogPlacement(QWidget& dialog, settings::Settings& settings, std::
   auto pixels = [twips](float value) { return static_cast<int>(std::lround(value / twips)); };
   const QScreen* display = dialog.screen() ? dialog.screen() : QGuiApplication::primaryScreen();
   const QRect screenArea = display ? display->geometry() : QRect(0, 0, 1024, 768);
-  const auto placement = settings::RestoreWindowPlacement(
+  const auto placement = session::RestoreWindowPlacement(
       settings, windowName, defaultSize.height, defaultSize.width,
       {static_cast<float>(screenArea.width() * twips), static_cast<float>(screenArea.height() * twips)});
   const QSize least(pixels(defaultSize.width), pixels(defaultSize.height));
@@ -89,13 +89,12 @@ void RestoreDialogPlacement(QWidget& dialog, settings::Settings& settings, std::
 void SaveDialogPlacement(const QWidget& dialog, settings::Settings& settings, std::string_view windowName) {
   const double twips = TwipsPerPixel(dialog);
   const QRect frame(dialog.pos(), dialog.size());
-  settings::SaveWindowPlacement(
-      settings, windowName,
-      settings::WindowPlacement{.top = static_cast<float>(frame.top() * twips),
-                                .left = static_cast<float>(frame.left() * twips),
-                                .height = static_cast<float>(frame.height() * twips),
-                                .width = static_cast<float>(frame.width() * twips),
-                                .state = settings::WindowState::kNormal});
+  session::SaveWindowPlacement(settings, windowName,
+                               session::WindowPlacement{.top = static_cast<float>(frame.top() * twips),
+                                                        .left = static_cast<float>(frame.left() * twips),
+                                                        .height = static_cast<float>(frame.height() * twips),
+                                                        .width = static_cast<float>(frame.width() * twips),
+                                                        .state = session::WindowState::kNormal});
 }
 
 }  // namespace sw::gui

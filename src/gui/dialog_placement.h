@@ -6,7 +6,7 @@
 #include <QRect>
 #include <string_view>
 
-#include "settings/settings.h"
+#include "session/front_end.h"
 
 class QWidget;
 

@@ -3,7 +3,7 @@
 #include <QKeyEvent>
 #include <QTimer>
 
-#include "preview/preview_controls.h"
+#include "session/window_rules.h"
 
 namespace sw::gui {
 
@@ -42,14 +42,14 @@ bool SheetNumberKeyFilter::eventFilter(QObject* watched, QEvent* event) {
     if (key->key() == Qt::Key_Backspace) code = 8;
     // Ctrl with a key is a shortcut, not typing (Ctrl+Alt is AltGr, which types).
     const bool shortcut = (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == Qt::ControlModifier;
-    if (!shortcut && code != 0 && !preview::SheetNumberKeyPasses(code)) return true;
+    if (!shortcut && code != 0 && !session::SheetNumberKeyPasses(code)) return true;
   }
   return QObject::eventFilter(watched, event);
 }
 
 QValidator::State SheetNumberValidator::validate(QString& input, int&) const {
   const QByteArray text = input.toUtf8();
-  return preview::SheetNumberTextPasses(
+  return session::SheetNumberTextPasses(
              std::string_view(text.constData(), static_cast<std::size_t>(text.size())))
              ? Acceptable
              : Invalid;

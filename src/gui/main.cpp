@@ -3,19 +3,15 @@
 #include <functional>
 #include <new>
 
-#include "base/environment.h"
 #include "base/memory_reuse.h"
 #include "base/out_of_memory.h"
-#include "base/process_launcher.h"
 #include "base/program_folder.h"
-#include "cadenv/registry.h"
 #include "session/user_settings_file.h"
 #include "gui/font_engine.h"
 #include "gui/main_window.h"
 #include "gui/qt_dialogs.h"
 #include "gui/qt_translations.h"
-#include "settings/settings.h"
-#include "settings/start_log.h"
+#include "session/front_end.h"
 
 namespace {
 

@@ -35,8 +35,6 @@
 #include <map>
 
 #include "base/out_of_memory.h"
-#include "base/upper_case.h"
-#include "base/windows_path.h"
 #include "gui/about_box.h"
 #include "gui/busy_state.h"
 #include "gui/dialog_placement.h"
@@ -45,15 +43,13 @@
 #include "gui/preview_grid.h"
 #include "gui/report_table_model.h"
 #include "gui/theme_look.h"
-#include "preview/preview_controls.h"
-#include "preview/preview_edits.h"
 #include "session/column_fit.h"
 #include "session/editing_messages.h"
 #include "session/environment_report.h"
 #include "session/preview_navigation.h"
 #include "session/themes.h"
 #include "session/toolbar_layout.h"
-#include "settings/window_placement.h"
+#include "session/window_rules.h"
 
 namespace sw::gui {
 namespace {
@@ -139,7 +135,7 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
       centralWidget()->layout()->activate();
       theme_ = session::StartTheme(services_.session.settings);
       const QByteArray layout = QByteArray::fromBase64(QByteArray::fromStdString(
-          session::LoadToolbarLayout(services_.session.settings, settings::kMainWindowName)));
+          session::LoadToolbarLayout(services_.session.settings, session::kMainWindowName)));
       if (!layout.isEmpty()) restoreState(layout, kToolbarLayoutVersion);
       Command(kCommandStandardToolbar)->setChecked(!bars_.standard()->isHidden());
       ShowTheme(theme_);
@@ -290,11 +286,11 @@ void MainWindow::BuildCommands() {
   Command(kCommandPrevious)->setEnabled(false);
   // The Delete key, while the grid has the focus, deletes the placement of the current row.
   auto* deletePlacement = new QAction(grid_);
-  deletePlacement->setObjectName(QStringLiteral("cmd%1").arg(preview::kCommandDeletePlacement));
+  deletePlacement->setObjectName(QStringLiteral("cmd%1").arg(session::kCommandDeletePlacement));
   deletePlacement->setShortcut(QKeySequence(Qt::Key_Delete));
   deletePlacement->setShortcutContext(Qt::WidgetWithChildrenShortcut);
   connect(deletePlacement, &QAction::triggered, this,
-          [this] { dispatcher_.Dispatch(preview::kCommandDeletePlacement); });
+          [this] { dispatcher_.Dispatch(session::kCommandDeletePlacement); });
   grid_->addAction(deletePlacement);
   ConnectCommands();
 }
@@ -304,7 +300,7 @@ void MainWindow::ConnectCommands() {
   on.OnOutOfMemory([this](int id) {
     std::string doing = "kommandot";
     for (const auto& text : CommandTexts()) {
-      if (text.id == id) doing += " \"" + base::RemoveAll(text.caption, "&") + "\"";
+      if (text.id == id) doing += " \"" + session::RemoveAll(text.caption, "&") + "\"";
     }
     services_.session.dialogs.ShowMessage(
         {base::OutOfMemoryMessage(doing), "Fel", base::MessageIcon::kCritical, base::MessageButtons::kOk});
@@ -315,7 +311,7 @@ void MainWindow::ConnectCommands() {
   on.On(kCommandFindPlacement, [this] { FindPlacement(); });
   on.On(kCommandGoToPage, [this] { GoToPage(); });
   // The Delete key on the grid, as the popup's "Radera placering" on the current row.
-  on.On(preview::kCommandDeletePlacement,
+  on.On(session::kCommandDeletePlacement,
         [this] { Apply([this, row = grid_->CurrentTableRow()] { session_->DeletePlacementAt(row); }); });
   for (const auto& theme : session::Themes()) {
     on.On(theme.commandId, [this, number = theme.number] { ApplyTheme(number); });
@@ -466,7 +462,7 @@ double MainWindow::TwipsPerPixel() const {
 
 void MainWindow::PlaceAtFirstStart() {
   const double twips = TwipsPerPixel();
-  const int least = static_cast<int>(std::lround(settings::kMainWindowDefaultSize / twips));
+  const int least = static_cast<int>(std::lround(session::kMainWindowDefaultSize / twips));
   const QRect wanted(QPoint(0, 0), FirstStartSize().expandedTo(QSize(least, least)));
   const QRect area = AvailableAreaFor(screen() ? screen()->geometry() : wanted);
   QRect frame = FitInto(wanted, area, QSize(least, least));
@@ -479,16 +475,16 @@ void MainWindow::PlaceAtFirstStart() {
 bool MainWindow::RestorePlacement() {
   const double twips = TwipsPerPixel();
   auto pixels = [twips](float value) { return static_cast<int>(std::lround(value / twips)); };
-  const QSize least(pixels(settings::kMainWindowDefaultSize), pixels(settings::kMainWindowDefaultSize));
-  const std::string_view section = settings::kMainWindowName;
+  const QSize least(pixels(session::kMainWindowDefaultSize), pixels(session::kMainWindowDefaultSize));
+  const std::string_view section = session::kMainWindowName;
   const bool placed = !services_.session.settings.GetAppSetting("Top", "", section).empty() ||
                       !services_.session.settings.GetAppSetting("Left", "", section).empty();
   if (!placed) return false;
   const QScreen* display = screen() ? screen() : QGuiApplication::primaryScreen();
   const QRect screenArea = display ? display->geometry() : QRect(0, 0, 1024, 768);
-  const auto placement = settings::RestoreWindowPlacement(
-      services_.session.settings, settings::kMainWindowName, settings::kMainWindowDefaultSize,
-      settings::kMainWindowDefaultSize,
+  const auto placement = session::RestoreWindowPlacement(
+      services_.session.settings, session::kMainWindowName, session::kMainWindowDefaultSize,
+      session::kMainWindowDefaultSize,
       {static_cast<float>(screenArea.width() * twips), static_cast<float>(screenArea.height() * twips)});
   // Kept on the screen it was on (or the primary one) as the screens are now: another layout or scale
   // factor must not leave it beyond the edge.
@@ -497,8 +493,8 @@ bool MainWindow::RestorePlacement() {
   const QRect frame = FitInto(restored, AvailableAreaFor(restored), least);
   move(frame.topLeft());
   resize(frame.size());
-  if (placement.state == settings::WindowState::kMaximised) setWindowState(Qt::WindowMaximized);
-  if (placement.state == settings::WindowState::kMinimised) setWindowState(Qt::WindowMinimized);
+  if (placement.state == session::WindowState::kMaximised) setWindowState(Qt::WindowMaximized);
+  if (placement.state == session::WindowState::kMinimised) setWindowState(Qt::WindowMinimized);
   return true;
 }
 
@@ -535,19 +531,19 @@ void MainWindow::SavePlacement() {
   if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
   const QRect normal = isMaximized() ? normalGeometry() : QRect(pos(), size());
   const double twips = TwipsPerPixel();
-  settings::WindowPlacement placement{
+  session::WindowPlacement placement{
       .top = static_cast<float>(normal.top() * twips),
       .left = static_cast<float>(normal.left() * twips),
       .height = static_cast<float>(normal.height() * twips),
       .width = static_cast<float>(normal.width() * twips),
-      .state = isMaximized() ? settings::WindowState::kMaximised : settings::WindowState::kNormal};
-  settings::SaveMainWindowAtClose(services_.session.settings, settings::PlacementAtClose(placement));
+      .state = isMaximized() ? session::WindowState::kMaximised : session::WindowState::kNormal};
+  session::SaveMainWindowAtClose(services_.session.settings, session::PlacementAtClose(placement));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   SavePlacement();
   session_->Close();
-  session::SaveToolbarLayout(services_.session.settings, settings::kMainWindowName,
+  session::SaveToolbarLayout(services_.session.settings, session::kMainWindowName,
                              saveState(kToolbarLayoutVersion).toBase64().toStdString());
   event->accept();
   if (defaultsFile_) {
@@ -557,7 +553,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
       platformMerger = session::CreateDefaultsMerger(services_.session.launcher, services_.session.settings);
       merger = platformMerger.get();
     }
-    session::RestoreStandardAppearance(services_.session.settings, *merger, settings::kMainWindowName,
+    session::RestoreStandardAppearance(services_.session.settings, *merger, session::kMainWindowName,
                                        *defaultsFile_);
     defaultsFile_.reset();
     restartRequested_ = true;
@@ -698,7 +694,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
 }
 
 void MainWindow::ShowPopup(int tableRow, int pointerY, const QPoint& globalPos) {
-  if (!preview::ShowsPreviewPopup(2, tableRow)) return;
+  if (!session::ShowsPreviewPopup(2, tableRow)) return;
   const auto commands = session_->PopupCommands(tableRow, pointerY, grid_->HeadingHeight());
   QMenu popup(this);
   popup.setObjectName(QStringLiteral("Popup"));
@@ -710,13 +706,13 @@ void MainWindow::ShowPopup(int tableRow, int pointerY, const QPoint& globalPos) 
   }
   QAction* chosen = popup.exec(globalPos);
   if (!chosen) return;
-  const auto action = static_cast<preview::PreviewAction>(chosen->data().toInt());
+  const auto action = static_cast<session::PreviewAction>(chosen->data().toInt());
   Apply([this, tableRow, action] { session_->RunPreviewAction(tableRow, action); });
 }
 
 void MainWindow::DoubleClickRow(int tableRow) {
   const auto action = session_->DoubleClickAction(tableRow);
-  if (action == preview::PreviewAction::kNone) return;
+  if (action == session::PreviewAction::kNone) return;
   Apply([this, tableRow, action] { session_->RunPreviewAction(tableRow, action); });
 }
 
@@ -883,7 +879,7 @@ void MainWindow::Generate() {
 
   const std::string shown = result.ShownWorkbook();
   if (shown.empty()) return;
-  const std::string host = base::ResolveWindowsPath(shown).make_preferred().string();
+  const std::string host = session::ResolveWindowsPath(shown).make_preferred().string();
   QString status = QString::fromUtf8("Skapad: ") + Q(host);
   if (!result.BackupNotice().empty()) status += QStringLiteral("   ") + Q(result.BackupNotice());
   statusBar()->showMessage(status);

@@ -12,21 +12,13 @@
 #include <string>
 #include <vector>
 
-#include "base/dialogs.h"
-#include "base/environment.h"
-#include "base/process_launcher.h"
-#include "cadenv/registry.h"
-#include "generate/generate_workbook.h"
-#include "generate/generation_state.h"
-#include "generate/single_sheet_warning.h"
 #include "gui/command_bars.h"
 #include "gui/command_dispatcher.h"
 #include "gui/command_table.h"
 #include "gui/warning_dialog.h"
 #include "session/appearance_reset.h"
+#include "session/front_end.h"
 #include "session/session.h"
-#include "settings/settings.h"
-#include "settings/start_log.h"
 
 class QAction;
 class QComboBox;

@@ -6,8 +6,8 @@
 #include <QDialog>
 #include <functional>
 
+#include "session/front_end.h"
 #include "session/session.h"
-#include "settings/settings.h"
 
 class QCheckBox;
 class QPushButton;

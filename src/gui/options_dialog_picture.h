@@ -2,7 +2,7 @@
 // The options dialog's picture for the README, taken over the started main window.
 #include <QString>
 
-#include "settings/settings.h"
+#include "session/front_end.h"
 
 namespace sw::gui {
 

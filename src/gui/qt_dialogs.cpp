@@ -6,7 +6,7 @@
 #include <QMessageBox>
 #include <QStringList>
 
-#include "base/windows_path.h"
+#include "session/window_rules.h"
 
 namespace sw::gui {
 namespace {
@@ -105,7 +105,7 @@ base::MessageAnswer QtDialogs::ShowMessage(const base::Message& message) {
 }
 
 std::optional<std::string> QtDialogs::ShowFileDialog(const base::FileDialogRequest& request) {
-  const auto folder = base::ResolveWindowsPath(request.initialFolder);
+  const auto folder = session::ResolveWindowsPath(request.initialFolder);
   QFileDialog dialog(OwnerOr(owner_), FromUtf8(request.title), QString::fromStdString(folder.string()),
                      QtNameFilter(request.filters));
   if (request.kind == base::FileDialogRequest::Kind::kSave) {

@@ -3,7 +3,7 @@
 #include <QPointer>
 #include <QWidget>
 
-#include "base/dialogs.h"
+#include "session/front_end.h"
 
 namespace sw::gui {
 

@@ -4,8 +4,7 @@
 #include <QPainter>
 #include <QPixmap>
 
-#include "base/system_colours.h"
-#include "report/colours.h"
+#include "session/window_rules.h"
 
 namespace sw::gui {
 namespace {
@@ -37,13 +36,13 @@ QString ToQString(std::string_view text) {
 
 }  // namespace
 
-QColor GridColour(report::Colour colour) {
-  if (colour == report::kDefaultBack || colour == base::kSystemWindowBackground) return {};
+QColor GridColour(session::Colour colour) {
+  if (colour == session::kDefaultBack || colour == session::kSystemWindowBackground) return {};
   return QColor(static_cast<int>(colour & 0xFF), static_cast<int>((colour >> 8) & 0xFF),
                 static_cast<int>((colour >> 16) & 0xFF));
 }
 
-ReportTableModel::ReportTableModel(const report::ReportTable& table, QObject* parent)
+ReportTableModel::ReportTableModel(const session::ReportTable& table, QObject* parent)
     : QAbstractTableModel(parent),
       table_(table),
       pageBreakIcon_(PageBreakPicture()),
@@ -72,11 +71,11 @@ QVariant ReportTableModel::data(const QModelIndex& index, int role) const {
     }
     case Qt::DecorationRole:
       switch (table_.Picture(row, col)) {
-        case report::CellPicture::kPageBreak:
+        case session::CellPicture::kPageBreak:
           return pageBreakIcon_;
-        case report::CellPicture::kBlank:
+        case session::CellPicture::kBlank:
           return blankIcon_;
-        case report::CellPicture::kNone:
+        case session::CellPicture::kNone:
           return {};
       }
       return {};

@@ -6,18 +6,18 @@
 #include <QColor>
 #include <QIcon>
 
-#include "report/report_table.h"
+#include "session/window_rules.h"
 
 namespace sw::gui {
 
 // A Windows colour (&HBBGGRR) as the grid paints it; the grid default (0) and the system window
 // colour (&H80000005) are the view's own base colour, an invalid QColor.
-QColor GridColour(report::Colour colour);
+QColor GridColour(session::Colour colour);
 
 class ReportTableModel final : public QAbstractTableModel {
   Q_OBJECT
  public:
-  explicit ReportTableModel(const report::ReportTable& table, QObject* parent = nullptr);
+  explicit ReportTableModel(const session::ReportTable& table, QObject* parent = nullptr);
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
@@ -33,7 +33,7 @@ class ReportTableModel final : public QAbstractTableModel {
   static int TableRow(const QModelIndex& index) { return index.row() + 1; }
 
  private:
-  const report::ReportTable& table_;
+  const session::ReportTable& table_;
   bool frozen_ = false;
   QIcon pageBreakIcon_;
   QIcon blankIcon_;

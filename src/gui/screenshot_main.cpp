@@ -15,15 +15,10 @@
 #include <functional>
 #include <vector>
 
-#include "base/environment.h"
-#include "base/process_launcher.h"
-#include "base/program_folder.h"
-#include "cadenv/registry.h"
 #include "gui/main_window.h"
 #include "gui/options_dialog_picture.h"
 #include "gui/qt_dialogs.h"
-#include "settings/settings.h"
-#include "settings/start_log.h"
+#include "session/front_end.h"
 
 namespace {
 

@@ -4,8 +4,7 @@
 // off for later runs however the dialog closes, and the placement is kept on every close.
 #include <QDialog>
 
-#include "generate/single_sheet_warning.h"
-#include "settings/settings.h"
+#include "session/front_end.h"
 
 class QCheckBox;
 

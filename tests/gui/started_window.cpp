@@ -20,7 +20,6 @@ void WithExampleTemplate(FakeInstallation& install) {
   std::filesystem::create_directories(install.Host("Ut"));
 }
 
-
 StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepare, bool withCadFiles)
     : install(withCadFiles) {
   if (prepare) prepare(install);
@@ -30,20 +29,20 @@ StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepa
 void StartedWindow::Reopen() {
   if (window && window->isVisible()) window->close();
   window.reset();
-  window = std::make_unique<gui::MainWindow>(gui::MainWindowServices{
-      .session = {.registry = install.registry,
-                  .settings = settings,
-                  .environment = install.environment,
-                  .dialogs = install.dialogs,
-                  .launcher = launcher,
-                  .startLog = &log,
-                  .programFolder = "C:\\Program\\"},
-      .openWorkbook =
-          [this](const std::string& path) {
-            opened.push_back(path);
-            return workbookOpens;
-          },
-      .defaultsMerger = &defaults});
+  window = std::make_unique<gui::MainWindow>(
+      gui::MainWindowServices{.session = {.registry = install.registry,
+                                          .settings = settings,
+                                          .environment = install.environment,
+                                          .dialogs = install.dialogs,
+                                          .launcher = launcher,
+                                          .startLog = &log,
+                                          .programFolder = "C:\\Program\\"},
+                              .openWorkbook =
+                                  [this](const std::string& path) {
+                                    opened.push_back(path);
+                                    return workbookOpens;
+                                  },
+                              .defaultsMerger = &defaults});
   if (startSize.isValid()) window->resize(startSize);
   window->show();
   if (!QTest::qWaitForWindowExposed(window.get())) throw std::runtime_error("the window is not shown");

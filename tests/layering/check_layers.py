@@ -5,7 +5,8 @@ The layers and their order come from src/CMakeLists.txt (the order of its add_su
 layer may see from the DEPS of its sw_library (followed transitively, as CMake links them). A file in
 src/<layer>/ may include headers of its own layer and of the layers it links; fuzz/ and bench/ may include
 every layer below the front ends (they link sw::core), bench/gui/ the window too. The command line is a thin
-front end over the session: below `session` it may include only what cli_allowed_includes.txt lists.
+front end over the session: below `session` it may include only what cli_allowed_includes.txt lists. The
+window sees the session alone: below `session` it may include only what gui_allowed_includes.txt lists.
 usage: check_layers.py SOURCE_DIR
 """
 import os
@@ -71,16 +72,27 @@ def main():
                 problems.append(f"src/{layer}/CMakeLists.txt links sw::{other}, a layer above it")
 
     visible = visible_layers(layers, deps)
-    allowed_path = os.path.join(os.path.dirname(os.path.abspath(__file__)), "cli_allowed_includes.txt")
-    cli_allowed = set()
-    for line in open(allowed_path, encoding="utf-8"):
-        line = line.split("#", 1)[0].strip()
-        if line:
-            cli_allowed.add(line)
-    cli_used = set()
     session_rank = layers.index("session")
 
-    def check(path, may_see, front_end_cli=False):
+    def read_allowed(name):
+        entries = set()
+        for line in open(os.path.join(os.path.dirname(os.path.abspath(__file__)), name), encoding="utf-8"):
+            line = line.split("#", 1)[0].strip()
+            if line:
+                entries.add(line)
+        return entries
+
+    # The front ends and what each may include from below the session, by "<file>: <header>".
+    front_ends = {
+        "cli": (read_allowed("cli_allowed_includes.txt"), "the command line", "cli_allowed_includes.txt",
+                "only to print what the session returns"),
+        "gui": (read_allowed("gui_allowed_includes.txt"), "the window", "gui_allowed_includes.txt",
+                "only for a seam the front end builds or implements; anything else comes through a "
+                "session header"),
+    }
+    used = {name: set() for name in front_ends}
+
+    def check(path, may_see, front_end=None):
         rel = os.path.relpath(path, root)
         text = open(path, encoding="utf-8").read()
         for target in INCLUDE.findall(text):
@@ -92,26 +104,27 @@ def main():
                 continue
             if folder not in may_see:
                 problems.append(f"{rel}: includes {target}, but its layer does not link sw::{folder}")
-            elif front_end_cli and layers.index(folder) < session_rank:
+            elif front_end and layers.index(folder) < session_rank:
+                allowed, who, listing, when = front_ends[front_end]
                 entry = f"{os.path.basename(path)}: {target}"
-                if entry in cli_allowed:
-                    cli_used.add(entry)
+                if entry in allowed:
+                    used[front_end].add(entry)
                 else:
-                    problems.append(f"{rel}: the command line includes {target}, below the session "
-                                    f"(allow it in tests/layering/cli_allowed_includes.txt only to print "
-                                    f"what the session returns)")
+                    problems.append(f"{rel}: {who} includes {target}, below the session "
+                                    f"(allow it in tests/layering/{listing} {when})")
 
     for layer in layers:
         for path in source_files(os.path.join(src, layer)):
-            check(path, visible[layer], front_end_cli=(layer == "cli"))
+            check(path, visible[layer], front_end=layer if layer in front_ends else None)
     core = set(layers[: session_rank + 1])
     for folder in ("fuzz", "bench"):
         for path in source_files(os.path.join(root, folder)):
             may_see = core | {"gui"} if os.sep + "gui" + os.sep in path else core
             check(path, may_see)
 
-    for entry in sorted(cli_allowed - cli_used):
-        problems.append(f"tests/layering/cli_allowed_includes.txt: '{entry}' is no longer needed")
+    for name, (allowed, _, listing, _) in front_ends.items():
+        for entry in sorted(allowed - used[name]):
+            problems.append(f"tests/layering/{listing}: '{entry}' is no longer needed")
 
     for problem in problems:
         print(problem)

@@ -17,7 +17,9 @@ bool IsNameChar(char c) {
          c == '\\' || byte >= 0x80;
 }
 
-bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+bool IsLetter(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
 
 // Where the name (or function, or sheet name without quotes) that starts at `at` ends.
 std::size_t NameEnd(std::string_view text, std::size_t at) {

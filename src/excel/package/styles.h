@@ -1,8 +1,8 @@
 #pragma once
 // Cell formats (styles.xml) the engine adds: changed formats are always new entries, so the
 // formats other cells use stay as they were.
-#include <pugixml.hpp>
 #include <initializer_list>
+#include <pugixml.hpp>
 #include <string>
 
 #include "excel/constants.h"
