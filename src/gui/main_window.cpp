@@ -751,8 +751,7 @@ std::optional<QString> AskText(QWidget* parent, const char* objectName, const ch
 
 void MainWindow::FindPlacement() {
   if (session_->Table().Rows() <= 1) return;
-  const auto text =
-      AskText(this, "dlgSokPlacering", "Sök placering", "Placering som innehåller:", lastSearch_);
+  const auto text = AskText(this, "dlgSokPlacering", "Sök placering", "Placering som innehåller:", lastSearch_);
   if (!text) return;
   lastSearch_ = *text;
   const auto found = session::FindPlacement(session_->Table(), S(*text), grid_->CurrentTableRow());
@@ -789,8 +788,7 @@ void MainWindow::SelectTableRow(int tableRow) {
 
 void MainWindow::CheckDumpOnDisk() {
   // Never over a load, a dialog (the question itself included) or a run.
-  if (busy_ || askingReload_ || QApplication::activeModalWidget() || QApplication::activePopupWidget())
-    return;
+  if (busy_ || askingReload_ || QApplication::activeModalWidget() || QApplication::activePopupWidget()) return;
   if (!session_->DumpChangedOnDisk()) return;
   askingReload_ = true;
   statusBar()->showMessage(QString::fromUtf8("Rapportfilen har ändrats på disken."));
