@@ -20,6 +20,12 @@ WindowsPathResolver& WindowsPaths() {
   return resolver;
 }
 
+std::string DisplayPath(std::string_view windowsPath) {
+  if (windowsPath.empty()) return {};
+  const std::u8string text = ResolveWindowsPath(windowsPath).make_preferred().u8string();
+  return {text.begin(), text.end()};
+}
+
 std::filesystem::path ResolveWindowsPath(std::string_view windowsPath) {
   return WindowsPaths().Resolve(windowsPath);
 }

@@ -46,6 +46,9 @@ WindowsPathResolver& WindowsPaths();
 
 // Shorthands through WindowsPaths().
 std::filesystem::path ResolveWindowsPath(std::string_view windowsPath);
+// A path as the user is shown it: where the file is on this machine, with this platform's separators
+// (a folder and a name joined with "\" read "folder/name" on Linux), UTF-8.
+std::string DisplayPath(std::string_view windowsPath);
 bool WindowsFileExists(std::string_view windowsPath);    // a file (not a folder) is there
 bool WindowsFolderExists(std::string_view windowsPath);  // a folder is there
 

@@ -1,5 +1,6 @@
 #include "generate/generate_workbook.h"
 
+#include <algorithm>
 #include <new>
 #include <optional>
 #include <string>
@@ -44,19 +45,6 @@ std::string LeftCharacters(std::string_view text, int length) {
   return std::string(text.substr(0, end));
 }
 
-// The template's layout as generation's INI check will read it; nothing when the check would fail. It
-// says nothing: the layout is looked at before the target is asked for, and generation's own INI
-// check tells its findings once the target is chosen.
-std::optional<templates::TemplateDefinition> LayoutAsChecked(
-    const templates::TemplateDefinition& definition) {
-  if (definition.IniPath.empty()) return std::nullopt;
-  const auto validation = templates::ValidateTemplateIni(definition.IniPath);
-  if (!validation.Accepted()) return std::nullopt;
-  templates::TemplateDefinition copy = definition;
-  validation.ApplyTo(copy);
-  return copy;
-}
-
 // Tells and returns false when the run's page or row numbers would pass the 16-bit counters.
 bool FitsTheCounters(const GenerationRun& run, const templates::TemplateDefinition& definition) {
   int start = 0;
@@ -73,8 +61,48 @@ bool FitsTheCounters(const GenerationRun& run, const templates::TemplateDefiniti
   return false;
 }
 
+int Severity(MessageIcon icon) {
+  switch (icon) {
+    case MessageIcon::kCritical: return 3;
+    case MessageIcon::kExclamation: return 2;
+    case MessageIcon::kInformation: return 1;
+    default: return 0;
+  }
+}
+
+// The template's INI file as generation needs it; a failing one is opened for editing.
+bool ValidateIni(GenerationRun& run, templates::TemplateDefinition& definition) {
+  const auto validation = templates::ValidateTemplateIni(definition.IniPath);
+  // Everything wrong with the file in one box: a box per bad line, one after the other, reads as
+  // several failures instead of one file to mend.
+  if (const auto& notices = validation.outcome.notices; !notices.empty()) {
+    base::Notice all = notices.front();
+    for (std::size_t i = 1; i < notices.size(); ++i) {
+      all.text += "\r\r" + notices[i].text;
+      all.icon = std::max(all.icon, notices[i].icon, [](MessageIcon a, MessageIcon b) {
+        return Severity(a) < Severity(b);
+      });
+    }
+    run.Tell(all.text, all.title, all.icon);
+  }
+  validation.ApplyTo(definition);
+  run.state.dynamicLength = definition.Infinite;
+  const auto status = validation.outcome.status;
+  if (status == templates::IniValidationStatus::kMissingSheetSection) return false;
+  if (status == templates::IniValidationStatus::kTooFewEntries) {
+    run.state.iniEditRequested = true;
+    // The message has already told the user to edit the file; a missing editor adds nothing to it.
+    run.services.launcher.EditTextFile(definition.IniPath);
+    run.SetMousePointer(MousePointer::kDefault);
+    return false;
+  }
+  run.state.iniEditRequested = false;
+  return true;
+}
+
 // Steps up to the target file: false when the run ends here.
-bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, const std::string& extension) {
+bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefinition& definition,
+                                const std::string& extension) {
   GenerationState& state = run.state;
   settings::Settings& settings = run.services.settings;
   if (base::TrimSpaces(inputs.sheetNumberText).empty()) inputs.sheetNumberText = "1";
@@ -88,21 +116,24 @@ bool CheckInputsAndAskForTarget(GenerationRun& run, GenerationInputs& inputs, co
   }
   // Refused before the user picks a file for a result that could never be made: a template the
   // engine will not open, and a layout that writes nothing.
-  if (const std::string refusal =
-          excel::WorkbookFileRefusal(EnginePath(inputs.templateFolder + "\\" + inputs.templateFile));
-      !refusal.empty()) {
-    run.Tell(refusal, "Filfel", MessageIcon::kCritical);
+  const std::string templatePath = inputs.templateFolder + "\\" + inputs.templateFile;
+  if (const std::string refusal = excel::WorkbookFileRefusal(EnginePath(templatePath)); !refusal.empty()) {
+    // Which file it is, on a line of its own where the text itself does not say.
+    const std::string shown = base::DisplayPath(templatePath);
+    run.Tell(refusal.find(shown) == std::string::npos ? refusal + "\r" + shown : refusal, "Filfel",
+             MessageIcon::kCritical);
     run.SetMousePointer(MousePointer::kDefault);
     return false;
   }
-  if (const auto layout = LayoutAsChecked(run.definition); layout) {
-    if (const std::string refusal = RowsAboveTheSheetRefusal(*layout); !refusal.empty()) {
-      run.Tell(refusal, "Fel", MessageIcon::kExclamation);
-      run.SetMousePointer(MousePointer::kDefault);
-      return false;
-    }
-    if (!FitsTheCounters(run, *layout)) return false;
+  // The INI file is checked before anything is asked: a file that cannot be used ends the run
+  // whatever the answers, and the user should not first pick a target for nothing.
+  if (!ValidateIni(run, definition)) return false;
+  if (const std::string refusal = RowsAboveTheSheetRefusal(definition); !refusal.empty()) {
+    run.Tell(refusal, "Fel", MessageIcon::kExclamation);
+    run.SetMousePointer(MousePointer::kDefault);
+    return false;
   }
+  if (!FitsTheCounters(run, definition)) return false;
   settings.SaveAppSetting("LastVoltDmp", inputs.dumpPickerText);
   settings.SaveAppSetting("LastRdsDir", inputs.templateDirPickerText);
   settings.SaveAppSetting("PageNoLen", std::to_string(CharacterCount(inputs.sheetNumberText)));
@@ -159,25 +190,6 @@ bool TargetSaysItsFormat(const GenerationRun& run, const GenerationInputs& input
                "Ange ett filnamn som slutar på .xlsx eller .xlsm.",
            "Fel", MessageIcon::kExclamation);
   return false;
-}
-
-// The template's INI file as generation needs it; a failing one is opened for editing.
-bool ValidateIni(GenerationRun& run, templates::TemplateDefinition& definition) {
-  const auto validation = templates::ValidateTemplateIni(definition.IniPath);
-  for (const auto& notice : validation.outcome.notices) run.Tell(notice.text, notice.title, notice.icon);
-  validation.ApplyTo(definition);
-  run.state.dynamicLength = definition.Infinite;
-  const auto status = validation.outcome.status;
-  if (status == templates::IniValidationStatus::kMissingSheetSection) return false;
-  if (status == templates::IniValidationStatus::kTooFewEntries) {
-    run.state.iniEditRequested = true;
-    // The message has already told the user to edit the file; a missing editor adds nothing to it.
-    run.services.launcher.EditTextFile(definition.IniPath);
-    run.SetMousePointer(MousePointer::kDefault);
-    return false;
-  }
-  run.state.iniEditRequested = false;
-  return true;
 }
 
 // Opens the template read-only and finds its two sheets; tells what is missing and quits Excel.
@@ -272,7 +284,7 @@ bool SaveResult(GenerationRun& run) {
       run.SetMousePointer(MousePointer::kDefault);
     } else {
       run.TellFailure(error.number(), error.description(),
-                      "Filen används, kan ej skriva över.\rAnge annat filnamn");
+                      "Filen används, kan ej skriva över.\rAnge annat filnamn", run.inputs.targetPath);
     }
     return false;
   }
@@ -304,11 +316,9 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefini
   GenerationState& state = run.state;
   const std::string extension = TemplateExtension(inputs.templateFile);
   run.pageFileExtension = "." + extension;
-  if (!CheckInputsAndAskForTarget(run, inputs, extension)) return;
+  if (!CheckInputsAndAskForTarget(run, inputs, definition, extension)) return;
   if (!KeepsMacros(run, inputs, extension)) return;
   if (!TargetSaysItsFormat(run, inputs)) return;
-  if (!ValidateIni(run, definition)) return;
-  if (!FitsTheCounters(run, definition)) return;
 
   run.SetMousePointer(MousePointer::kHourglass);
   for (std::size_t i = 0; i < definition.CommonFields.size(); ++i) {
@@ -399,7 +409,7 @@ GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templates::Template
     Run(run, inputs, definition, outcome);
   } catch (const base::NumberedError& error) {
     run.TellFailure(error.number(), error.description(),
-                    "Filen används, kan ej skriva över.\rAnge annat filnamn");
+                    "Filen används, kan ej skriva över.\rAnge annat filnamn", inputs.targetPath);
   } catch (const std::bad_alloc&) {
     // The working copy is dropped below; what the user had at the target stays as it was.
     run.Tell(base::OutOfMemoryMessage("generering av " +

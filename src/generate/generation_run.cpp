@@ -27,14 +27,17 @@ void GenerationRun::Tell(std::string text, std::string title, base::MessageIcon 
       base::Message{std::move(text), std::move(title), icon, base::MessageButtons::kOk});
 }
 
-void GenerationRun::TellFailure(int number, const std::string& description,
-                                const std::string& fileInUse) const {
+void GenerationRun::TellFailure(int number, const std::string& description, const std::string& fileInUse,
+                                const std::string& path) const {
   switch (number) {
     case kDeviceUnavailable:
       Tell("Enheten ej läsbar/tillgänglig.", "", base::MessageIcon::kNone);
       break;
-    case kPermissionDenied:
-      Tell(fileInUse, "Filfel", base::MessageIcon::kCritical);
+    case kPermissionDenied: {
+      const std::string cause = WriteRefusalCause(path);
+      Tell(cause.empty() ? fileInUse : fileInUse + "\r" + cause, "Filfel", base::MessageIcon::kCritical);
+      break;
+    }
       break;
     case kCannotCreateObject:
       Tell("Kan ej starta Microsoft Excel.\rKontrollera installationen.", "Active-X fel",

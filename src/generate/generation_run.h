@@ -37,7 +37,10 @@ struct GenerationRun {
   void Tell(std::string text, std::string title, base::MessageIcon icon) const;
   // The error handler's message for failure `number` (Excel's or ours, with its `description`), and
   // the pointer back to normal. Error 70 tells `fileInUse`, which names the file where it can.
-  void TellFailure(int number, const std::string& description, const std::string& fileInUse) const;
+  // `path`: the file a "permission denied" (70) was about; its real cause, when there is one besides
+  // another program having it open, follows the in-use text on a line of its own.
+  void TellFailure(int number, const std::string& description, const std::string& fileInUse,
+                   const std::string& path = {}) const;
   // Workbook.SaveAs and Workbook.Save on the working workbook, noting the file written.
   void SaveAs(const std::string& path);
   void Save();

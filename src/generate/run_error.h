@@ -49,6 +49,11 @@ std::int16_t StartNumberValue(std::string_view text);
 // name raises 75, as Kill and the save after it would have failed.
 void CheckTargetReplaceable(std::string_view windowsPath);
 
+// Why the system refused to write `windowsPath` ("permission denied"), when it is not that another
+// program has the file open: the folder takes no new files, or the file is write-protected. Empty when
+// neither holds. The run's messages for a file in use add it on a line of their own.
+std::string WriteRefusalCause(std::string_view windowsPath);
+
 // The host path an engine is given for a Windows path text.
 std::string EnginePath(std::string_view windowsPath);
 

@@ -9,6 +9,10 @@
 namespace sw::generate {
 namespace {
 
+std::string PageFilePath(const GenerationRun& run, const std::string& pageText) {
+  return run.state.baseFileName + "-" + pageText + run.pageFileExtension;
+}
+
 std::string PageFileInUseText(const GenerationRun& run, const std::string& pageText) {
   // ".xls " whatever the template's type: the message has always read so.
   return "Filen " + run.state.baseFileName + "-" + pageText + ".xls " +
@@ -26,7 +30,8 @@ void SavePreviousPage(GenerationRun& run) {
     TellPageFileFailure(run, error, pageText);
     // Only a file in use is that file's own trouble; a full disk or a folder gone read-only would
     // fail every page after it with the same message.
-    if (error.number() != kPermissionDenied) run.stopped = true;
+    if (error.number() != kPermissionDenied || !WriteRefusalCause(PageFilePath(run, pageText)).empty())
+      run.stopped = true;
   }
 }
 
@@ -121,10 +126,13 @@ void StartNewPage(GenerationRun& run, std::string_view location) {
     if (run.inputs.singleSheet) run.resultLost = true;
     // A workbook missing a page is no result, and a page number past the counter fails every page
     // after it: the run ends. A page file in use is that file's own trouble; the next pages go on.
-    if (!run.inputs.singleSheet || error.number() != kPermissionDenied) run.stopped = true;
+    if (!run.inputs.singleSheet || error.number() != kPermissionDenied ||
+        !WriteRefusalCause(PageFilePath(run, pageText)).empty())
+      run.stopped = true;
     if (error.number() == kPermissionDenied && run.services.findTopLevelWindow)
       run.services.findTopLevelWindow(base::kApplicationTitle);
-    run.TellFailure(error.number(), error.description(), PageFileInUseText(run, pageText));
+    run.TellFailure(error.number(), error.description(), PageFileInUseText(run, pageText),
+                  PageFilePath(run, pageText));
   }
 }
 
@@ -136,7 +144,8 @@ void TellPageFileFailure(GenerationRun& run, const base::NumberedError& error, c
   }
   if (error.number() == kPermissionDenied && run.services.findTopLevelWindow)
     run.services.findTopLevelWindow(base::kApplicationTitle);
-  run.TellFailure(error.number(), error.description(), PageFileInUseText(run, pageText));
+  run.TellFailure(error.number(), error.description(), PageFileInUseText(run, pageText),
+                  PageFilePath(run, pageText));
 }
 
 }  // namespace sw::generate

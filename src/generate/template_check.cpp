@@ -1,6 +1,7 @@
 #include "generate/template_check.h"
 
 #include "base/upper_case.h"
+#include "base/windows_path.h"
 #include "excel/application_factory.h"
 #include "excel/automation.h"
 #include "generate/run_error.h"
@@ -69,7 +70,7 @@ std::string RowsAboveTheSheetRefusal(const templates::TemplateDefinition& defini
   if (definition.Infinite || definition.EndRow >= 1 || definition.EndRow < definition.StartRow) return {};
   return "Sidans rader ligger ovanför rad 1 (STARTROW " + std::to_string(definition.StartRow) + ", ENDROW " +
          std::to_string(definition.EndRow) +
-         "), så ingen rad ur rapporten skulle skrivas.\rRedigera ini-filen " + definition.IniPath + ".";
+         "), så ingen rad ur rapporten skulle skrivas.\rRedigera ini-filen " + base::DisplayPath(definition.IniPath) + ".";
 }
 
 }  // namespace sw::generate

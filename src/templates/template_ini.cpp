@@ -8,6 +8,7 @@
 #include "base/strings.h"
 #include "base/upper_case.h"
 #include "base/windows_path.h"
+#include "base/windows_path.h"
 #include "templates/cell_reference.h"
 #include "templates/field_panel.h"
 #include "templates/profile_file.h"
@@ -38,10 +39,10 @@ std::string UnreadableReason(std::string_view iniPath) {
 
 base::Notice MissingSection(std::string_view iniPath, std::string_view section) {
   if (const std::string reason = UnreadableReason(iniPath); !reason.empty()) {
-    return {"Ini-filen " + std::string(iniPath) + kCr + "går inte att läsa " + reason + ".", kTitleCannotUse,
+    return {"Ini-filen " + base::DisplayPath(iniPath) + kCr + "går inte att läsa " + reason + ".", kTitleCannotUse,
             MessageIcon::kInformation};
   }
-  return {"Ini-filen " + std::string(iniPath) + kCr + "saknar sektionen [" + std::string(section) + "].",
+  return {"Ini-filen " + base::DisplayPath(iniPath) + kCr + "saknar sektionen [" + std::string(section) + "].",
           kTitleCannotUse, MessageIcon::kInformation};
 }
 
@@ -278,7 +279,7 @@ IniValidation ValidateTemplateIni(const ProfileFile& file, std::string_view iniP
   }
 
   if (count >= 8) return result;
-  outcome.Tell("Redigera ini-filen " + std::string(iniPath) + " och försök senare.",
+  outcome.Tell("Redigera ini-filen " + base::DisplayPath(iniPath) + " och försök senare.",
                MessageIcon::kInformation, kTitleError);
   outcome.Fail(IniValidationStatus::kTooFewEntries);
   return result;

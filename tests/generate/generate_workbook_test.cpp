@@ -276,12 +276,13 @@ INSTANTIATE_TEST_SUITE_P(
         EarlyExit{
             "NoSheetSection",
             [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\no_sheet_section.ini"; },
-            {"Kan ej använda Excel-filen: Ini-filen data/generation\\no_sheet_section.ini\rsaknar sektionen "
-             "[Sheet]."},
+            {"Kan ej använda Excel-filen: Ini-filen " + base::DisplayPath("data/generation\\no_sheet_section.ini") +
+             "\rsaknar sektionen [Sheet]."},
             0},
         EarlyExit{"TooFewEntries",
                   [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\too_few_entries.ini"; },
-                  {"Fel: Redigera ini-filen data/generation\\too_few_entries.ini och försök senare."},
+                  {"Fel: Redigera ini-filen " + base::DisplayPath("data/generation\\too_few_entries.ini") +
+                   " och försök senare."},
                   0},
         EarlyExit{"MissingSheet",
                   [](GenerationFixture& f) {

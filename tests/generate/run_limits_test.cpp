@@ -8,7 +8,14 @@
 #include <new>
 #include <string>
 
+#ifndef _WIN32
+#include <unistd.h>
+#endif
+
+#include "base/windows_path.h"
 #include "generate/counter_limit.h"
+#include "generate/run_error.h"
+#include "temp_dir.h"
 #include "generation_fixture.h"
 
 namespace sw::generate {
@@ -115,6 +122,39 @@ TEST_F(RunLimitsTest, DynamicBreaksPastTheSheetsLimitAreRefusedBeforeTheTargetIs
                           "sidlängd; dela upp rapporten eller använd en mall med fast sidlängd."));
   EXPECT_EQ(dialogs.fileAnswers.size(), 1u);  // the target was never asked for
   EXPECT_THAT(outcome.savedFiles, IsEmpty());
+}
+
+// Everything wrong with the INI file is told in one box, before the user is asked for a target that
+// could never be written.
+TEST_F(RunLimitsTest, ABrokenIniIsToldInOneBoxBeforeTheTargetIsAskedFor) {
+  AddPages(2);
+  definition.IniPath = std::string(kFolder) + "\\two_bad_lines.ini";
+  const auto outcome = Generate();
+  EXPECT_FALSE(outcome.completed);
+  EXPECT_THAT(MessageTexts(),
+              ElementsAre("Fel: Cellposition för placering är felaktigt angiven i ini-filen.\r\"LOCATION=B\"\r\r"
+                          "Startrad för ifyllnad av sida är felaktigt angiven i ini-filen.\r\"STARTROW=x10\"\r\r"
+                          "Redigera ini-filen " +
+                          base::DisplayPath(definition.IniPath) + " och försök senare."));
+  EXPECT_EQ(dialogs.fileAnswers.size(), 1u);  // the target was never asked for
+  EXPECT_EQ(recording.applicationsCreated(), 0);
+}
+
+// "Filen används" is what the system's "permission denied" has always been told as; the real cause,
+// when it is not another program holding the file, follows on a line of its own.
+TEST(WriteRefusalCauseTest, NamesAWriteProtectedFileOrAFolderThatTakesNoFiles) {
+  testing::TempDir folder;
+  const auto file = folder.Write("Lista.xlsx", "förra");
+  EXPECT_EQ(WriteRefusalCause(file.string()), "");
+  std::filesystem::permissions(file, std::filesystem::perms::owner_read | std::filesystem::perms::group_read);
+  EXPECT_EQ(WriteRefusalCause(file.string()), "Filen " + base::DisplayPath(file.string()) + " är skrivskyddad.");
+#ifndef _WIN32
+  if (::geteuid() == 0) GTEST_SKIP() << "root writes in every folder";
+  std::filesystem::permissions(folder.path(), std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  const std::string cause = WriteRefusalCause((folder.path() / "Ny.xlsx").string());
+  std::filesystem::permissions(folder.path(), std::filesystem::perms::owner_all);
+  EXPECT_EQ(cause, "Mappen " + folder.path().string() + " går inte att skriva i (skrivskyddad eller utan skrivrättighet).");
+#endif
 }
 
 TEST_F(RunLimitsTest, FailedPageSavesNothingAndSaysSoOnce) {

@@ -1,5 +1,7 @@
 #include "templates/template_ini.h"
 
+#include "base/windows_path.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -86,7 +88,7 @@ TEST_F(TemplateIniTest, MissingCommonSection) {
   const auto reading = ReadCommonFields(ini);
   EXPECT_EQ(reading.outcome.status, CommonFieldsStatus::kMissingSection);
   EXPECT_EQ(reading.outcome.notices,
-            (std::vector<base::Notice>{{"Ini-filen " + ini + "\rsaknar sektionen [Common].",
+            (std::vector<base::Notice>{{"Ini-filen " + base::DisplayPath(ini) + "\rsaknar sektionen [Common].",
                                         "Kan ej använda Excel-filen", MessageIcon::kInformation}}));
   EXPECT_TRUE(reading.fields.empty());
 }
@@ -130,7 +132,7 @@ TEST_F(TemplateIniTest, RowsPerPageForThePreview) {
   EXPECT_FALSE(reading.outcome);
   EXPECT_EQ(reading.rowsPerPage, -1);
   EXPECT_EQ(Texts(reading.outcome.notices),
-            std::vector<std::string>{"Ini-filen " + ini + "\rsaknar sektionen [Sheet]."});
+            std::vector<std::string>{"Ini-filen " + base::DisplayPath(ini) + "\rsaknar sektionen [Sheet]."});
 }
 
 TEST_F(TemplateIniTest, ValidationCountsAcceptedLines) {
@@ -180,7 +182,7 @@ TEST_F(TemplateIniTest, ValidationCountsAcceptedLines) {
     result.ApplyTo(definition_);
     EXPECT_EQ(definition_.IniError, !c.accepted) << c.ini;
     auto expected = c.messages;
-    if (!c.accepted) expected.push_back("Redigera ini-filen " + ini + " och försök senare.");
+    if (!c.accepted) expected.push_back("Redigera ini-filen " + base::DisplayPath(ini) + " och försök senare.");
     EXPECT_EQ(Texts(result.outcome.notices), expected) << c.ini;
     for (const auto& message : result.outcome.notices) {
       const bool syntax = message.text.starts_with("Felaktig rad");
@@ -219,7 +221,7 @@ TEST_F(TemplateIniTest, ValidationFillsTheDefinition) {
   const auto result = ValidateTemplateIni(ini);
   EXPECT_EQ(result.outcome.status, IniValidationStatus::kMissingSheetSection);
   EXPECT_EQ(result.outcome.notices,
-            (std::vector<base::Notice>{{"Ini-filen " + ini + "\rsaknar sektionen [Sheet].",
+            (std::vector<base::Notice>{{"Ini-filen " + base::DisplayPath(ini) + "\rsaknar sektionen [Sheet].",
                                         "Kan ej använda Excel-filen", MessageIcon::kInformation}}));
   result.ApplyTo(definition_);
   EXPECT_EQ(definition_.EndRow, 50);
