@@ -319,7 +319,8 @@ def window_job(generate, dump, work, env, window, template, runs):
             out.seek(0)
             fields = dict(line.split("=", 1) for line in out.read().split())
         window_times.append((float(fields["generate_wall"]), float(fields["generate_cpu"]),
-                             float(fields["load_wall"]), float(fields["load_cpu"])))
+                             float(fields["load_wall"]), float(fields["load_cpu"]),
+                             float(fields.get("rss_loaded_mb", 0)), float(fields.get("rss_after_generate_mb", 0))))
     if page_sheets(work / "window.xlsx") != page_sheets(work / "cli.xlsx"):
         raise SystemExit("the window and the command line made different numbers of pages")
     cli = Measure(statistics.median(m.wall for m in cli_runs), statistics.median(m.cpu for m in cli_runs),
@@ -333,6 +334,11 @@ def window_job(generate, dump, work, env, window, template, runs):
           f"   window/command line: {in_window.seconds / cli.seconds:5.2f}")
     print(f"  window, whole process (Qt included) {describe(whole)}   window/command line:"
           f" {whole.seconds / cli.seconds:5.2f}")
+    loaded = statistics.median(t[4] for t in window_times)
+    after = statistics.median(t[5] for t in window_times)
+    if loaded > 0:
+        print(f"  window's memory: {loaded:.0f} MB loaded, {after:.0f} MB after the generation"
+              f" ({after / loaded:.2f}x)")
 
 
 if __name__ == "__main__":

@@ -49,6 +49,19 @@ struct Stopwatch {
   }
 };
 
+// The process's resident memory in MB, as the system reports it (Linux); 0 where it does not.
+double ResidentMegabytes() {
+  std::FILE* status = std::fopen("/proc/self/status", "r");
+  if (!status) return 0;
+  char line[256];
+  double kilobytes = 0;
+  while (std::fgets(line, sizeof line, status)) {
+    if (std::sscanf(line, "VmRSS: %lf kB", &kilobytes) == 1) break;
+  }
+  std::fclose(status);
+  return kilobytes / 1024;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -97,11 +110,13 @@ int main(int argc, char** argv) {
   emit edit->editingFinished();
   QApplication::processEvents();
   load.Print("load");
+  std::printf("rss_loaded_mb=%.1f\n", ResidentMegabytes());
 
   const Stopwatch generation;
   window.Command(sw::gui::kCommandGenerate)->trigger();
   QApplication::processEvents();
   generation.Print("generate");
+  std::printf("rss_after_generate_mb=%.1f\n", ResidentMegabytes());
 
   if (dialogs.messages != 0 || !std::filesystem::exists(target)) {
     std::fprintf(stderr, "the generation did not write %s (%d messages)\n", target.c_str(), dialogs.messages);

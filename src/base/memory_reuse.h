@@ -9,4 +9,9 @@ namespace sw::base {
 // the start of a program.
 void KeepFreedMemoryForReuse();
 
+// Hands the freed memory the allocator kept back to the system. After a long run (a workbook of
+// hundreds of thousands of rows holds hundreds of megabytes until it is saved) the window would
+// otherwise go on holding what the run used.
+void GiveFreedMemoryBack();
+
 }  // namespace sw::base

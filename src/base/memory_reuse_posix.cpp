@@ -16,4 +16,10 @@ void KeepFreedMemoryForReuse() {
 #endif
 }
 
+void GiveFreedMemoryBack() {
+#if defined(M_TRIM_THRESHOLD)
+  malloc_trim(0);
+#endif
+}
+
 }  // namespace sw::base

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/memory_reuse.h"
 #include "base/strings.h"
 #include "base/windows_path.h"
 #include "discovery/refresh_files.h"
@@ -616,11 +617,18 @@ GenerationResult Session::Generate() {
                                               },
                                           .findTopLevelWindow = {},
                                           .mayWriteIntoTemplate = services_.mayWriteIntoTemplate};
-  generate::GenerationState state;
-  // The progress bar counts the pages the run will make, as the status bar shows them.
-  if (services_.progress) services_.progress->Begin(PagesOfGeneration().value_or(0) + 1);
-  const auto outcome = generate::GenerateWorkbook(inputs, definition_, state, generation);
-  if (services_.progress) services_.progress->End();
+  generate::GenerationOutcome outcome;
+  bool iniEditRequested = false;
+  {
+    generate::GenerationState state;
+    // The progress bar counts the pages the run will make, as the status bar shows them.
+    if (services_.progress) services_.progress->Begin(PagesOfGeneration().value_or(0) + 1);
+    outcome = generate::GenerateWorkbook(inputs, definition_, state, generation);
+    if (services_.progress) services_.progress->End();
+    iniEditRequested = state.iniEditRequested;
+  }
+  // The run's workbook is gone with its state; what it used goes back to the system.
+  base::GiveFreedMemoryBack();
 
   sheetNo_.SetText(inputs.sheetNumberText);
   txtExcelFilename_ = inputs.targetPath;
@@ -629,7 +637,7 @@ GenerationResult Session::Generate() {
   GenerationResult result;
   result.completed = outcome.completed;
   result.templateBackup = outcome.templateBackup;
-  result.iniEditRequested = state.iniEditRequested;
+  result.iniEditRequested = iniEditRequested;
   for (const auto& written : outcome.savedFiles) result.workbooks.push_back(written);
   return result;
 }

@@ -26,12 +26,8 @@ struct CommonField {
   std::string Value;  // what the user has in the field when generation starts
 };
 
-struct TemplateDefinition {
-  std::string IniPath;  // empty when the template has no INI file
-  // One record per [Common] line, blank and rejected lines included (they keep an empty record).
-  std::vector<CommonField> CommonFields;
-  std::vector<std::string> PreviewColumnNames;  // [Sheet] Columns, split at ","
-
+// [Tabs] and [Sheet] as generation's check reads them; a key that is missing keeps its zero.
+struct CheckedLayout {
   std::string CommonSheetName;    // [Tabs] Common
   std::string TemplateSheetName;  // [Tabs] Template
   std::int16_t SheetNoRow = 0, SheetNoCol = 0;
@@ -40,7 +36,15 @@ struct TemplateDefinition {
   std::int16_t StartRow = 0, EndRow = 0;
   bool Infinite = false;                  // dynamic page length
   std::vector<std::int16_t> DataColumns;  // index = report field
-  bool IniError = false;                  // generation does nothing while set
+};
+
+// The layout part is what each generation's check sets anew (IniValidation::ApplyTo).
+struct TemplateDefinition : CheckedLayout {
+  std::string IniPath;  // empty when the template has no INI file
+  // One record per [Common] line, blank and rejected lines included (they keep an empty record).
+  std::vector<CommonField> CommonFields;
+  std::vector<std::string> PreviewColumnNames;  // [Sheet] Columns, split at ","
+  bool IniError = false;                        // generation does nothing while set
 };
 
 }  // namespace sw::templates

@@ -301,18 +301,7 @@ IniValidation ValidateTemplateIni(std::string_view iniPath) {
 
 void IniValidation::ApplyTo(TemplateDefinition& definition) const {
   if (outcome.status == IniValidationStatus::kMissingSheetSection) return;
-  definition.CommonSheetName = layout.CommonSheetName;
-  definition.TemplateSheetName = layout.TemplateSheetName;
-  definition.SheetNoRow = layout.SheetNoRow;
-  definition.SheetNoCol = layout.SheetNoCol;
-  definition.NextSheetRow = layout.NextSheetRow;
-  definition.NextSheetCol = layout.NextSheetCol;
-  definition.LocationRow = layout.LocationRow;
-  definition.LocationCol = layout.LocationCol;
-  definition.StartRow = layout.StartRow;
-  definition.EndRow = layout.EndRow;
-  definition.Infinite = layout.Infinite;
-  definition.DataColumns = layout.DataColumns;
+  static_cast<CheckedLayout&>(definition) = layout;
   definition.IniError = !Accepted();
 }
 

@@ -64,18 +64,6 @@ enum class IniValidationStatus {
   kTooFewEntries,        // told, IniError set; the caller opens the INI file in Notepad
 };
 
-// [Tabs] and [Sheet] as generation's check reads them; a key that is missing keeps its zero.
-struct CheckedLayout {
-  std::string CommonSheetName;    // [Tabs] Common
-  std::string TemplateSheetName;  // [Tabs] Template
-  std::int16_t SheetNoRow = 0, SheetNoCol = 0;
-  std::int16_t NextSheetRow = 0, NextSheetCol = 0;
-  std::int16_t LocationRow = 0, LocationCol = 0;
-  std::int16_t StartRow = 0, EndRow = 0;
-  bool Infinite = false;
-  std::vector<std::int16_t> DataColumns;
-};
-
 struct IniValidation {
   CheckedLayout layout;  // empty when [Sheet] is missing
   int count = 0;         // accepted entries; 8 are needed

@@ -6,6 +6,14 @@
 
 namespace sw::testing {
 
+// The bundled example dump, and an INI file that makes a template of the example workbook's sheets.
+inline const std::string kExample =
+    std::filesystem::absolute("../examples/yttre_forbindningstabell.txt").string();
+inline constexpr const char* kIni =
+    "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n"
+    "[Common]\r\nProjekt=C3\r\n"
+    "[Sheet]\r\nSHEETNO=H2\r\nNEXTSHEET=H3\r\nLOCATION=B5\r\nSTARTROW=10\r\nENDROW=40\r\nCOLUMNS=A,B,C\r\n";
+
 struct CliResult {
   int exitCode = -1;
   std::string out;

@@ -18,12 +18,6 @@
 namespace sw::testing {
 namespace {
 
-const std::string kExample = std::filesystem::absolute("../examples/yttre_forbindningstabell.txt").string();
-
-const char* const kIni =
-    "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n"
-    "[Common]\r\nProjekt=C3\r\n"
-    "[Sheet]\r\nSHEETNO=H2\r\nNEXTSHEET=H3\r\nLOCATION=B5\r\nSTARTROW=10\r\nENDROW=40\r\nCOLUMNS=A,B,C\r\n";
 
 // How often a file is opened while it is watched. Its closes are watched too: the system merges an
 // event into the one before it when both are alike, and an open between two closes is not.
