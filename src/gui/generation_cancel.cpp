@@ -53,8 +53,18 @@ GenerationCancel::~GenerationCancel() {
   if (active_) qApp->removeEventFilter(this);
 }
 
+void GenerationCancel::SetStoppable(bool stoppable) {
+  stoppable_ = stoppable;
+  if (button_) button_->setEnabled(stoppable);
+}
+
+void GenerationCancel::Request() {
+  if (stoppable_) requested_ = true;
+}
+
 void GenerationCancel::Begin() {
   requested_ = false;
+  SetStoppable(true);
   if (!active_) qApp->installEventFilter(this);
   active_ = true;
   if (button_) button_->setVisible(true);
@@ -64,6 +74,7 @@ void GenerationCancel::Begin() {
 void GenerationCancel::End() {
   if (active_) qApp->removeEventFilter(this);
   active_ = false;
+  SetStoppable(true);
   if (button_) button_->setVisible(false);
 }
 

@@ -23,7 +23,10 @@ class GenerationCancel final : public QObject {
   // Lets the window handle its events (at most every few hundredths of a second) and tells whether
   // the user asked the run to stop since Begin.
   bool Requested();
-  void Request() { requested_ = true; }
+  // The workbook's save cannot be stopped half-way: while it runs, the button is greyed and a stop
+  // asked for is not taken.
+  void SetStoppable(bool stoppable);
+  void Request();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -33,6 +36,7 @@ class GenerationCancel final : public QObject {
   QWidget* window_;
   bool active_ = false;
   bool requested_ = false;
+  bool stoppable_ = true;
   QElapsedTimer sinceEvents_;
 };
 

@@ -117,6 +117,7 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
     statusBar()->showMessage(Q(status.text));
     // The save is one step of unknown length: the bar says only that the run is busy.
     if (status.saving) progressBar_->setRange(0, 0);
+    cancel_->SetStoppable(!status.saving);
     RepaintPending();
   };
   sessionServices.generationCancelRequested = [this] { return cancel_->Requested(); };
