@@ -1,12 +1,16 @@
 // sheetwright-screenshot FOLDER: starts the main window as `sheetwright` does (same settings, same
 // environment, its placement included), waits until it is painted and saves the README's pictures in
 // FOLDER: the window (main_window.png), the window with the menu "Verktyg" open
-// (main_window_tools_menu.png), two themes side by side (themes.png) and the options dialog over the
+// (main_window_tools_menu.png), "Gå till sida" asking for a page (main_window_go_to_page.png), the
+// grid scrolled sideways with the placement names kept in view (main_window_scrolled.png), two themes side by side (themes.png) and the options dialog over the
 // window (options_dialog.png). Run offscreen by
 // scripts/screenshot.sh, against settings of its own: choosing the themes stores "Theme" there.
 #include <QAction>
 #include <QApplication>
 #include <QDir>
+#include <QInputDialog>
+#include <QScrollBar>
+#include <QTableView>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
@@ -15,6 +19,7 @@
 #include <functional>
 #include <vector>
 
+#include "gui/command_table.h"
 #include "gui/main_window.h"
 #include "gui/options_dialog_picture.h"
 #include "gui/qt_dialogs.h"
@@ -47,6 +52,41 @@ QImage WindowWithMenu(MainWindow& window, const QString& title) {
     painter.drawPixmap(at, menu->grab());
   }
   if (menu) menu->close();
+  Settle();
+  return shot;
+}
+
+// "Gå till sida" (Ctrl+G) asking for page 3, drawn over the window; the page is then gone to.
+QImage WindowWithGoToPage(MainWindow& window) {
+  QImage shot;
+  QTimer::singleShot(0, &window, [&] {
+    auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+    if (!dialog) return;
+    dialog->setTextValue(QStringLiteral("3"));
+    Settle();
+    shot = window.grab().toImage();
+    const QPoint at = window.mapFromGlobal(dialog->mapToGlobal(QPoint(0, 0)));
+    QPainter painter(&shot);
+    painter.drawPixmap(at, dialog->grab());
+    painter.end();
+    dialog->accept();
+  });
+  window.Dispatcher().Dispatch(sw::gui::kCommandGoToPage);
+  Settle();
+  return shot;
+}
+
+// The window made narrow and its grid scrolled sideways: the placement names stay at the left edge.
+QImage WindowScrolledSideways(MainWindow& window) {
+  const QSize size = window.size();
+  window.resize(560, size.height());
+  Settle();
+  auto* grid = window.findChild<QTableView*>(QStringLiteral("fgPreView"));
+  if (grid) grid->horizontalScrollBar()->setValue(grid->horizontalScrollBar()->maximum());
+  Settle();
+  QImage shot = window.grab().toImage();
+  if (grid) grid->horizontalScrollBar()->setValue(0);
+  window.resize(size);
   Settle();
   return shot;
 }
@@ -103,6 +143,8 @@ int main(int argc, char** argv) {
       {"main_window.png", [](MainWindow& w) { return w.grab().toImage(); }},
       {"main_window_tools_menu.png",
        [](MainWindow& w) { return WindowWithMenu(w, QStringLiteral("Ver&ktyg")); }},
+      {"main_window_go_to_page.png", WindowWithGoToPage},
+      {"main_window_scrolled.png", WindowScrolledSideways},
       {"themes.png",
        [](MainWindow& w) {
          const QImage classic = WindowInTheme(w, 0);  // "Standard"
