@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
 # Renders the main window with the bundled example loaded (the outer connection table and its
 # template, page-break marks drawn) offscreen and saves the README's pictures in docs/: the window
-# (main_window.png), the window with the menu "Verktyg" open (main_window_tools_menu.png), the
-# themes "Standard" and "Office 2007" side by side (themes.png) and the options dialog (options_dialog.png).
+# (main_window.png), the window with the menu "Verktyg" open (main_window_tools_menu.png), "Gå till
+# sida" asking for a page (main_window_go_to_page.png), the grid scrolled sideways
+# (main_window_scrolled.png), the window where nothing is found (main_window_empty.png), the themes
+# "Standard" and "Office 2007" side by side (themes.png) and the options dialog (options_dialog.png).
 # The window starts as `sheetwright` does, but against a settings file and a CAD INI file of its own
 # in a temporary folder, so the user's settings are neither read nor changed.
 set -euo pipefail
@@ -35,4 +37,5 @@ REG
 mkdir -p docs
 QT_QPA_PLATFORM=offscreen SHEETWRIGHT_REGISTRY="$work/registry.reg" windir="$work/windows" TEMP="$work" \
   "build/$preset/src/gui/sheetwright-screenshot" docs
-echo "docs/main_window.png docs/main_window_tools_menu.png docs/themes.png docs/options_dialog.png"
+echo "docs/main_window.png docs/main_window_tools_menu.png docs/main_window_go_to_page.png" \
+  "docs/main_window_scrolled.png docs/main_window_empty.png docs/themes.png docs/options_dialog.png"

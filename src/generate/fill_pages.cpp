@@ -62,6 +62,10 @@ void WriteDataRow(GenerationRun& run, const std::vector<std::string_view>& cells
 
 }  // namespace
 
+// Rows written between two questions whether the user wants the run stopped: a few milliseconds'
+// work, so that a stop takes effect at once even on a page thousands of rows long.
+constexpr int kRowsBetweenCancelChecks = 256;
+
 void FillPages(GenerationRun& run) {
   const report::ReportTable& table = run.inputs.table;
   const templates::TemplateDefinition& definition = run.definition;
@@ -71,7 +75,9 @@ void FillPages(GenerationRun& run) {
   std::string location;
   bool firstMarker = true;
 
+  run.EnterPhase(GenerationPhase::kMakingPages);
   for (int r = 1; r < table.Rows(); ++r) {
+    if (r % kRowsBetweenCancelChecks == 0) run.CancelRequested();
     if (run.stopped) return;
     if (table.BackColour(r, 0) == report::kTitleGreen) {
       // A placement head names the pages that follow; a manual break keeps the name it interrupts.

@@ -300,6 +300,21 @@ void TellNothingSaved(const GenerationRun& run) {
            "Fel", MessageIcon::kExclamation);
 }
 
+// The user stopped the run: told once, as information, with what stays of it.
+void TellCancelled(const GenerationRun& run) {
+  run.SetMousePointer(MousePointer::kDefault);
+  std::string text = "Genereringen avbröts.";
+  if (!run.inputs.singleSheet) {
+    if (!run.inputs.targetPath.empty()) text += " " + run.inputs.targetPath + " är som före körningen.";
+  } else {
+    const std::size_t kept = run.savedFiles.size();
+    text += kept == 0 ? std::string(" Ingen sida hann sparas.")
+            : kept == 1 ? std::string(" 1 färdig sida har sparats i en egen fil och finns kvar.")
+                        : " " + std::to_string(kept) + " färdiga sidor har sparats i egna filer och finns kvar.";
+  }
+  run.Tell(text, "", MessageIcon::kInformation);
+}
+
 void WriteCommonTexts(GenerationRun& run) {
   GenerationState& state = run.state;
   ResumeOn1004([&] { state.currentSheet = state.workbook.Worksheets().Item(state.commonSheetIndex); });
@@ -371,10 +386,16 @@ void Run(GenerationRun& run, GenerationInputs& inputs, templates::TemplateDefini
 
   WriteCommonTexts(run);
   FillPages(run);
+  if (!run.stopped) run.CancelRequested();
+  if (run.cancelled) {
+    TellCancelled(run);
+    return;
+  }
   if (run.stopped) {
     TellNothingSaved(run);
     return;
   }
+  run.EnterPhase(GenerationPhase::kSaving);
   if (!SaveResult(run)) return;
   ResumeOn1004([&] { excel.SetVisible(true); });
   run.SetMousePointer(MousePointer::kDefault);
@@ -422,6 +443,7 @@ GenerationOutcome GenerateWorkbook(GenerationInputs& inputs, templates::Template
     run.TellFailure(51, error.what(), "");
   }
   run.RemoveWorkingFile();
+  outcome.cancelled = run.cancelled;
   outcome.savedFiles = std::move(run.savedFiles);
   outcome.templateBackup = std::move(run.templateBackup);
   return outcome;

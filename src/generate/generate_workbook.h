@@ -40,6 +40,9 @@ struct GenerationInputs {
 
 using ApplicationFactory = std::function<std::unique_ptr<excel::Application>()>;
 
+// What a run is busy with, for a window to say: the pages are made, then the workbook is saved.
+enum class GenerationPhase { kMakingPages, kSaving };
+
 struct GenerationServices {
   settings::Settings& settings;
   base::Dialogs& dialogs;
@@ -58,12 +61,20 @@ struct GenerationServices {
   // single-sheet mode does with a dynamic-length template. The command line has no switch the
   // template could turn off, so there such a run is refused instead.
   bool mayWriteIntoTemplate = true;
+  // Told as the run moves on to the next of its phases. Optional.
+  std::function<void(GenerationPhase)> phaseChanged;
+  // Asked between pages and every few hundred rows: true ends the run there. Nothing more is saved,
+  // the working file goes and the earlier result stays as it was; page files already finished stay.
+  // Optional.
+  std::function<bool()> cancelRequested;
 };
 
 struct GenerationOutcome {
   // The run got to its end with every file it was to write; false when it stopped on a message or a
   // choice, or told of a page or file it lost (every error it tells is such a loss or a stop).
   bool completed = false;
+  // The user stopped the run (GenerationServices::cancelRequested); they have been told so.
+  bool cancelled = false;
   // Every workbook file written, in the order first written, as the program names them.
   std::vector<std::string> savedFiles;
   // Where the template's previous content was kept before the run wrote into it; empty when it did not.

@@ -18,6 +18,18 @@ excel::Application& GenerationRun::Excel() const {
   return *state.excelApp;
 }
 
+bool GenerationRun::CancelRequested() {
+  if (!cancelled && services.cancelRequested && services.cancelRequested()) {
+    cancelled = true;
+    stopped = true;
+  }
+  return cancelled;
+}
+
+void GenerationRun::EnterPhase(GenerationPhase phase) const {
+  if (services.phaseChanged) services.phaseChanged(phase);
+}
+
 void GenerationRun::SetMousePointer(MousePointer pointer) const {
   if (services.setMousePointer) services.setMousePointer(pointer);
 }

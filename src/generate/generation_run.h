@@ -29,10 +29,14 @@ struct GenerationRun {
   // A page failed so that the workbook cannot be complete, or so that every later page would fail
   // alike (a full disk, a page number past the counter): the run ends there and saves nothing more.
   bool stopped = false;
+  bool cancelled = false;  // the user asked the run to stop; `stopped` is set with it
   int pagesStarted = 0;
   int cellsCut = 0;  // texts cut to what a cell holds
 
   excel::Application& Excel() const;
+  // Asks whether the user wants the run stopped; once they did, the run is stopped and stays so.
+  bool CancelRequested();
+  void EnterPhase(GenerationPhase phase) const;
   void SetMousePointer(MousePointer pointer) const;
   void Tell(std::string text, std::string title, base::MessageIcon icon) const;
   // The error handler's message for failure `number` (Excel's or ours, with its `description`), and

@@ -92,6 +92,8 @@ void AppendPageSheet(GenerationRun& run, const std::string& pageText) {
 
 void StartNewPage(GenerationRun& run, std::string_view location) {
   if (run.services.pageStarted) run.services.pageStarted(++run.pagesStarted);
+  // Asked before the previous page file is saved: a stop leaves nothing half done behind it.
+  if (run.CancelRequested()) return;
   GenerationState& state = run.state;
   const templates::TemplateDefinition& definition = run.definition;
   std::string pageText;

@@ -37,6 +37,7 @@
 #include "base/out_of_memory.h"
 #include "gui/about_box.h"
 #include "gui/busy_state.h"
+#include "gui/generation_cancel.h"
 #include "gui/dialog_placement.h"
 #include "gui/field_box.h"
 #include "gui/options_dialog.h"
@@ -112,6 +113,14 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
   sessionServices.warning = &warning_;
   sessionServices.setMousePointer = [this](generate::MousePointer pointer) { SetGenerationPointer(pointer); };
   sessionServices.layoutColumns = [this] { columnsNeedLayout_ = true; };
+  sessionServices.generationStatus = [this](const session::GenerationStatus& status) {
+    statusBar()->showMessage(Q(status.text));
+    // The save is one step of unknown length: the bar says only that the run is busy.
+    if (status.saving) progressBar_->setRange(0, 0);
+    cancel_->SetStoppable(!status.saving);
+    RepaintPending();
+  };
+  sessionServices.generationCancelRequested = [this] { return cancel_->Requested(); };
   session_ = std::make_unique<session::Session>(std::move(sessionServices));
   session_->AddObserver(*this);
   // The CAD system writes its report again while the window is open; a timer asks, since a watcher
@@ -258,6 +267,10 @@ void MainWindow::BuildWidgets() {
   progressBar_->setVisible(false);
   summary_ = new QLabel(this);
   summary_->setObjectName(QStringLiteral("lblSummary"));
+  auto* cancelButton = new QPushButton(QString::fromUtf8("Avbryt"), this);
+  cancelButton->setObjectName(QStringLiteral("btnCancelGeneration"));
+  cancel_ = new GenerationCancel(cancelButton, this);
+  statusBar()->addPermanentWidget(cancelButton);
   statusBar()->addPermanentWidget(progressBar_);
   statusBar()->addPermanentWidget(summary_);
 }
@@ -869,9 +882,20 @@ void MainWindow::Generate() {
       MainWindow& window;
       ~DefaultPointer() { window.SetGenerationPointer(generate::MousePointer::kDefault); }
     } pointer{*this};
+    struct CancelButton {
+      GenerationCancel& cancel;
+      ~CancelButton() { cancel.End(); }
+    } button{*cancel_};
+    cancel_->Begin();
     result = session_->Generate();
   });
   if (!ran) return;
+  // What the run was busy with is over; a stopped run has told the user what stays of it.
+  statusBar()->clearMessage();
+  if (result.cancelled) {
+    if (!pending_.Empty()) ShowSession();
+    return;
+  }
   iniEditRequested_ = result.iniEditRequested;
   if (!pending_.Empty()) ShowSession();
 

@@ -33,6 +33,7 @@ namespace sw::gui {
 
 class FieldBox;
 class PreviewGrid;
+class GenerationCancel;
 class ProgressBarLoadProgress;
 class ReportTableModel;
 
@@ -154,6 +155,7 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
   bool iniBlocksGenerate_ = false;  // the template's INI file is to be edited before a run
   ReportTableModel* model_ = nullptr;
   QProgressBar* progressBar_ = nullptr;
+  GenerationCancel* cancel_ = nullptr;  // the "Avbryt" button beside the progress bar
   QLabel* summary_ = nullptr;
   std::vector<std::string> recentShown_;  // the dumps the "Senaste textfiler" menu lists
   bool fieldsShown_ = false;

@@ -604,6 +604,7 @@ GenerationResult Session::Generate() {
                                     .targetPath = txtExcelFilename_};
 
   generate::MessageSingleSheetWarning plainWarning(services_.dialogs);
+  const std::optional<int> pages = PagesOfGeneration();
   generate::GenerationServices generation{.settings = services_.settings,
                                           .dialogs = services_.dialogs,
                                           .warning = services_.warning ? *services_.warning : plainWarning,
@@ -612,17 +613,26 @@ GenerationResult Session::Generate() {
                                           .programFolder = services_.programFolder,
                                           .setMousePointer = services_.setMousePointer,
                                           .pageStarted =
-                                              [this](int pages) {
-                                                if (services_.progress) services_.progress->Step(pages);
+                                              [this, &pages](int started) {
+                                                if (services_.progress) services_.progress->Step(started);
+                                                if (services_.generationStatus)
+                                                  services_.generationStatus(GenerationStatusFor(
+                                                      generate::GenerationPhase::kMakingPages, started, pages));
                                               },
                                           .findTopLevelWindow = {},
-                                          .mayWriteIntoTemplate = services_.mayWriteIntoTemplate};
+                                          .mayWriteIntoTemplate = services_.mayWriteIntoTemplate,
+                                          .phaseChanged =
+                                              [this, &pages](generate::GenerationPhase phase) {
+                                                if (services_.generationStatus)
+                                                  services_.generationStatus(GenerationStatusFor(phase, 0, pages));
+                                              },
+                                          .cancelRequested = services_.generationCancelRequested};
   generate::GenerationOutcome outcome;
   bool iniEditRequested = false;
   {
     generate::GenerationState state;
     // The progress bar counts the pages the run will make, as the status bar shows them.
-    if (services_.progress) services_.progress->Begin(PagesOfGeneration().value_or(0) + 1);
+    if (services_.progress) services_.progress->Begin(pages.value_or(0) + 1);
     outcome = generate::GenerateWorkbook(inputs, definition_, state, generation);
     if (services_.progress) services_.progress->End();
     iniEditRequested = state.iniEditRequested;
@@ -636,6 +646,7 @@ GenerationResult Session::Generate() {
 
   GenerationResult result;
   result.completed = outcome.completed;
+  result.cancelled = outcome.cancelled;
   result.templateBackup = outcome.templateBackup;
   result.iniEditRequested = iniEditRequested;
   for (const auto& written : outcome.savedFiles) result.workbooks.push_back(written);

@@ -31,6 +31,7 @@
 #include "session/dump_watch.h"
 #include "session/edit_history.h"
 #include "session/external_editor.h"
+#include "session/generation_status.h"
 #include "session/options.h"
 #include "session/session_observer.h"
 #include "settings/settings.h"
@@ -66,6 +67,10 @@ struct SessionServices {
   bool mayWriteIntoTemplate = true;
   // Where the external editing commands hand their files; none: this platform's way.
   ExternalEditor* externalEditor = nullptr;
+  // Told what a generation is busy with as it moves on (window only). Optional.
+  std::function<void(const GenerationStatus&)> generationStatus;
+  // Asked now and then while a generation runs: true stops it (window only). Optional.
+  std::function<bool()> generationCancelRequested;
 };
 
 // What the status bar counts for the user.
@@ -80,6 +85,7 @@ struct GenerationResult {
   // The run got to its end with every file it was to write. A run that told of a page or file it
   // lost, or that stopped on a message or a choice, did not.
   bool completed = false;
+  bool cancelled = false;  // the user stopped the run and has been told what stays of it
   std::vector<std::string> workbooks;  // every workbook written, as the program names them
   std::string templateBackup;  // where the template's previous content was kept, when the run wrote into it
   bool iniEditRequested =

@@ -285,5 +285,74 @@ TEST(SafeSaveTest, CommandLineRefusesRunsThatWouldWriteIntoTheTemplate) {
   EXPECT_EQ(Snapshot(run.templates), templatesBefore);
 }
 
+// The user stops a run from the window as its pages are begun: nothing more is written, the earlier
+// result stays byte for byte, no temporary file is left, and the user is told once what stays.
+TEST(SafeSaveTest, RunStoppedByTheUserLeavesTheEarlierResultAndSaysWhatStays) {
+  for (const Mode mode : {Mode::kNormal, Mode::kSingleSheet}) {
+    SafeSaveRun run(mode);
+    bool stop = false;
+    std::vector<GenerationPhase> phases;
+    run.services.pageStarted = [&](int pages) { stop = pages == 3; };
+    run.services.cancelRequested = [&] { return stop; };
+    run.services.phaseChanged = [&](GenerationPhase phase) { phases.push_back(phase); };
+    const auto templatesBefore = Snapshot(run.templates);
+    const auto resultsBefore = Snapshot(run.results);
+
+    const auto outcome = run.Generate();
+
+    EXPECT_TRUE(outcome.cancelled) << ModeName(mode);
+    EXPECT_FALSE(outcome.completed);
+    EXPECT_THAT(phases, ::testing::ElementsAre(GenerationPhase::kMakingPages));
+    EXPECT_EQ(Snapshot(run.templates), templatesBefore);
+    EXPECT_FALSE(HasOwnTempFile(run.results));
+    ASSERT_EQ(run.dialogs.messages.size(), 1u) << ::testing::PrintToString(run.MessageTexts());
+    EXPECT_EQ(run.dialogs.messages[0].icon, base::MessageIcon::kInformation);
+    auto expected = resultsBefore;
+    if (mode == Mode::kNormal) {
+      EXPECT_TRUE(outcome.savedFiles.empty());
+      EXPECT_EQ(run.dialogs.messages[0].text,
+                "Genereringen avbröts. " + (run.results / "Lista.xlsx").string() + " är som före körningen.");
+    } else {
+      // Page 1 was finished and saved when page 2 began; page 2 was not yet saved when page 3 began.
+      EXPECT_THAT(outcome.savedFiles, ::testing::ElementsAre((run.results / "Lista-1.xlsx").string()));
+      EXPECT_EQ(run.dialogs.messages[0].text,
+                "Genereringen avbröts. 1 färdig sida har sparats i en egen fil och finns kvar.");
+      const auto after = Snapshot(run.results);
+      EXPECT_TRUE(after.at("Lista-1.xlsx").starts_with("PK"));
+      expected["Lista-1.xlsx"] = after.at("Lista-1.xlsx");
+    }
+    EXPECT_EQ(Snapshot(run.results), expected) << ModeName(mode);
+  }
+}
+
+// A stop asked for after the last page, and on one long dynamic-length page between its rows.
+TEST(SafeSaveTest, StopIsAskedForBetweenRowsAndBeforeTheSave) {
+  {
+    SafeSaveRun run(Mode::kDynamic);
+    run.AddPlacement("+A2", 8, 1200);
+    int asked = 0;
+    run.services.cancelRequested = [&] { return ++asked == 3; };
+    const auto resultsBefore = Snapshot(run.results);
+    const auto outcome = run.Generate();
+    EXPECT_TRUE(outcome.cancelled);
+    EXPECT_EQ(asked, 3);
+    EXPECT_EQ(Snapshot(run.results), resultsBefore);
+    EXPECT_FALSE(HasOwnTempFile(run.results));
+  }
+  {
+    // Nobody asks for a stop: the run saves, and says that it does.
+    SafeSaveRun run(Mode::kNormal);
+    int asked = 0;
+    std::vector<GenerationPhase> phases;
+    run.services.cancelRequested = [&] { return ++asked < 0; };
+    run.services.phaseChanged = [&](GenerationPhase phase) { phases.push_back(phase); };
+    const auto outcome = run.Generate();
+    EXPECT_TRUE(outcome.completed);
+    EXPECT_FALSE(outcome.cancelled);
+    EXPECT_GE(asked, 4);  // at each of the three pages and before the save
+    EXPECT_THAT(phases, ::testing::ElementsAre(GenerationPhase::kMakingPages, GenerationPhase::kSaving));
+  }
+}
+
 }  // namespace
 }  // namespace sw::generate

@@ -13,6 +13,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QScreen>
 #include <QStatusBar>
 #include <QTest>
@@ -21,6 +22,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 
 #include "base/file_io.h"
 #include "base/system_colours.h"
@@ -118,6 +120,7 @@ class MainWindowTest : public QObject {
   void fieldBoxesCommitAndEnterMovesOn();
   void sheetNumberBoxTakesOnlyWhatItsFilterPasses();
   void generateWritesTheWorkbookAndShowsIt();
+  void generateSaysWhatItDoesAndStopsOnAvbryt();
   void dumpWrittenAsAWorkbookShowsTheHourglassAndProgress();
   void viewSwitchDisablesGenerateForAnIniToEdit();
   void modelKeepsItsInvariants();
@@ -516,6 +519,87 @@ void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
   QCOMPARE(dialogs.messages[0].text, "Det gick inte att starta något program som kan öppna\r" + second);
   QCOMPARE(dialogs.messages[0].title, std::string("Fel"));
   QCOMPARE(dialogs.messages[0].icon, sw::base::MessageIcon::kExclamation);
+}
+
+void MainWindowTest::generateSaysWhatItDoesAndStopsOnAvbryt() {
+  StartedWindow started([](sw::testing::FakeInstallation& install) {
+    WithExampleTemplate(install);
+    std::string dump = "%+A1 Panel%\r\n";
+    for (int row = 1; row <= 400; ++row) dump += "\tX1\t" + std::to_string(row) + "\tPump\r\n";
+    install.Write("Temp/VOLTARIS/VOLTARIS ic/volt_report.txt", dump);
+    install.Write("Ut/Panel.xlsx", "det förra resultatet");
+  });
+  auto* window = started.window.get();
+  auto& dialogs = started.install.dialogs;
+  auto* bar = window->findChild<QProgressBar*>(QStringLiteral("prgLoad"));
+  auto* cancel = window->findChild<QPushButton*>(QStringLiteral("btnCancelGeneration"));
+  QVERIFY(cancel);
+  QCOMPARE(cancel->text(), QString::fromUtf8("Avbryt"));
+  QVERIFY(cancel->isHidden());
+  const auto target = started.install.Host("Ut/Panel.xlsx");
+
+  // What the window shows whenever it gets to handle its events during the run; `stop` is what the
+  // user does once the bar has moved past the second page.
+  QStringList statuses;
+  bool busyBarWhileSaving = false;
+  bool editorReached = false;
+  std::function<void()> stop;
+  QTimer probe;
+  probe.setInterval(0);
+  QObject::connect(&probe, &QTimer::timeout, [&] {
+    const QString status = window->statusBar()->currentMessage();
+    if (statuses.isEmpty() || statuses.back() != status) statuses.push_back(status);
+    // The save cannot be stopped half-way: the button is greyed meanwhile.
+    if (status == QString::fromUtf8("Sparar arbetsboken …") && bar->maximum() == 0 && !cancel->isEnabled())
+      busyBarWhileSaving = true;
+    if (stop && !cancel->isHidden() && bar->value() >= 2) std::exchange(stop, {})();
+  });
+  probe.start();
+
+  // A run to its end tells the pages, then the save.
+  dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel2.xlsx"));
+  window->Command(sw::gui::kCommandGenerate)->trigger();
+  QVERIFY2(dialogs.messages.empty(), dialogs.messages.empty() ? "" : dialogs.messages[0].text.c_str());
+  QVERIFY(statuses.contains(QString::fromUtf8("Skapar sidor … 2 av ") +
+                            QString::number(*window->Session().PagesOfGeneration())));
+  QVERIFY(busyBarWhileSaving);
+  QVERIFY(cancel->isHidden());
+  QVERIFY(cancel->isEnabled());
+  QCOMPARE(started.opened.size(), std::size_t{1});
+
+  // Clicking "Avbryt" in the middle of a run: nothing is written over the earlier result, the user is
+  // told so once, and the window is ready again. Esc does the same; so does closing the window, which
+  // stays open.
+  const std::function<void()> ways[] = {
+      [&] { QTest::mouseClick(cancel, Qt::LeftButton); },
+      [&] { QTest::keyClick(window->findChild<QComboBox*>(QStringLiteral("cboSheetNo")), Qt::Key_Escape); },
+      [&] {
+        // Typing into the window while it runs does nothing.
+        QTest::keyClicks(window->findChild<QComboBox*>(QStringLiteral("cboSheetNo")), QStringLiteral("9"));
+        editorReached = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"))->currentText().contains('9');
+        window->close();
+      },
+  };
+  for (const auto& way : ways) {
+    dialogs.messages.clear();
+    started.opened.clear();
+    stop = way;
+    dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
+    window->Command(sw::gui::kCommandGenerate)->trigger();
+    QVERIFY(!stop);
+    QCOMPARE(*sw::base::ReadWholeFile(target), std::string("det förra resultatet"));
+    for (const auto& entry : std::filesystem::directory_iterator(target.parent_path()))
+      QVERIFY2(entry.path().extension() != ".tmp", entry.path().string().c_str());
+    QCOMPARE(dialogs.messages.size(), std::size_t{1});
+    QCOMPARE(dialogs.messages[0].text, std::string("Genereringen avbröts. C:\\Ut\\Panel.xlsx är som före körningen."));
+    QCOMPARE(dialogs.messages[0].icon, sw::base::MessageIcon::kInformation);
+    QVERIFY(started.opened.empty());
+    QVERIFY(cancel->isHidden());
+    QVERIFY(window->menuBar()->isEnabled());
+    QVERIFY(window->isVisible());
+    QVERIFY(!editorReached);
+  }
+  probe.stop();
 }
 
 void MainWindowTest::dumpWrittenAsAWorkbookShowsTheHourglassAndProgress() {
