@@ -137,7 +137,8 @@ TEST_P(KilledRunTest, LeavesTheOldFilesAndOnlyItsOwnTemporaryFileWhichTheNextRun
   EXPECT_TRUE(page5 == "en förra sidfil" || page5.starts_with("PK"));
   const auto left = OwnTempFilesOf(results_, child);
   ASSERT_FALSE(left.empty());
-  for (const auto& name : left) EXPECT_TRUE(name.starts_with("Lista.xlsx.sheetwright-")) << name;
+  // The working copy, and in single-sheet runs a page file the kill caught before its rename.
+  for (const auto& name : left) EXPECT_TRUE(name.starts_with("Lista")) << name;
 
   // The next run in that folder: a small one, to another target.
   const std::string ours = "Annan.xlsx.sheetwright-" + std::to_string(getpid()) + ".tmp";
