@@ -8,6 +8,22 @@
 namespace sw::gui {
 namespace {
 
+// Texts of Qt's own file dialog that the Swedish catalog lacks altogether; without them the dialog
+// asks "Look in:" among Swedish labels.
+struct MissingText {
+  const char* context;
+  const char* source;
+  const char* swedish;
+};
+constexpr MissingText kMissingTexts[] = {
+    {"QFileDialog", "Look in:", "Leta i:"},
+    {"QFileSystemModel", "Computer", "Dator"},
+    {"QFileSystemModel", "My Computer", "Den här datorn"},
+    {"QAbstractFileIconProvider", "Folder", "Mapp"},
+    {"QAbstractFileIconProvider", "Drive", "Enhet"},
+    {"QAbstractFileIconProvider", "File", "Fil"},
+};
+
 // The Swedish catalog Debian ships was written for the Qt where the dialog buttons' texts ("&Yes",
 // "Cancel", "Save") belonged to QDialogButtonBox; Qt 6 asks for them as QPlatformTheme's. The catalog's
 // own translations are found under the old name.
@@ -20,6 +36,13 @@ class SwedishQtTranslator final : public QTranslator {
     QString text = QTranslator::translate(context, sourceText, disambiguation, n);
     if (text.isEmpty() && qstrcmp(context, "QPlatformTheme") == 0) {
       text = QTranslator::translate("QDialogButtonBox", sourceText, disambiguation, n);
+    }
+    if (text.isEmpty()) {
+      for (const auto& missing : kMissingTexts) {
+        if (qstrcmp(context, missing.context) == 0 && qstrcmp(sourceText, missing.source) == 0) {
+          return QString::fromUtf8(missing.swedish);
+        }
+      }
     }
     return text;
   }

@@ -494,6 +494,7 @@ void DialogsTest::qtsOwnButtonsSpeakSwedish() {
   files.setOption(QFileDialog::DontUseNativeDialog);
   QCOMPARE(files.labelText(QFileDialog::FileName), QStringLiteral("Fil&namn:"));
   QCOMPARE(files.labelText(QFileDialog::Reject), QStringLiteral("Avbryt"));
+  QCOMPARE(files.labelText(QFileDialog::LookIn), QStringLiteral("Leta i:"));
 }
 
 QTEST_MAIN(DialogsTest)
