@@ -27,6 +27,15 @@ using testing::ValidatorErrors;
 const fs::path kSource = SW_SOURCE_DIR;
 const fs::path kSelfReferences = kSource / "tests/data/templates/self_references.xlsx";
 
+// The page template (sheet 2) copied after the last sheet and named by its page number, as a run does.
+Sheet AppendPage(Application& app, Workbook& book, int page) {
+  app.Sheets().Item(2).Select();
+  app.Sheets().Item(2).CopyAfter(app.Sheets().Item(app.Sheets().Count()));
+  app.Sheets().Item(app.Sheets().Count()).Select();
+  app.Sheets().Item(app.Sheets().Count()).SetName(std::to_string(page));
+  return book.Worksheets().Item(app.Sheets().Count());
+}
+
 // The generation run of a normal-length template: three pages, page breaks and the closing format
 // pass on the last page.
 void MakePages(const fs::path& templatePath, const fs::path& target) {
@@ -37,12 +46,7 @@ void MakePages(const fs::path& templatePath, const fs::path& target) {
   Sheet common = book.Worksheets().Item(1);
   common.Cells(1, 2).SetValue("Ställverk 8 & <ny>");
   for (int page = 1; page <= 3; ++page) {
-    app->Sheets().Item(2).Select();
-    const int count = app->Sheets().Count();
-    app->Sheets().Item(2).CopyAfter(app->Sheets().Item(count));
-    app->Sheets().Item(app->Sheets().Count()).Select();
-    app->Sheets().Item(app->Sheets().Count()).SetName(std::to_string(page));
-    Sheet current = book.Worksheets().Item(app->Sheets().Count());
+    Sheet current = AppendPage(*app, book, page);
     current.Cells(2, 2).SetValue("+A" + std::to_string(page));
     current.Cells(1, 6).SetValue(std::to_string(page));
     current.Cells(2, 6).SetValue(page == 3 ? "-" : std::to_string(page + 1));
@@ -85,12 +89,7 @@ void MakeSelfReferringPages(const fs::path& target) {
   book.SaveAs(target.string());
   book.Worksheets().Item(1).Cells(1, 2).SetValue("Ställverk 8");
   for (int page = 1; page <= 3; ++page) {
-    app->Sheets().Item(2).Select();
-    const int count = app->Sheets().Count();
-    app->Sheets().Item(2).CopyAfter(app->Sheets().Item(count));
-    app->Sheets().Item(app->Sheets().Count()).Select();
-    app->Sheets().Item(app->Sheets().Count()).SetName(std::to_string(page));
-    Sheet current = book.Worksheets().Item(app->Sheets().Count());
+    Sheet current = AppendPage(*app, book, page);
     current.Cells(1, 6).SetValue(std::to_string(page));
     current.Cells(2, 7).SetValue("sida-" + std::to_string(page));
     for (int row = 10; row <= 20; ++row) current.Cells(row, 1).SetValue("W" + std::to_string(row));
