@@ -11,11 +11,14 @@ namespace {
 
 // A temporary file this process made for itself is never kept, so no crash can cost the user anything
 // there: it is written in place, neither flushed nor renamed. A single-sheet run saves its working
-// file once per page.
+// file once per page; it is written over rather than emptied first, because a file system that sees a
+// file emptied and written again pushes it to the disk when it is closed (ext4 does, to protect
+// programs that replace files that way), and that would cost a disk write per page for nothing.
 std::error_code WriteOwnTempFile(const std::filesystem::path& path, std::string_view bytes) {
-  const auto opened = platform_file::OpenForWriting(path, platform_file::Creation::kNewOrEmptied);
+  const auto opened = platform_file::OpenForWriting(path, platform_file::Creation::kNewOrExisting);
   if (opened.error) return opened.error;
   std::error_code result = platform_file::WriteAll(opened.file, bytes);
+  if (!result) result = platform_file::SetLength(opened.file, bytes.size());
   if (const auto closed = platform_file::Close(opened.file); closed && !result) result = closed;
   if (result) platform_file::Remove(path);
   return result;

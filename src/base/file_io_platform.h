@@ -12,8 +12,8 @@ namespace sw::base::platform_file {
 using Handle = std::intptr_t;
 
 enum class Creation {
-  kNewOnly,      // fails when the name is taken
-  kNewOrEmptied  // an existing file is emptied
+  kNewOnly,       // fails when the name is taken
+  kNewOrExisting  // an existing file is opened as it is, to be written over from its start
 };
 
 struct Opened {
@@ -25,6 +25,8 @@ struct Opened {
 Opened OpenForWriting(const std::filesystem::path& path, Creation creation);
 // Writes all of `bytes`, in as many calls as the system needs.
 std::error_code WriteAll(Handle file, std::string_view bytes);
+// Cuts the file off (or lengthens it) at `size` bytes.
+std::error_code SetLength(Handle file, std::uint64_t size);
 // Returns once the contents are on the disk, not merely handed to the system.
 std::error_code FlushToDisk(Handle file);
 std::error_code Close(Handle file);

@@ -70,7 +70,7 @@ namespace platform_file {
 
 Opened OpenForWriting(const std::filesystem::path& path, Creation creation) {
   const int flags = creation == Creation::kNewOnly ? O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC
-                                                   : O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW;
+                                                   : O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW;
   const int fd = ::open(path.c_str(), flags, 0644);
   if (fd < 0) {
     const int error = errno;
@@ -88,6 +88,13 @@ std::error_code WriteAll(Handle file, std::string_view bytes) {
       return LastError();
     }
     done += static_cast<std::size_t>(n);
+  }
+  return {};
+}
+
+std::error_code SetLength(Handle file, std::uint64_t size) {
+  while (::ftruncate(static_cast<int>(file), static_cast<off_t>(size)) != 0) {
+    if (errno != EINTR) return LastError();
   }
   return {};
 }

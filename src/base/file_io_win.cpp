@@ -52,7 +52,7 @@ HANDLE Native(Handle file) {
 }  // namespace
 
 Opened OpenForWriting(const std::filesystem::path& path, Creation creation) {
-  const DWORD disposition = creation == Creation::kNewOnly ? CREATE_NEW : CREATE_ALWAYS;
+  const DWORD disposition = creation == Creation::kNewOnly ? CREATE_NEW : OPEN_ALWAYS;
   const HANDLE file =
       CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) {
@@ -70,6 +70,14 @@ std::error_code WriteAll(Handle file, std::string_view bytes) {
     if (!WriteFile(Native(file), bytes.data() + done, chunk, &written, nullptr)) return LastWindowsError();
     done += written;
   }
+  return {};
+}
+
+std::error_code SetLength(Handle file, std::uint64_t size) {
+  LARGE_INTEGER end{};
+  end.QuadPart = static_cast<LONGLONG>(size);
+  if (!SetFilePointerEx(Native(file), end, nullptr, FILE_BEGIN) || !SetEndOfFile(Native(file)))
+    return LastWindowsError();
   return {};
 }
 

@@ -1,6 +1,6 @@
 #include "base/own_temp_files.h"
 
-#include <regex>
+#include <optional>
 #include <system_error>
 
 namespace sw::base {
@@ -11,15 +11,36 @@ std::string OwnTempSuffix(unsigned serial) {
   return suffix + ".tmp";
 }
 
-unsigned long long OwnTempFileProcess(std::string_view fileName) {
-  static const std::regex pattern(R"(^.+\.sheetwright-([0-9]{1,19})(-[0-9]{1,19})?\.tmp$)");
-  std::match_results<std::string_view::const_iterator> match;
-  if (!std::regex_match(fileName.begin(), fileName.end(), match, pattern)) return 0;
-  try {
-    return std::stoull(match[1].str());
-  } catch (const std::out_of_range&) {
-    return 0;
+namespace {
+
+// A run of 1 to 19 digits, as a number; nullopt for anything else (or a number past the type).
+std::optional<unsigned long long> Digits(std::string_view text) {
+  if (text.empty() || text.size() > 19) return std::nullopt;
+  unsigned long long value = 0;
+  for (const char c : text) {
+    if (c < '0' || c > '9') return std::nullopt;
+    value = value * 10 + static_cast<unsigned>(c - '0');
   }
+  return value;
+}
+
+}  // namespace
+
+// "<name>.sheetwright-<process>[-<serial>].tmp". Read by hand: a single-sheet run asks this for every
+// file it writes, twice a page.
+unsigned long long OwnTempFileProcess(std::string_view fileName) {
+  constexpr std::string_view kMark = ".sheetwright-";
+  constexpr std::string_view kEnd = ".tmp";
+  if (!fileName.ends_with(kEnd)) return 0;
+  fileName.remove_suffix(kEnd.size());
+  const auto mark = fileName.rfind(kMark);
+  if (mark == std::string_view::npos || mark == 0) return 0;
+  std::string_view numbers = fileName.substr(mark + kMark.size());
+  if (const auto dash = numbers.find('-'); dash != std::string_view::npos) {
+    if (!Digits(numbers.substr(dash + 1))) return 0;
+    numbers = numbers.substr(0, dash);
+  }
+  return Digits(numbers).value_or(0);
 }
 
 bool IsThisProcessTempFile(const std::filesystem::path& path) {

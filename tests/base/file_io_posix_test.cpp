@@ -87,5 +87,17 @@ TEST(PosixOnlyWriteFileAtomically, KeptFilesGetANewFileOwnTemporaryFilesAreWritt
   EXPECT_EQ(files, 3);
 }
 
+// Only names the program made are its temporary files; a later run removes those left behind.
+TEST(OwnTempFileNames, GiveTheProcessOnlyForTheProgramsOwnForm) {
+  EXPECT_EQ(OwnTempFileProcess("Lista.xlsx.sheetwright-4711.tmp"), 4711u);
+  EXPECT_EQ(OwnTempFileProcess("Lista.xlsx.sheetwright-4711-12.tmp"), 4711u);
+  EXPECT_EQ(OwnTempFileProcess("a.sheetwright-1.tmp.sheetwright-9999999999999999999.tmp"), 9999999999999999999u);
+  for (const char* name : {"Lista.xlsx", ".sheetwright-4711.tmp", "Lista.sheetwright-.tmp",
+                           "Lista.sheetwright-47a1.tmp", "Lista.sheetwright-1-.tmp", "Lista.sheetwright-1-2-3.tmp",
+                           "Lista.sheetwright-4711.tmp.bak", "Lista.sheetwright-12345678901234567890.tmp"}) {
+    EXPECT_EQ(OwnTempFileProcess(name), 0u) << name;
+  }
+}
+
 }  // namespace
 }  // namespace sw::base
