@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "base/local_time_zone.h"
 #include "base/memory_reuse.h"
 #include "cli/check_command.h"
 #include "cli/environment_command.h"
@@ -11,6 +12,7 @@
 
 int main(int argc, char** argv) {
   sw::base::KeepFreedMemoryForReuse();
+  sw::base::ReadLocalTimeZoneOnce();
   CLI::App app{"Sheetwright: fills Excel report templates from VOLTARIS report dumps."};
   app.require_subcommand(1);
   app.set_help_all_flag("--help-all", "Show help for every command");

@@ -3,6 +3,7 @@
 #include <functional>
 #include <new>
 
+#include "base/local_time_zone.h"
 #include "base/memory_reuse.h"
 #include "base/out_of_memory.h"
 #include "base/program_folder.h"
@@ -36,6 +37,7 @@ class Application final : public QApplication {
 
 int main(int argc, char** argv) {
   sw::base::KeepFreedMemoryForReuse();
+  sw::base::ReadLocalTimeZoneOnce();
   sw::gui::ChooseFontEngine();
   Application application(argc, argv);
   QApplication::setApplicationName(QString::fromUtf8(sw::base::kApplicationTitle));
