@@ -111,16 +111,6 @@ TEST_F(BadInputTest, EmptyFileNamesAreUsageErrors) {
   }
 }
 
-TEST_F(BadInputTest, BigEndianUtf16DumpIsNamedAsSuch) {
-  const auto dump = temp.Write("be.txt", std::string("\xFE\xFF\0%\0A\0\r\0\n", 10));
-  const auto result = cli.Run({"preview", dump.string()});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err,
-            "Filfel: Filen " + dump.string() +
-                " \u00e4r sparad som UTF-16 big-endian och kan inte l\u00e4sas. Spara den som ANSI, "
-                "UTF-8 eller UTF-16 little-endian.\n");
-}
-
 TEST_F(BadInputTest, BrokenSettingsFileIsKeptAsideAndTheUserToldWhere) {
   const std::string broken = "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\ZENT\\Sheetwright]\r\nskadad rad\r\n";
   temp.Write("registry.reg", broken);
@@ -224,7 +214,8 @@ std::string WithEntries(const std::string& workbook, const std::string& drop, co
 
 // A template that names a part it lacks, one with a document type declaration and one whose name
 // promises another format fail the check, naming the file and the part, and generation refuses them
-// before the target is asked for: the earlier result stays as it was.
+// before the target is asked for: the earlier result stays as it was. Which parts are missed is the
+// package reader's matter; one of them shows the refusal reaches the user.
 TEST_F(BadInputTest, DamagedOrMisnamedTemplateFailsCheckAndGeneration) {
   const std::string good = GoodTemplateBytes();
   struct Case {
@@ -235,11 +226,6 @@ TEST_F(BadInputTest, DamagedOrMisnamedTemplateFailsCheckAndGeneration) {
   const std::vector<Case> cases = {
       {"Stilar.xlsx", WithEntries(good, "xl/styles.xml"),
        " \u00e4r skadad: delen xl/styles.xml, som xl/workbook.xml h\u00e4nvisar till, saknas.\n"},
-      {"Ritning.xlsx", WithEntries(good, "xl/drawings/drawing1.xml"),
-       " \u00e4r skadad: delen xl/drawings/drawing1.xml, som xl/worksheets/sheet2.xml h\u00e4nvisar till, "
-       "saknas.\n"},
-      {"Texter.xlsx", WithEntries(good, "xl/sharedStrings.xml"),
-       " \u00e4r skadad: delen xl/sharedStrings.xml, som xl/workbook.xml h\u00e4nvisar till, saknas.\n"},
       {"Doctype.xlsx",
        WithEntries(good, "", "xl/sharedStrings.xml", "<sst ",
                    "<!DOCTYPE sst [<!ENTITY xxe SYSTEM \"file:///etc/passwd\">]><sst "),
@@ -266,8 +252,7 @@ TEST_F(BadInputTest, DamagedOrMisnamedTemplateFailsCheckAndGeneration) {
     EXPECT_EQ(base::ReadWholeFile(workbook), c.bytes) << c.name;
   }
 
-  // A good workbook renamed .xlsb is no binary workbook; the program refuses it as a template, and
-  // refuses to write its result under such a name.
+  // A good workbook renamed .xlsb is no binary workbook; the program refuses it as a template.
   const auto binary = TemplateFrom(good, "Mall.xlsb");
   temp.Write("Mallb.ini", kIni);  // the pairing takes ".xls" out of the name
   const std::string refusal = "Filfel: Filen " + binary.string() +
@@ -281,87 +266,13 @@ TEST_F(BadInputTest, DamagedOrMisnamedTemplateFailsCheckAndGeneration) {
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err, refusal);
   EXPECT_FALSE(std::filesystem::exists(target));
-
-  const auto workbook = TemplateFrom(good);
-  result =
-      cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string()});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err,
-            "Fel: Filen " + target.string() +
-                " kan inte skapas: \u00e4ndelsen .xlsb anger ett annat format \u00e4n den "
-                "arbetsbok som skrivs.\nAnge ett filnamn som slutar p\u00e5 .xlsx eller .xlsm.\n");
-  EXPECT_FALSE(std::filesystem::exists(target));
 }
 
 TEST_F(BadInputTest, CheckWarnsAboutLayoutsGenerationRunsAsTheyAre) {
-  struct Case {
-    std::string rows;
-    int exitCode;
-    std::string warnings;
-  };
-  const std::vector<Case> cases = {
-      {"STARTROW=10\r\nENDROW=9\r\n", 0,
-       "Varning: Sidl\u00e4ngden \u00e4r 0 eller mindre (STARTROW 10, ENDROW 9).\n"},
-      {"STARTROW=-2\r\nENDROW=5\r\n", 0,
-       "Varning: STARTROW \u00e4r -2; rader ovanf\u00f6r rad 1 hoppas \u00f6ver.\n"},
-      {"STARTROW=10\r\nENDROW=40\r\n", 0, ""},
-  };
-  for (const auto& c : cases) {
-    TempDir folder;
-    CliRunner runner{folder.path()};
-    const auto workbook = folder.Write("Mall.xlsx", GoodTemplateBytes());
-    folder.Write("Mall.ini",
-                 "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n[Common]\r\nProjekt=C3\r\n"
-                 "[Sheet]\r\nSHEETNO=H2\r\nNEXTSHEET=H3\r\nLOCATION=B5\r\n" +
-                     c.rows + "COLUMNS=A,B,C\r\n");
-    const auto result = runner.Run({"check", workbook.string()});
-    EXPECT_EQ(result.exitCode, c.exitCode) << c.rows << result.err;
-    EXPECT_EQ(result.err, c.warnings) << c.rows;
-  }
-}
-
-// A template of terabytes is looked at, not read (read whole, it would end the program): one that is no zip
-// archive, or a larger archive than any workbook, is refused from its first bytes and its size.
-TEST_F(BadInputTest, HugeTemplateIsRefusedBeforeItIsRead) {
-  struct Case {
-    std::string name;
-    std::string head;
-    std::string message;
-  };
-  const std::vector<Case> cases = {
-      {"Text.xlsx", "Detta \u00e4r ingen arbetsbok", "Filfel: Filen \u00e4r inte en Excel-arbetsbok.\n"},
-      {"Arkiv.xlsx", "PK\x03\x04",
-       "Filfel: Filen \u00e4r f\u00f6r stor f\u00f6r att vara en arbetsbok (2097152 MB; h\u00f6gst 1088 "
-       "MB).\n"},
-  };
-  for (const auto& c : cases) {
-    const auto workbook = TemplateFrom(c.head, c.name);
-    std::filesystem::resize_file(workbook, 2ull << 40);  // sparse: no room taken on disk
-    const auto result = cli.Run({"check", workbook.string()});
-    EXPECT_EQ(result.exitCode, 1) << c.name;
-    EXPECT_EQ(result.err, c.message) << c.name;
-  }
-}
-
-// Page numbers are counted in 16 bits: a report that would carry them past 32767 is refused before
-// anything is written, and the earlier result stays.
-TEST_F(BadInputTest, ReportPastThePageCounterIsRefusedAndTheEarlierResultStays) {
-  const auto workbook = TemplateFrom(GoodTemplateBytes());
-  const auto target = temp.Write("Lista.xlsx", "det f\u00f6rra resultatet");
-  auto result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out",
-                         target.string(), "--start", "32765"});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(Contains(result.err,
-                     "Fel: Rapporten ger 3 sidor fr\u00e5n sidnummer 32765, men sidnumren "
-                     "r\u00e4cker bara till 32766.\n"),
-            "");
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(base::ReadWholeFile(target), "det f\u00f6rra resultatet");
-
-  result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string(),
-                    "--start", "32764"});
+  const std::string ini = std::string(kIni).replace(std::string(kIni).find("ENDROW=40"), 9, "ENDROW=9");
+  const auto result = cli.Run({"check", TemplateFrom(GoodTemplateBytes(), "Mall.xlsx", ini).string()});
   EXPECT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_TRUE(base::ReadWholeFile(target)->starts_with("PK"));
+  EXPECT_EQ(result.err, "Varning: Sidl\u00e4ngden \u00e4r 0 eller mindre (STARTROW 10, ENDROW 9).\n");
 }
 
 // What is wrong is said as it is: an INI file that is there but cannot be read, a template that is not

@@ -2,6 +2,7 @@
 // Runs the built sheetwright-cli as a user would, with its own registry file, and captures the result.
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sw::testing {
@@ -23,7 +24,8 @@ struct CliResult {
 class CliRunner {
  public:
   // `folder` holds the registry file and the captured streams.
-  explicit CliRunner(std::filesystem::path folder);
+  explicit CliRunner(std::filesystem::path folder)
+      : folder_(std::move(folder)), registry_(folder_ / "registry.reg") {}
 
   const std::filesystem::path& RegistryFile() const { return registry_; }
   // Extra environment variables for every run ("NAME=value").

@@ -78,9 +78,6 @@ std::string Slurp(const std::filesystem::path& file) {
 
 }  // namespace
 
-CliRunner::CliRunner(std::filesystem::path folder)
-    : folder_(std::move(folder)), registry_(folder_ / "registry.reg") {}
-
 CliResult CliRunner::Run(const std::vector<std::string>& args) const {
   const auto outFile = folder_ / "stdout.txt";
   const auto errFile = folder_ / "stderr.txt";

@@ -171,39 +171,5 @@ INSTANTIATE_TEST_SUITE_P(Modes, KilledRunTest,
                            return std::string();
                          });
 
-// What the command line refuses before it touches anything, with exit status 1.
-TEST(CommandRefusalTest, TargetThatIsTheTemplateAndSingleSheetOnADynamicTemplate) {
-  TempDir folder;
-  fs::create_directories(folder.path() / "Mallar");
-  fs::copy_file(DataFile("templates/title_block.xlsx"), folder.path() / "Mallar/Mall.xlsx");
-  fs::copy_file(DataFile("generation/dynamic.ini"), folder.path() / "Mallar/Mall.ini");
-  const std::string before = *base::ReadWholeFile(folder.path() / "Mallar/Mall.xlsx");
-  const std::string dump =
-      (fs::path(SW_SOURCE_DIR) / "tests/data/generation/seven_rows_one_placement.txt").string();
-  const std::string templatePath = (folder.path() / "Mallar/Mall.xlsx").string();
-  CliRunner cli(folder.path());
-
-  auto run = cli.Run({"generate", "--dump", dump, "--template", templatePath, "--out",
-                      (folder.path() / "Mallar/mall.XLSX").string()});
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_NE(run.err.find("Fel: Filen " + (folder.path() / "Mallar/mall.XLSX").string() +
-                         " är själva mallen och kan inte skrivas över."),
-            std::string::npos)
-      << run.err;
-  EXPECT_EQ(run.out, "");
-
-  run = cli.Run({"generate", "--dump", dump, "--template", templatePath, "--out",
-                 (folder.path() / "Ut.xlsx").string(), "--single-sheet", "--yes"});
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_NE(run.err.find("Fel: Mallen har dynamisk sidlängd"), std::string::npos) << run.err;
-  EXPECT_EQ(run.out, "");
-
-  EXPECT_EQ(*base::ReadWholeFile(folder.path() / "Mallar/Mall.xlsx"), before);
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder.path() / "Mallar"))
-    names.push_back(entry.path().filename().string());
-  EXPECT_EQ(names.size(), 2u);
-}
-
 }  // namespace
 }  // namespace sw::testing
