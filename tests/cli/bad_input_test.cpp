@@ -45,24 +45,21 @@ class BadInputTest : public ::testing::Test {
   CliRunner cli{temp.path()};
 };
 
+// A settings file that is a pipe would hang a reader; folders and devices are refused alike by the
+// settings file's own check.
 TEST_F(BadInputTest, SettingsFileThatIsNoFileEndsEveryCommandOnAMessage) {
-  for (const Kind kind : {Kind::kFolder, Kind::kPipe}) {
-    TempDir folder;
-    CliRunner runner{folder.path()};
-    MakeNonFile(runner.RegistryFile(), kind);
-    const std::string message = "Filfel: Kan ej l\u00e4sa inst\u00e4llningsfilen " +
-                                runner.RegistryFile().string() +
-                                " eftersom det inte \u00e4r n\u00e5gon vanlig fil.\n";
-    const std::vector<std::vector<std::string>> commands = {
-        {"environment"},
-        {"preview", kExample},
-        {"generate", "--dump", kExample, "--out", (folder.path() / "Lista.xlsx").string()},
-    };
-    for (const auto& command : commands) {
-      const auto result = runner.Run(command);
-      EXPECT_EQ(result.exitCode, 1) << command[0];
-      EXPECT_EQ(result.err, message) << command[0];
-    }
+  MakeNonFile(cli.RegistryFile(), Kind::kPipe);
+  const std::string message = "Filfel: Kan ej l\u00e4sa inst\u00e4llningsfilen " + cli.RegistryFile().string() +
+                              " eftersom det inte \u00e4r n\u00e5gon vanlig fil.\n";
+  const std::vector<std::vector<std::string>> commands = {
+      {"environment"},
+      {"preview", kExample},
+      {"generate", "--dump", kExample, "--out", (temp.path() / "Lista.xlsx").string()},
+  };
+  for (const auto& command : commands) {
+    const auto result = cli.Run(command);
+    EXPECT_EQ(result.exitCode, 1) << command[0];
+    EXPECT_EQ(result.err, message) << command[0];
   }
 }
 
@@ -74,10 +71,7 @@ TEST_F(BadInputTest, DumpOrTemplateThatIsNoFileIsRefused) {
     MakeNonFile(dump, kind);
     const std::string notAFile = "Filfel: Kan ej l\u00e4sa filen " + dump.string() +
                                  " eftersom det inte \u00e4r n\u00e5gon vanlig fil.\n";
-    auto result = runner.Run({"preview", dump.string()});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.err, notAFile);
-    result = runner.Run({"generate", "--dump", dump.string(), "--template",
+    auto result = runner.Run({"generate", "--dump", dump.string(), "--template",
                          TemplateFrom(GoodTemplateBytes()).string(), "--out",
                          (folder.path() / "Lista.xlsx").string()});
     EXPECT_EQ(result.exitCode, 1);

@@ -28,7 +28,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-enum class Mode { kNormal, kSingleSheet, kDynamic };
+enum class Mode { kNormal, kSingleSheet };
 
 // A dump of `placements` placements with three rows each, in the CAD system's Windows-1252 text.
 std::string BigDump(int placements) {
@@ -58,9 +58,7 @@ class KilledRunTest : public ::testing::TestWithParam<Mode> {
     fs::create_directories(templates_);
     fs::create_directories(results_);
     fs::copy_file(DataFile("templates/title_block.xlsx"), templates_ / "Lista.xlsx");
-    fs::copy_file(
-        DataFile(GetParam() == Mode::kDynamic ? "generation/dynamic.ini" : "generation/three_rows.ini"),
-        templates_ / "Lista.ini");
+    fs::copy_file(DataFile("generation/three_rows.ini"), templates_ / "Lista.ini");
     folder_.Write("dump.txt", BigDump(GetParam() == Mode::kSingleSheet ? 60 : 400));
     folder_.Write("Ut/Lista.xlsx", "det förra resultatet");
     folder_.Write("Ut/Lista-5.xlsx", "en förra sidfil");
@@ -158,17 +156,8 @@ TEST_P(KilledRunTest, LeavesTheOldFilesAndOnlyItsOwnTemporaryFileWhichTheNextRun
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, KilledRunTest,
-                         ::testing::Values(Mode::kNormal, Mode::kSingleSheet, Mode::kDynamic),
-                         [](const auto& test) {
-                           switch (test.param) {
-                             case Mode::kNormal:
-                               return std::string("Normal");
-                             case Mode::kSingleSheet:
-                               return std::string("SingleSheet");
-                             case Mode::kDynamic:
-                               return std::string("Dynamic");
-                           }
-                           return std::string();
+                         ::testing::Values(Mode::kNormal, Mode::kSingleSheet), [](const auto& test) {
+                           return std::string(test.param == Mode::kNormal ? "Normal" : "SingleSheet");
                          });
 
 }  // namespace
