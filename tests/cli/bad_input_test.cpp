@@ -143,15 +143,13 @@ TEST_F(BadInputTest, ExcelEngineWithoutExcelEndsOnTheActiveXMessage) {
   EXPECT_FALSE(std::filesystem::exists(target));
 }
 
-std::string WithRowNumber(const std::string& workbook, const std::string& number) {
+std::string WithEntries(const std::string& workbook, const std::string& drop, const std::string& part = {},
+                        const std::string& from = {}, const std::string& to = {}) {
   auto entries = excel::ReadZipArchive(workbook, {});
   std::vector<excel::ZipSource> sources;
   for (auto& entry : entries) {
-    if (entry.name == "xl/worksheets/sheet2.xml") {
-      const auto at = entry.bytes.find("<row r=\"");
-      const auto end = entry.bytes.find('"', at + 8);
-      entry.bytes.replace(at + 8, end - at - 8, number);
-    }
+    if (entry.name == drop) continue;
+    if (entry.name == part) entry.bytes.replace(entry.bytes.find(from), from.size(), to);
     sources.push_back({entry.name, entry.bytes});
   }
   return excel::WriteZipArchive(sources);
@@ -159,6 +157,9 @@ std::string WithRowNumber(const std::string& workbook, const std::string& number
 
 TEST_F(BadInputTest, CheckOpensTheWorkbookAsGenerationDoes) {
   const std::string good = GoodTemplateBytes();
+  const auto withFirstRow = [&good](const std::string& number) {  // the page sheet's first row is row 1
+    return WithEntries(good, "", "xl/worksheets/sheet2.xml", "<row r=\"1\"", "<row r=\"" + number + "\"");
+  };
   struct Case {
     std::string name;
     std::string bytes;
@@ -178,7 +179,7 @@ TEST_F(BadInputTest, CheckOpensTheWorkbookAsGenerationDoes) {
       {"Sidor.xlsx", good, missingSheet,
        "Sheetwright: Fliken 'Sidor' saknas i excelfilen\nSheetwright: Redigera mallfilen s\u00e5 att den "
        "uppfyller kraven.\n"},
-      {"Rader.xlsx", WithRowNumber(good, "2147483647"), kIni,
+      {"Rader.xlsx", withFirstRow("2147483647"), kIni,
        "Filfel: Kalkylbladet har en rad utanf\u00f6r Excels blad (rad 2147483647).\n"},
   };
   for (const auto& c : cases) {
@@ -190,20 +191,8 @@ TEST_F(BadInputTest, CheckOpensTheWorkbookAsGenerationDoes) {
     EXPECT_EQ(result.err.find("Not a zip"), std::string::npos);
   }
   // The last row Excel has is a row like any other.
-  const auto workbook = TemplateFrom(WithRowNumber(good, "1048576"), "Sista.xlsx");
+  const auto workbook = TemplateFrom(withFirstRow("1048576"), "Sista.xlsx");
   EXPECT_EQ(cli.Run({"check", workbook.string()}).exitCode, 0);
-}
-
-std::string WithEntries(const std::string& workbook, const std::string& drop, const std::string& part = {},
-                        const std::string& from = {}, const std::string& to = {}) {
-  auto entries = excel::ReadZipArchive(workbook, {});
-  std::vector<excel::ZipSource> sources;
-  for (auto& entry : entries) {
-    if (entry.name == drop) continue;
-    if (entry.name == part) entry.bytes.replace(entry.bytes.find(from), from.size(), to);
-    sources.push_back({entry.name, entry.bytes});
-  }
-  return excel::WriteZipArchive(sources);
 }
 
 // A template that names a part it lacks, one with a document type declaration and one whose name
