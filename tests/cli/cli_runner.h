@@ -33,6 +33,13 @@ class CliRunner {
 
   CliResult Run(const std::vector<std::string>& args) const;
 
+  // What every run is given over the test's own environment ("NAME=value").
+  std::vector<std::string> Variables() const {
+    std::vector<std::string> variables{"SHEETWRIGHT_REGISTRY=" + registry_.string(), "SHEETWRIGHT_STARTLOG="};
+    variables.insert(variables.end(), environment.begin(), environment.end());
+    return variables;
+  }
+
  private:
   std::filesystem::path folder_;
   std::filesystem::path registry_;

@@ -78,8 +78,7 @@ class KilledRunTest : public ::testing::TestWithParam<Mode> {
 
   // Starts the command and kills it once it has written what `started` looks for.
   int RunAndKill() {
-    const std::string registry = "SHEETWRIGHT_REGISTRY=" + (folder_.path() / "registry.reg").string();
-    std::vector<std::string> environment = {registry, "SHEETWRIGHT_STARTLOG="};
+    std::vector<std::string> environment = CliRunner(folder_.path()).Variables();
     for (char** variable = environ; *variable; ++variable) {
       const std::string text = *variable;
       if (!text.starts_with("SHEETWRIGHT_")) environment.push_back(text);
