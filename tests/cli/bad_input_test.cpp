@@ -17,16 +17,6 @@ namespace sw::testing {
 namespace {
 
 
-enum class Kind { kFolder, kPipe };
-
-void MakeNonFile(const std::filesystem::path& path, Kind kind) {
-  if (kind == Kind::kFolder) {
-    std::filesystem::create_directory(path);
-  } else {
-    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-  }
-}
-
 std::string Contains(const std::string& haystack, const std::string& needle) {
   return haystack.find(needle) != std::string::npos ? "" : "missing \"" + needle + "\" in:\n" + haystack;
 }
@@ -45,56 +35,45 @@ class BadInputTest : public ::testing::Test {
   CliRunner cli{temp.path()};
 };
 
+// A pipe given as a file would hang a reader that opened it. Folders and devices are refused alike by the
+// readers' own checks.
 TEST_F(BadInputTest, SettingsFileThatIsNoFileEndsEveryCommandOnAMessage) {
-  for (const Kind kind : {Kind::kFolder, Kind::kPipe}) {
-    TempDir folder;
-    CliRunner runner{folder.path()};
-    MakeNonFile(runner.RegistryFile(), kind);
-    const std::string message = "Filfel: Kan ej l\u00e4sa inst\u00e4llningsfilen " +
-                                runner.RegistryFile().string() +
-                                " eftersom det inte \u00e4r n\u00e5gon vanlig fil.\n";
-    const std::vector<std::vector<std::string>> commands = {
-        {"environment"},
-        {"preview", kExample},
-        {"generate", "--dump", kExample, "--out", (folder.path() / "Lista.xlsx").string()},
-    };
-    for (const auto& command : commands) {
-      const auto result = runner.Run(command);
-      EXPECT_EQ(result.exitCode, 1) << command[0];
-      EXPECT_EQ(result.err, message) << command[0];
-    }
+  ASSERT_EQ(::mkfifo(cli.RegistryFile().c_str(), 0600), 0);
+  const std::string message = "Filfel: Kan ej l\u00e4sa inst\u00e4llningsfilen " + cli.RegistryFile().string() +
+                              " eftersom det inte \u00e4r n\u00e5gon vanlig fil.\n";
+  const std::vector<std::vector<std::string>> commands = {
+      {"environment"},
+      {"preview", kExample},
+      {"generate", "--dump", kExample, "--out", (temp.path() / "Lista.xlsx").string()},
+  };
+  for (const auto& command : commands) {
+    const auto result = cli.Run(command);
+    EXPECT_EQ(result.exitCode, 1) << command[0];
+    EXPECT_EQ(result.err, message) << command[0];
   }
 }
 
 TEST_F(BadInputTest, DumpOrTemplateThatIsNoFileIsRefused) {
-  for (const Kind kind : {Kind::kFolder, Kind::kPipe}) {
-    TempDir folder;
-    CliRunner runner{folder.path()};
-    const auto dump = folder.path() / "dump.txt";
-    MakeNonFile(dump, kind);
-    const std::string notAFile = "Filfel: Kan ej l\u00e4sa filen " + dump.string() +
-                                 " eftersom det inte \u00e4r n\u00e5gon vanlig fil.\n";
-    auto result = runner.Run({"preview", dump.string()});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.err, notAFile);
-    result = runner.Run({"generate", "--dump", dump.string(), "--template",
-                         TemplateFrom(GoodTemplateBytes()).string(), "--out",
-                         (folder.path() / "Lista.xlsx").string()});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(Contains(result.err, notAFile), "");
-    EXPECT_FALSE(std::filesystem::exists(folder.path() / "Lista.xlsx"));
+  const auto dump = temp.path() / "dump.txt";
+  ASSERT_EQ(::mkfifo(dump.c_str(), 0600), 0);
+  const auto target = temp.path() / "Lista.xlsx";
+  auto result = cli.Run({"generate", "--dump", dump.string(), "--template",
+                         TemplateFrom(GoodTemplateBytes()).string(), "--out", target.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(Contains(result.err, "Filfel: Kan ej l\u00e4sa filen " + dump.string() +
+                                     " eftersom det inte \u00e4r n\u00e5gon vanlig fil.\n"),
+            "");
+  EXPECT_FALSE(std::filesystem::exists(target));
 
-    const auto workbook = folder.path() / "Mall.xlsx";
-    MakeNonFile(workbook, kind);
-    folder.Write("Mall.ini", kIni);
-    result = runner.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out",
-                         (folder.path() / "Lista.xlsx").string()});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(Contains(result.err, "Filfel: Det g\u00e5r inte att \u00f6ppna " + workbook.string() +
-                                       " eftersom det inte \u00e4r n\u00e5gon fil.\n"),
-              "");
-    EXPECT_FALSE(std::filesystem::exists(folder.path() / "Lista.xlsx"));
-  }
+  const auto workbook = temp.path() / "Pipa.xlsx";
+  ASSERT_EQ(::mkfifo(workbook.c_str(), 0600), 0);
+  temp.Write("Pipa.ini", kIni);
+  result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(Contains(result.err, "Filfel: Det g\u00e5r inte att \u00f6ppna " + workbook.string() +
+                                     " eftersom det inte \u00e4r n\u00e5gon fil.\n"),
+            "");
+  EXPECT_FALSE(std::filesystem::exists(target));
 }
 
 TEST_F(BadInputTest, EmptyFileNamesAreUsageErrors) {
@@ -109,16 +88,6 @@ TEST_F(BadInputTest, EmptyFileNamesAreUsageErrors) {
     EXPECT_EQ(result.exitCode, 2) << command[0];
     EXPECT_EQ(Contains(result.err, "ett tomt filnamn anger ingen fil"), "");
   }
-}
-
-TEST_F(BadInputTest, BigEndianUtf16DumpIsNamedAsSuch) {
-  const auto dump = temp.Write("be.txt", std::string("\xFE\xFF\0%\0A\0\r\0\n", 10));
-  const auto result = cli.Run({"preview", dump.string()});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err,
-            "Filfel: Filen " + dump.string() +
-                " \u00e4r sparad som UTF-16 big-endian och kan inte l\u00e4sas. Spara den som ANSI, "
-                "UTF-8 eller UTF-16 little-endian.\n");
 }
 
 TEST_F(BadInputTest, BrokenSettingsFileIsKeptAsideAndTheUserToldWhere) {
@@ -159,15 +128,13 @@ TEST_F(BadInputTest, ExcelEngineWithoutExcelEndsOnTheActiveXMessage) {
   EXPECT_FALSE(std::filesystem::exists(target));
 }
 
-std::string WithRowNumber(const std::string& workbook, const std::string& number) {
+std::string WithEntries(const std::string& workbook, const std::string& drop, const std::string& part = {},
+                        const std::string& from = {}, const std::string& to = {}) {
   auto entries = excel::ReadZipArchive(workbook, {});
   std::vector<excel::ZipSource> sources;
   for (auto& entry : entries) {
-    if (entry.name == "xl/worksheets/sheet2.xml") {
-      const auto at = entry.bytes.find("<row r=\"");
-      const auto end = entry.bytes.find('"', at + 8);
-      entry.bytes.replace(at + 8, end - at - 8, number);
-    }
+    if (entry.name == drop) continue;
+    if (entry.name == part) entry.bytes.replace(entry.bytes.find(from), from.size(), to);
     sources.push_back({entry.name, entry.bytes});
   }
   return excel::WriteZipArchive(sources);
@@ -175,6 +142,9 @@ std::string WithRowNumber(const std::string& workbook, const std::string& number
 
 TEST_F(BadInputTest, CheckOpensTheWorkbookAsGenerationDoes) {
   const std::string good = GoodTemplateBytes();
+  const auto withFirstRow = [&good](const std::string& number) {  // the page sheet's first row is row 1
+    return WithEntries(good, "", "xl/worksheets/sheet2.xml", "<row r=\"1\"", "<row r=\"" + number + "\"");
+  };
   struct Case {
     std::string name;
     std::string bytes;
@@ -194,7 +164,7 @@ TEST_F(BadInputTest, CheckOpensTheWorkbookAsGenerationDoes) {
       {"Sidor.xlsx", good, missingSheet,
        "Sheetwright: Fliken 'Sidor' saknas i excelfilen\nSheetwright: Redigera mallfilen s\u00e5 att den "
        "uppfyller kraven.\n"},
-      {"Rader.xlsx", WithRowNumber(good, "2147483647"), kIni,
+      {"Rader.xlsx", withFirstRow("2147483647"), kIni,
        "Filfel: Kalkylbladet har en rad utanf\u00f6r Excels blad (rad 2147483647).\n"},
   };
   for (const auto& c : cases) {
@@ -206,25 +176,14 @@ TEST_F(BadInputTest, CheckOpensTheWorkbookAsGenerationDoes) {
     EXPECT_EQ(result.err.find("Not a zip"), std::string::npos);
   }
   // The last row Excel has is a row like any other.
-  const auto workbook = TemplateFrom(WithRowNumber(good, "1048576"), "Sista.xlsx");
+  const auto workbook = TemplateFrom(withFirstRow("1048576"), "Sista.xlsx");
   EXPECT_EQ(cli.Run({"check", workbook.string()}).exitCode, 0);
-}
-
-std::string WithEntries(const std::string& workbook, const std::string& drop, const std::string& part = {},
-                        const std::string& from = {}, const std::string& to = {}) {
-  auto entries = excel::ReadZipArchive(workbook, {});
-  std::vector<excel::ZipSource> sources;
-  for (auto& entry : entries) {
-    if (entry.name == drop) continue;
-    if (entry.name == part) entry.bytes.replace(entry.bytes.find(from), from.size(), to);
-    sources.push_back({entry.name, entry.bytes});
-  }
-  return excel::WriteZipArchive(sources);
 }
 
 // A template that names a part it lacks, one with a document type declaration and one whose name
 // promises another format fail the check, naming the file and the part, and generation refuses them
-// before the target is asked for: the earlier result stays as it was.
+// before the target is asked for: the earlier result stays as it was. Which parts are missed is the
+// package reader's matter; one of them shows the refusal reaches the user.
 TEST_F(BadInputTest, DamagedOrMisnamedTemplateFailsCheckAndGeneration) {
   const std::string good = GoodTemplateBytes();
   struct Case {
@@ -235,11 +194,6 @@ TEST_F(BadInputTest, DamagedOrMisnamedTemplateFailsCheckAndGeneration) {
   const std::vector<Case> cases = {
       {"Stilar.xlsx", WithEntries(good, "xl/styles.xml"),
        " \u00e4r skadad: delen xl/styles.xml, som xl/workbook.xml h\u00e4nvisar till, saknas.\n"},
-      {"Ritning.xlsx", WithEntries(good, "xl/drawings/drawing1.xml"),
-       " \u00e4r skadad: delen xl/drawings/drawing1.xml, som xl/worksheets/sheet2.xml h\u00e4nvisar till, "
-       "saknas.\n"},
-      {"Texter.xlsx", WithEntries(good, "xl/sharedStrings.xml"),
-       " \u00e4r skadad: delen xl/sharedStrings.xml, som xl/workbook.xml h\u00e4nvisar till, saknas.\n"},
       {"Doctype.xlsx",
        WithEntries(good, "", "xl/sharedStrings.xml", "<sst ",
                    "<!DOCTYPE sst [<!ENTITY xxe SYSTEM \"file:///etc/passwd\">]><sst "),
@@ -266,8 +220,7 @@ TEST_F(BadInputTest, DamagedOrMisnamedTemplateFailsCheckAndGeneration) {
     EXPECT_EQ(base::ReadWholeFile(workbook), c.bytes) << c.name;
   }
 
-  // A good workbook renamed .xlsb is no binary workbook; the program refuses it as a template, and
-  // refuses to write its result under such a name.
+  // A good workbook renamed .xlsb is no binary workbook; the program refuses it as a template.
   const auto binary = TemplateFrom(good, "Mall.xlsb");
   temp.Write("Mallb.ini", kIni);  // the pairing takes ".xls" out of the name
   const std::string refusal = "Filfel: Filen " + binary.string() +
@@ -281,87 +234,13 @@ TEST_F(BadInputTest, DamagedOrMisnamedTemplateFailsCheckAndGeneration) {
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err, refusal);
   EXPECT_FALSE(std::filesystem::exists(target));
-
-  const auto workbook = TemplateFrom(good);
-  result =
-      cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string()});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err,
-            "Fel: Filen " + target.string() +
-                " kan inte skapas: \u00e4ndelsen .xlsb anger ett annat format \u00e4n den "
-                "arbetsbok som skrivs.\nAnge ett filnamn som slutar p\u00e5 .xlsx eller .xlsm.\n");
-  EXPECT_FALSE(std::filesystem::exists(target));
 }
 
 TEST_F(BadInputTest, CheckWarnsAboutLayoutsGenerationRunsAsTheyAre) {
-  struct Case {
-    std::string rows;
-    int exitCode;
-    std::string warnings;
-  };
-  const std::vector<Case> cases = {
-      {"STARTROW=10\r\nENDROW=9\r\n", 0,
-       "Varning: Sidl\u00e4ngden \u00e4r 0 eller mindre (STARTROW 10, ENDROW 9).\n"},
-      {"STARTROW=-2\r\nENDROW=5\r\n", 0,
-       "Varning: STARTROW \u00e4r -2; rader ovanf\u00f6r rad 1 hoppas \u00f6ver.\n"},
-      {"STARTROW=10\r\nENDROW=40\r\n", 0, ""},
-  };
-  for (const auto& c : cases) {
-    TempDir folder;
-    CliRunner runner{folder.path()};
-    const auto workbook = folder.Write("Mall.xlsx", GoodTemplateBytes());
-    folder.Write("Mall.ini",
-                 "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n[Common]\r\nProjekt=C3\r\n"
-                 "[Sheet]\r\nSHEETNO=H2\r\nNEXTSHEET=H3\r\nLOCATION=B5\r\n" +
-                     c.rows + "COLUMNS=A,B,C\r\n");
-    const auto result = runner.Run({"check", workbook.string()});
-    EXPECT_EQ(result.exitCode, c.exitCode) << c.rows << result.err;
-    EXPECT_EQ(result.err, c.warnings) << c.rows;
-  }
-}
-
-// A template of terabytes is looked at, not read (read whole, it would end the program): one that is no zip
-// archive, or a larger archive than any workbook, is refused from its first bytes and its size.
-TEST_F(BadInputTest, HugeTemplateIsRefusedBeforeItIsRead) {
-  struct Case {
-    std::string name;
-    std::string head;
-    std::string message;
-  };
-  const std::vector<Case> cases = {
-      {"Text.xlsx", "Detta \u00e4r ingen arbetsbok", "Filfel: Filen \u00e4r inte en Excel-arbetsbok.\n"},
-      {"Arkiv.xlsx", "PK\x03\x04",
-       "Filfel: Filen \u00e4r f\u00f6r stor f\u00f6r att vara en arbetsbok (2097152 MB; h\u00f6gst 1088 "
-       "MB).\n"},
-  };
-  for (const auto& c : cases) {
-    const auto workbook = TemplateFrom(c.head, c.name);
-    std::filesystem::resize_file(workbook, 2ull << 40);  // sparse: no room taken on disk
-    const auto result = cli.Run({"check", workbook.string()});
-    EXPECT_EQ(result.exitCode, 1) << c.name;
-    EXPECT_EQ(result.err, c.message) << c.name;
-  }
-}
-
-// Page numbers are counted in 16 bits: a report that would carry them past 32767 is refused before
-// anything is written, and the earlier result stays.
-TEST_F(BadInputTest, ReportPastThePageCounterIsRefusedAndTheEarlierResultStays) {
-  const auto workbook = TemplateFrom(GoodTemplateBytes());
-  const auto target = temp.Write("Lista.xlsx", "det f\u00f6rra resultatet");
-  auto result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out",
-                         target.string(), "--start", "32765"});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(Contains(result.err,
-                     "Fel: Rapporten ger 3 sidor fr\u00e5n sidnummer 32765, men sidnumren "
-                     "r\u00e4cker bara till 32766.\n"),
-            "");
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(base::ReadWholeFile(target), "det f\u00f6rra resultatet");
-
-  result = cli.Run({"generate", "--dump", kExample, "--template", workbook.string(), "--out", target.string(),
-                    "--start", "32764"});
+  const std::string ini = std::string(kIni).replace(std::string(kIni).find("ENDROW=40"), 9, "ENDROW=9");
+  const auto result = cli.Run({"check", TemplateFrom(GoodTemplateBytes(), "Mall.xlsx", ini).string()});
   EXPECT_EQ(result.exitCode, 0) << result.err;
-  EXPECT_TRUE(base::ReadWholeFile(target)->starts_with("PK"));
+  EXPECT_EQ(result.err, "Varning: Sidl\u00e4ngden \u00e4r 0 eller mindre (STARTROW 10, ENDROW 9).\n");
 }
 
 // What is wrong is said as it is: an INI file that is there but cannot be read, a template that is not

@@ -56,12 +56,5 @@ TEST_F(CheckCommandTest, WorkbookWithoutIniFails) {
   EXPECT_EQ(result.err, "Fel: Excel-rapportmallen saknar n\u00f6dv\u00e4ndig tillh\u00f6rande INI-fil\n");
 }
 
-TEST_F(CheckCommandTest, IniWithoutItsWorkbookFails) {
-  temp.Write("Plan.ini", kGoodIni);
-  const auto result = cli.Run({"check", (temp.path() / "Plan.xlsx").string()});
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.err, "Fel: Hittar ej filen " + (temp.path() / "Plan.xlsx").string() + ".\n");
-}
-
 }  // namespace
 }  // namespace sw::testing

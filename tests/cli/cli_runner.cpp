@@ -30,14 +30,11 @@ std::string Slurp(const std::filesystem::path& file) {
 
 }  // namespace
 
-CliRunner::CliRunner(std::filesystem::path folder)
-    : folder_(std::move(folder)), registry_(folder_ / "registry.reg") {}
-
 CliResult CliRunner::Run(const std::vector<std::string>& args) const {
   const auto outFile = folder_ / "stdout.txt";
   const auto errFile = folder_ / "stderr.txt";
-  std::string command = "env SHEETWRIGHT_REGISTRY=" + Quote(registry_.string()) + " SHEETWRIGHT_STARTLOG=";
-  for (const auto& variable : environment) command += " " + Quote(variable);
+  std::string command = "env";
+  for (const auto& variable : Variables()) command += " " + Quote(variable);
   command += " " + Quote(SW_CLI_PATH);
   for (const auto& arg : args) command += " " + Quote(arg);
   command += " >" + Quote(outFile.string()) + " 2>" + Quote(errFile.string()) + " </dev/null";

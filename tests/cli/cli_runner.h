@@ -2,6 +2,7 @@
 // Runs the built sheetwright-cli as a user would, with its own registry file, and captures the result.
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sw::testing {
@@ -23,13 +24,21 @@ struct CliResult {
 class CliRunner {
  public:
   // `folder` holds the registry file and the captured streams.
-  explicit CliRunner(std::filesystem::path folder);
+  explicit CliRunner(std::filesystem::path folder)
+      : folder_(std::move(folder)), registry_(folder_ / "registry.reg") {}
 
   const std::filesystem::path& RegistryFile() const { return registry_; }
   // Extra environment variables for every run ("NAME=value").
   std::vector<std::string> environment;
 
   CliResult Run(const std::vector<std::string>& args) const;
+
+  // What every run is given over the test's own environment ("NAME=value").
+  std::vector<std::string> Variables() const {
+    std::vector<std::string> variables{"SHEETWRIGHT_REGISTRY=" + registry_.string(), "SHEETWRIGHT_STARTLOG="};
+    variables.insert(variables.end(), environment.begin(), environment.end());
+    return variables;
+  }
 
  private:
   std::filesystem::path folder_;

@@ -78,15 +78,10 @@ std::string Slurp(const std::filesystem::path& file) {
 
 }  // namespace
 
-CliRunner::CliRunner(std::filesystem::path folder)
-    : folder_(std::move(folder)), registry_(folder_ / "registry.reg") {}
-
 CliResult CliRunner::Run(const std::vector<std::string>& args) const {
   const auto outFile = folder_ / "stdout.txt";
   const auto errFile = folder_ / "stderr.txt";
-  std::vector<std::string> variables{"SHEETWRIGHT_REGISTRY=" + registry_.string(), "SHEETWRIGHT_STARTLOG="};
-  variables.insert(variables.end(), environment.begin(), environment.end());
-  std::wstring environmentBlock = EnvironmentBlock(variables);
+  std::wstring environmentBlock = EnvironmentBlock(Variables());
 
   std::wstring commandLine = QuoteArgument(std::filesystem::path(SW_CLI_PATH).wstring());
   for (const auto& arg : args) commandLine += L" " + QuoteArgument(Wide(arg));

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "discovery/step_failure.h"
 #include "fake_installation.h"
 
 namespace sw::discovery {
@@ -21,15 +20,6 @@ TEST(ProjectTemplateDirTest, SetqLineLosesItsParenthesisAndHalvesBackslashes) {
       {"RDS_DEF x\r\n", ""},  // one character: nothing is left after the cut
   };
   for (const auto& c : cases) EXPECT_EQ(ProjectRdsDefFromText(c.text), c.expected) << c.text;
-}
-
-TEST(ProjectTemplateDirTest, KeywordAtTheLineEndIsAnError) {
-  try {
-    ProjectRdsDefFromText("(setq X 1)\r\nRDS_DEF\r\n");
-    FAIL() << "no error";
-  } catch (const NumberedError& error) {
-    EXPECT_EQ(error.number(), kInvalidProcedureCall);
-  }
 }
 
 TEST(ProjectTemplateDirTest, PlaceholdersExpandAtTheirFirstOccurrenceIgnoringCase) {

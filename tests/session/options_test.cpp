@@ -76,9 +76,8 @@ TEST(Options, StoreWritesTheFourInTheirOrder) {
 class OptionsSessionTest : public ::testing::Test {
  protected:
   OptionsSessionTest()
-      : settings_(install_.settings),
-        session_({.registry = install_.registry,
-                  .settings = settings_,
+      : session_({.registry = install_.registry,
+                  .settings = install_.settings,
                   .environment = install_.environment,
                   .dialogs = install_.dialogs,
                   .launcher = launcher_}) {
@@ -87,7 +86,6 @@ class OptionsSessionTest : public ::testing::Test {
 
   testing::FakeInstallation install_;
   testing::RecordingLauncher launcher_;
-  LoggingSettings settings_;
   Session session_;
   CommandsSeen seen_;
 };
@@ -97,12 +95,11 @@ TEST_F(OptionsSessionTest, ReportBoxesActAtOnceAndTellTheCommands) {
   session_.Start();
   ASSERT_FALSE(session_.IncludeEmptyRows());
   const int rowsWithoutEmpty = session_.Table().Rows();
-  settings_.saved.clear();
   const int commandsBefore = seen_.commands;
 
   session_.SetIncludeEmptyRows(true);  // reloaded with the empty row
   EXPECT_TRUE(session_.IncludeEmptyRows());
-  EXPECT_EQ(settings_.saved.front(), "IncludeEmptyRows=1");
+  EXPECT_EQ(install_.settings.GetAppSetting("IncludeEmptyRows", ""), "1");
   EXPECT_EQ(session_.Table().Rows(), rowsWithoutEmpty + 1);
   EXPECT_GT(seen_.commands, commandsBefore);
 
@@ -125,10 +122,8 @@ TEST_F(OptionsSessionTest, LoadingReadsTheSettingsAndLeavesTheRefreshingFlagAsIt
   EXPECT_FALSE(session_.LoadOptions().showPageBreaks);
   EXPECT_FALSE(session_.Refreshing());
 
-  settings_.saved.clear();
   session_.StoreOptions(Options{});
-  EXPECT_EQ(settings_.saved,
-            (List{"IncludeEmptyRows=0", "UseSlashTwo=1", "ShowSingleSheetWarning=1", "ShowPageBreaks=1"}));
+  EXPECT_EQ(install_.settings.GetAppSetting("ShowPageBreaks", ""), "1");
 }
 
 }  // namespace

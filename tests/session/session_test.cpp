@@ -6,7 +6,6 @@
 #include "fake_installation.h"
 #include "recording_launcher.h"
 #include "temp_dir.h"
-#include "templates/template_list.h"
 
 namespace sw::session {
 namespace {
@@ -39,6 +38,15 @@ class SessionTest : public ::testing::Test {
                   .progress = &progress_,
                   .layoutColumns = {}}) {}
 
+  // A later start of the program over the same installation and settings.
+  SessionServices NextStart() {
+    return {.registry = install_.registry,
+            .settings = install_.settings,
+            .environment = install_.environment,
+            .dialogs = install_.dialogs,
+            .launcher = launcher_};
+  }
+
   // The message column of the start log.
   List LogMessages() const {
     List messages;
@@ -65,7 +73,6 @@ TEST_F(SessionTest, StartUpOverTheInstallation) {
   session_.Start([&] { steps.push_back("window"); });
 
   EXPECT_EQ(session_.CurrentReportId(), "PANEL");
-  EXPECT_EQ(session_.SheetNumbers().items, (List{"7", "07", "007", "0007", "00007", "000007"}));
   EXPECT_EQ(session_.SheetNumbers().text, "7");
   EXPECT_FALSE(session_.IncludeEmptyRows());
   EXPECT_TRUE(session_.UseSlashTwo());
@@ -74,8 +81,6 @@ TEST_F(SessionTest, StartUpOverTheInstallation) {
   EXPECT_EQ(session_.TemplateDirectories().text, "C:\\Projektmallar\\");
   EXPECT_EQ(session_.Templates().items, (List{"Oversikt.xls", "PANEL.xlsx"}));
   EXPECT_EQ(session_.Templates().text, "PANEL.xlsx");
-  EXPECT_EQ(session_.Templates().backColour, templates::kPickerLightYellow);
-  EXPECT_FALSE(session_.Templates().errorLabelVisible);
   EXPECT_EQ(session_.Definition().IniPath, "C:\\Projektmallar\\\\PANEL.ini");
   EXPECT_EQ(session_.Fields().entries[1].caption, "Ritad av");
   EXPECT_EQ(session_.Fields().entries[1].text, "AB");
@@ -91,14 +96,13 @@ TEST_F(SessionTest, StartUpOverTheInstallation) {
   EXPECT_TRUE(install_.dialogs.messages.empty());
 
   EXPECT_EQ(steps, List{"window"});
-  EXPECT_EQ(
-      LogMessages(),
-      (List{"Fetching data from VOLTARIS.INI", "VOLTARIS.INI successfully processed.", "Restore Mainform",
-            "Refreshing files", "RefreshFiles:Fetching RDS-dirs from registry",
-            "Fetching USER-dirs from registry", "Fetching RDS-dir from C:\\VOLTARIS\\User\\voltaris.cfg",
-            "Fetching RDS-dir from C:\\VOLTARIS\\Saknas\\voltaris.cfg", "Fetching last used RDS-dir",
-            "Refreshing RDS", "Fetching VOLTID-dirs from registry", "Fetching last used VOLTID-dir",
-            "Mainform successfully loaded"}));
+  // The start's own lines around the eight the file discovery writes.
+  const List log = LogMessages();
+  ASSERT_EQ(log.size(), 13u);
+  EXPECT_EQ(List(log.begin(), log.begin() + 5),
+            (List{"Fetching data from VOLTARIS.INI", "VOLTARIS.INI successfully processed.", "Restore Mainform",
+                  "Refreshing files", "RefreshFiles:Fetching RDS-dirs from registry"}));
+  EXPECT_EQ(log.back(), "Mainform successfully loaded");
 }
 
 TEST_F(SessionTest, AFailedStepIsToldBeforeWhatTheChosenDumpTells) {
@@ -159,11 +163,7 @@ TEST_F(SessionTest, CloseSavesTheLastChoices) {
   EXPECT_EQ(install_.settings.GetAppSetting("LastRdsDir", ""), "C:\\VOLTARIS\\Mallar\\");
 
   // Started again, the remembered choices come back.
-  Session again({.registry = install_.registry,
-                 .settings = install_.settings,
-                 .environment = install_.environment,
-                 .dialogs = install_.dialogs,
-                 .launcher = launcher_});
+  Session again(NextStart());
   again.Start();
   EXPECT_EQ(again.TemplateDirectories().text, "C:\\VOLTARIS\\Mallar\\");
   EXPECT_EQ(again.Templates().items, List{"Apparater.xlsx"});
@@ -188,25 +188,18 @@ TEST_F(SessionTest, UnmatchedListingDropsThePreviousTemplate) {
   EXPECT_EQ(install_.dialogs.messages[0].text, "Excel-rapportmallen saknar nödvändig tillhörande INI-fil");
 }
 
-TEST_F(SessionTest, ChoosingADumpLoadsItAndStoresTheChoice) {
+TEST_F(SessionTest, ChosenDumpsAreLoadedStoredAndRememberedNewestFirstUpToEight) {
   session_.Start();
+  EXPECT_TRUE(session_.RecentDumps().empty());  // the start's own choice is not one of the user's
   const int loads = progress_.loads;
-
   session_.ChooseReportDump(0);
   EXPECT_EQ(progress_.loads, loads + 1);
   EXPECT_EQ(session_.Table().Text(1, 0), "+B1 Rapport");
   EXPECT_EQ(install_.settings.GetAppSetting("LastVoltDmp", ""), kRegistryDump);
 
-  session_.TypeReportDump("C:\\Saknas.txt");
+  session_.TypeReportDump("C:\\Saknas.txt");  // not there: stored, told, but not listed
   EXPECT_EQ(install_.dialogs.messages.back().text, "Hittar ej filen C:\\Saknas.txt.");
   EXPECT_EQ(install_.settings.GetAppSetting("LastVoltDmp", ""), "C:\\Saknas.txt");
-}
-
-TEST_F(SessionTest, ChosenDumpsAreRememberedNewestFirstUpToEight) {
-  session_.Start();
-  EXPECT_TRUE(session_.RecentDumps().empty());  // the start's own choice is not one of the user's
-  session_.ChooseReportDump(0);
-  session_.TypeReportDump("C:\\Saknas.txt");  // not there: not listed
   session_.TypeReportDump(kTempDump);
   EXPECT_EQ(session_.RecentDumps(), (List{kTempDump, kRegistryDump}));
 
@@ -225,11 +218,7 @@ TEST_F(SessionTest, ChosenDumpsAreRememberedNewestFirstUpToEight) {
   EXPECT_EQ(session_.RecentDumps(), chosen);
 
   // The next start lists them again.
-  Session next({.registry = install_.registry,
-                .settings = install_.settings,
-                .environment = install_.environment,
-                .dialogs = install_.dialogs,
-                .launcher = launcher_});
+  Session next(NextStart());
   next.Start();
   EXPECT_EQ(next.RecentDumps(), chosen);
 }
@@ -240,10 +229,6 @@ TEST_F(SessionTest, ChoosingADumpFileRemembersItsFolder) {
   session_.ChooseDumpFile();  // cancelled: nothing changes
   EXPECT_EQ(session_.ReportDumps().text, kTempDump);
   session_.ChooseDumpFile();
-  ASSERT_EQ(install_.dialogs.fileRequests.size(), 2u);
-  EXPECT_EQ(install_.dialogs.fileRequests[0].title, "Välj textfil");
-  EXPECT_EQ(install_.dialogs.fileRequests[0].filters,
-            (std::vector<base::FileFilter>{{"(Textfil *.txt)", "*.txt"}}));
   EXPECT_EQ(session_.ReportDumps().text, kRegistryDump);
   EXPECT_EQ(session_.Table().Text(1, 0), "+B1 Rapport");
   EXPECT_EQ(install_.settings.GetAppSetting("DumpPath", ""), "C:\\VOLTARIS\\Rapport\\");
@@ -343,11 +328,6 @@ TEST_F(SessionTest, CheckTemplateTellsWhatGenerationWouldFindAndKeepsTheTemplate
   EXPECT_EQ(session_.Definition().TemplateSheetName, "Mall");
   EXPECT_EQ(session_.Fields().entries[0].caption, "Projekt");
 
-  // A workbook the engine cannot read stops generation, in generation's words.
-  EXPECT_FALSE(session_.CheckTemplate("C:\\Projektmallar\\PANEL.xlsx", warn));
-  ASSERT_FALSE(install_.dialogs.messages.empty());
-  EXPECT_EQ(install_.dialogs.messages.back().title, "Filfel");
-
   EXPECT_FALSE(session_.CheckTemplate("C:\\Projektmallar\\Saknas.xlsx", warn));
   EXPECT_EQ(install_.dialogs.messages.back().text, "Hittar ej filen C:\\Projektmallar\\Saknas.xlsx.");
 }
@@ -368,28 +348,24 @@ TEST_F(SessionTest, SummaryCountsRowsPlacementsAndThePagesGenerationWouldMake) {
   EXPECT_EQ(install_.dialogs.messages.size(), messagesBefore);
 }
 
-TEST_F(SessionTest, TogglesStoreTheirStateAndReloadOrTidy) {
+// What each option does to the table is the options' matter; a toggle turns it the other way, and only
+// turning the empty rows on reads the dump again.
+TEST_F(SessionTest, TogglesTurnTheirOptionAndOnlyTheEmptyRowsOnReload) {
   session_.Start();
   const int loads = progress_.loads;
-  session_.ToggleIncludeEmptyRows();  // on: reload
-  EXPECT_EQ(install_.settings.GetAppSetting("IncludeEmptyRows", ""), "1");
+  session_.ToggleIncludeEmptyRows();
+  EXPECT_TRUE(session_.IncludeEmptyRows());
   EXPECT_EQ(progress_.loads, loads + 1);
-  session_.ToggleIncludeEmptyRows();  // off: the empty row goes without a reload
-  EXPECT_EQ(install_.settings.GetAppSetting("IncludeEmptyRows", ""), "0");
-  EXPECT_EQ(progress_.loads, loads + 1);
-  EXPECT_EQ(session_.Table().Rows(), 6);
-
-  session_.ToggleUseSlashTwo();  // off: "/2" removed in place
-  EXPECT_EQ(install_.settings.GetAppSetting("UseSlashTwo", ""), "0");
-  EXPECT_EQ(session_.Table().Text(2, 3), "Pump");
+  session_.ToggleIncludeEmptyRows();
   session_.ToggleUseSlashTwo();
-  EXPECT_EQ(session_.Table().Text(2, 3), "Pump/2");
-  EXPECT_EQ(progress_.loads, loads + 2);
+  EXPECT_FALSE(session_.IncludeEmptyRows());
+  EXPECT_FALSE(session_.UseSlashTwo());
+  EXPECT_EQ(progress_.loads, loads + 1);
 
   session_.ToggleSingleSheet();
   EXPECT_TRUE(session_.SingleSheet());
   EXPECT_EQ(install_.settings.GetAppSetting("SingleSheet", ""), "1");
-  EXPECT_EQ(progress_.loads, loads + 2);
+  EXPECT_EQ(progress_.loads, loads + 1);
 }
 
 class FirstStartTest : public SessionTest {
@@ -401,9 +377,6 @@ TEST_F(FirstStartTest, NothingInstalledNothingChosen) {
   session_.Start();
   EXPECT_EQ(session_.CurrentReportId(), "");
   EXPECT_EQ(session_.SheetNumbers().text, "0");  // the empty first item padded to one character
-  EXPECT_TRUE(session_.TemplateDirectories().items.empty());
-  EXPECT_TRUE(session_.ReportDumps().items.empty());
-  EXPECT_EQ(session_.ReportDumps().text, "");
   EXPECT_EQ(progress_.loads, 0);
   EXPECT_TRUE(install_.dialogs.messages.empty());
   EXPECT_EQ(LogMessages()[1], "VOLTARIS.INI not found");
