@@ -182,6 +182,11 @@ TEST_P(FailedRunTest, LeavesTemplateAndEarlierResultsAsTheyWereAndSaysSo) {
                   " är själva mallen och kan inte skrivas över.\rAnge annat filnamn.");
     EXPECT_FALSE(run.state.excelApp);
   }
+  if (trouble == Trouble::kCorruptTemplate) {
+    // Told as the file error it is, with no error number of the run's own.
+    EXPECT_THAT(run.MessageTexts().back(), ::testing::StartsWith("Filfel: "));
+    EXPECT_THAT(run.MessageTexts().back(), ::testing::Not(HasSubstr("91 - ")));
+  }
   if (trouble >= Trouble::kFirstWrite) {
     EXPECT_THAT(run.MessageTexts().back(), HasSubstr("disken är full")) << run.MessageTexts().back();
     // Named as the user knows it, not by the temporary name it is first written under.

@@ -159,14 +159,5 @@ TEST_F(PreviewVoltDumpTest, UnreadableFileIsAFileErrorNotACrash) {
                                                         "Filfel", base::MessageIcon::kCritical}}));
 }
 
-TEST_F(PreviewVoltDumpTest, ByteOrderMarkedDumpsReadAlike) {
-  ReportTable utf16;
-  PreviewVoltDump(table, Context(DataFile("dumps/utf8_bom.txt").string()));
-  PreviewVoltDump(utf16, Context(DataFile("dumps/utf16le_bom.txt").string()));
-  EXPECT_EQ(ReportRows(table),
-            (std::vector<std::string>{"+A1 Apparatsk\u00e5p||", "|X1|K\u00e4llare\u20ac"}));
-  EXPECT_EQ(ReportRows(utf16), ReportRows(table));
-}
-
 }  // namespace
 }  // namespace sw::report
