@@ -207,16 +207,6 @@ TEST_F(GenerateWorkbookTest, DynamicRunFillsTheCommonSheetWithBreaksBeforeEachLa
   EXPECT_TRUE(state.dynamicLength);
 }
 
-TEST_F(GenerateWorkbookTest, DynamicSingleSheetRunWritesTheTemplateItself) {
-  UseIni("dynamic.ini");
-  AddPlacement("+A1", 1, 1);
-  inputs.singleSheet = true;
-  const auto outcome = Generate();
-  EXPECT_TRUE(outcome.completed);
-  EXPECT_THAT(outcome.savedFiles, ElementsAre("data/generation\\Lista.xlsx"));
-  EXPECT_EQ(recording.files().at(TemplateEnginePath()).Find("Common")->cells.at({10, 1}), "W1");
-}
-
 struct EarlyExit {
   const char* name;
   std::function<void(GenerationFixture&)> arrange;

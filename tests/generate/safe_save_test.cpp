@@ -257,6 +257,7 @@ TEST(SafeSaveTest, RunsThatWriteIntoTheTemplateKeepItsContentBesideItFirst) {
     const std::string before = *base::ReadWholeFile(run.templates / "Lista.xlsx");
     const auto outcome = run.Generate();
     EXPECT_TRUE(outcome.completed) << ::testing::PrintToString(run.MessageTexts());
+    EXPECT_THAT(outcome.savedFiles, ::testing::ElementsAre(run.inputs.templateFolder + "\\Lista.xlsx"));
     ASSERT_THAT(outcome.templateBackup, HasSubstr("Lista (kopia före körning "));
     EXPECT_EQ(*base::ReadWholeFile(base::ResolveWindowsPath(outcome.templateBackup)), before);
     EXPECT_NE(*base::ReadWholeFile(run.templates / "Lista.xlsx"), before);
