@@ -120,9 +120,9 @@ TEST(PageTextTest, PaddedToTheStartNumbersLength) {
 // CountPages foresees the pages the run makes, which the counter limit and the progress rely on.
 TEST_F(GenerateWorkbookTest, PlacementsManualBreaksAndFullPagesStartPagesAsTheRowsSayAndAsCounted) {
   AddData("W0", "X0", "-", "M0");  // before any head: on the common sheet, no page of its own
-  AddPlacement("+A1", 1, 3);  // fills page 1 exactly
-  AddPlacement("+A2", 4, 4);  // the green row after a full page starts only one page; W7 a third
-  AddTitle("");               // manual break keeps "+A2"
+  AddPlacement("+A1", 1, 3);       // fills page 1 exactly
+  AddPlacement("+A2", 4, 4);       // the green row after a full page starts only one page; W7 a third
+  AddTitle("");                    // manual break keeps "+A2"
   AddData("W8", "X8", "-", "M8");
   AddTitle("+B1");
   AddTitle("+B2");  // two green rows: an empty page for +B1
@@ -255,8 +255,8 @@ INSTANTIATE_TEST_SUITE_P(
         EarlyExit{
             "NoSheetSection",
             [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\no_sheet_section.ini"; },
-            {"Kan ej använda Excel-filen: Ini-filen " + base::DisplayPath("data/generation\\no_sheet_section.ini") +
-             "\rsaknar sektionen [Sheet]."},
+            {"Kan ej använda Excel-filen: Ini-filen " +
+             base::DisplayPath("data/generation\\no_sheet_section.ini") + "\rsaknar sektionen [Sheet]."},
             0},
         EarlyExit{"MissingSheet",
                   [](GenerationFixture& f) {
@@ -295,11 +295,12 @@ INSTANTIATE_TEST_SUITE_P(
                    "Ange ett filnamn som slutar på .xlsm."},
                   0},
         // The engine writes Open XML: a name that promises the binary format is refused once chosen.
-        EarlyExit{"TargetNamedForAnotherFormat",
-                  [](GenerationFixture& f) { f.dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsb")}; },
-                  {"Fel: Filen C:\\Rapporter\\Pump.xlsb kan inte skapas: ändelsen .xlsb anger ett annat format "
-                   "än den arbetsbok som skrivs.\rAnge ett filnamn som slutar på .xlsx eller .xlsm."},
-                  0}),
+        EarlyExit{
+            "TargetNamedForAnotherFormat",
+            [](GenerationFixture& f) { f.dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsb")}; },
+            {"Fel: Filen C:\\Rapporter\\Pump.xlsb kan inte skapas: ändelsen .xlsb anger ett annat format "
+             "än den arbetsbok som skrivs.\rAnge ett filnamn som slutar på .xlsx eller .xlsm."},
+            0}),
     [](const auto& exit) { return std::string(exit.param.name); });
 
 TEST_F(GenerateWorkbookTest, FaultyIniIsOpenedForEditing) {
