@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "base/file_io.h"
-#include "base/own_temp_files.h"
 #include "base/windows_path.h"
 #include "excel/package/zip_archive.h"
 #include "generate/page_count.h"
@@ -384,12 +383,6 @@ TEST_F(GenerateWorkbookTest, PageFileInUseIsToldAndTheRunGoesOn) {
   EXPECT_EQ(recording.files().at("/R/Lista-3.xlsx").Find("3")->cells.at({10, 1}), "W3");
   EXPECT_EQ(pointers.back(), MousePointer::kDefault);
 }
-
-}  // namespace
-}  // namespace sw::generate
-
-namespace sw::generate {
-namespace {
 
 TEST(StartNumberValueTest, ReadsNumbersAsVbDoesInArithmetic) {
   const std::pair<const char*, int> numbers[] = {{"1", 1},  {"007", 7}, {" 12 ", 12},
