@@ -1,6 +1,6 @@
 // `sheetwright-cli generate` in-process with the package engine on a real template workbook, the
-// results read back by a tool that shares no code with ours (openpyxl). Whether the files are valid
-// Open XML is the engine's own external-reader test.
+// results read back by a tool that shares no code with ours (openpyxl). Whether the files of every mode
+// are valid Open XML is the validator's part of tests/excel_made.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

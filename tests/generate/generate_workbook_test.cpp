@@ -107,7 +107,7 @@ TEST_F(GenerateWorkbookTest, RemembersChoicesAndAsksForTheTargetAsTheProgramAlwa
   EXPECT_EQ(saved.Find("007")->cells.at({2, 6}), "-");
 }
 
-// A run pads its page texts as PageText does; RemembersChoices… shows the run's "007".
+// A run names and numbers its pages with these texts ("007" in RemembersChoicesAndAsksForTheTarget…).
 TEST(PageTextTest, PaddedToTheStartNumbersLength) {
   const std::pair<int, int> cases[] = {{7, 3}, {10, 2}, {100, 2}, {1, 1}, {0, 1}};
   const char* texts[] = {"007", "10", "100", "1", "0"};
