@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <new>
+
 #include "base/file_io.h"
 #include "base/windows_path.h"
 #include "excel/package/zip_archive.h"
@@ -292,6 +295,24 @@ INSTANTIATE_TEST_SUITE_P(
                   },
                   {"Fel: Mallen Lista.XLSM innehåller makron, som inte kan sparas i en .xlsx-fil.\r"
                    "Ange ett filnamn som slutar på .xlsm."},
+                  0},
+        // The command line has no window to keep the template's content beside it.
+        EarlyExit{"CommandLineWouldWriteIntoTheTemplate",
+                  [](GenerationFixture& f) {
+                    f.UseIni("dynamic.ini");
+                    f.inputs.singleSheet = true;
+                    f.services.mayWriteIntoTemplate = false;
+                  },
+                  {"Fel: Mallen har dynamisk sidlängd och ger inga sidor att spara var för sig: en fil per "
+                   "sida skulle spara över själva mallen.\rGenerera utan en fil per sida."},
+                  0},
+        EarlyExit{"ExhaustedMemory",
+                  [](GenerationFixture& f) {
+                    f.services.createExcel = []() -> std::unique_ptr<excel::Application> {
+                      throw std::bad_alloc();
+                    };
+                  },
+                  {"Fel: 7 - Slut på minne vid generering av /R/Lista.xlsx."},
                   0},
         // The engine writes Open XML: a name that promises the binary format is refused once chosen.
         EarlyExit{

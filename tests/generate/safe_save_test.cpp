@@ -276,21 +276,6 @@ TEST(SafeSaveTest, RunsThatWriteIntoTheTemplateKeepItsContentBesideItFirst) {
   }
 }
 
-TEST(SafeSaveTest, CommandLineRefusesRunsThatWouldWriteIntoTheTemplate) {
-  SafeSaveRun run(Mode::kDynamic);
-  run.inputs.singleSheet = true;
-  run.services.mayWriteIntoTemplate = false;
-  const auto templatesBefore = Snapshot(run.templates);
-  const auto outcome = run.Generate();
-  EXPECT_FALSE(outcome.completed);
-  EXPECT_THAT(
-      run.MessageTexts(),
-      ::testing::ElementsAre("Fel: Mallen har dynamisk sidlängd och ger inga sidor att spara var för "
-                             "sig: en fil per sida skulle spara över själva mallen.\rGenerera utan en "
-                             "fil per sida."));
-  EXPECT_EQ(Snapshot(run.templates), templatesBefore);
-}
-
 // The user stops a run from the window as its pages are begun: nothing more is written, the earlier
 // result stays byte for byte, no temporary file is left, and the user is told once what stays.
 TEST(SafeSaveTest, RunStoppedByTheUserLeavesTheEarlierResultAndSaysWhatStays) {
