@@ -4,11 +4,11 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "base/file_io.h"
+#include "base/strings.h"
 #include "cadenv/portable_registry.h"
 #include "cadenv/registry.h"
 #include "cadenv/win32_registry.h"
@@ -16,20 +16,6 @@
 
 namespace sw::cadenv {
 namespace {
-
-std::string Slurp(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-std::string ReplaceAll(std::string text, const std::string& from, const std::string& to) {
-  for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
-    text.replace(at, from.size(), to);
-  }
-  return text;
-}
 
 // Imports a registration file the way the program's "REGEDIT /s " does.
 void ImportWithRegedit(const std::filesystem::path& file) {
@@ -95,13 +81,14 @@ TEST(WindowsOnlyRegistryComparison, CadInstallationReadsTheSameFromTheRegistryAs
       "\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\VOLTARIS\\Jamforelse\\beta]\r\n"
       "[HKEY_LOCAL_MACHINE\\SOFTWARE\\VOLTARIS\\Jamforelse\\Alfa]\r\n"
       "[HKEY_LOCAL_MACHINE\\SOFTWARE\\VOLTARIS\\Jamforelse\\Gamma 2]\r\n";
-  const std::string cadFile = Slurp(testing::DataFile("cad_install/voltaris_installation.reg")) + extra;
+  const std::string cadFile =
+      *base::ReadWholeFile(testing::DataFile("cad_install/voltaris_installation.reg")) + extra;
   const auto portableFile = folder.Write("portable.reg", cadFile);
 
   // The CAD system is a 32-bit program: its machine keys are in the 32-bit view, where a 64-bit
   // regedit writes them below Wow6432Node. Earlier runs' keys go first.
-  std::string imported =
-      ReplaceAll(cadFile, "[HKEY_LOCAL_MACHINE\\SOFTWARE\\", "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\");
+  std::string imported = base::ReplaceAll(cadFile, "[HKEY_LOCAL_MACHINE\\SOFTWARE\\",
+                                          "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\");
   imported.insert(imported.find('\n') + 1,
                   "\r\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\VOLTARIS]\r\n"
                   "[-HKEY_CURRENT_USER\\Software\\voltaris]\r\n");

@@ -60,42 +60,5 @@ TEST_F(RegistryWalkTest, MissingKeyLeavesOnlyThePlaceholder) {
   EXPECT_EQ(Walk("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Annat]\n\"RDS\"=\"x\"\n", "RDS"), List{""});
 }
 
-// Records the key paths the walk asks for, to see how it spells them.
-class RecordingRegistry final : public Registry {
- public:
-  explicit RecordingRegistry(Registry& inner) : inner_(inner) {}
-  std::vector<std::string> valuePaths;
-
-  std::optional<RegistryValue> QueryValue(RootKey root, std::string_view keyPath,
-                                          std::string_view valueName) override {
-    return inner_.QueryValue(root, keyPath, valueName);
-  }
-  std::optional<std::string> SubkeyAt(RootKey root, std::string_view keyPath, std::size_t index) override {
-    return inner_.SubkeyAt(root, keyPath, index);
-  }
-  std::optional<RegistryValue> ValueAt(RootKey root, std::string_view keyPath, std::size_t index) override {
-    if (index == 0) valuePaths.emplace_back(keyPath);
-    return inner_.ValueAt(root, keyPath, index);
-  }
-  bool SetStringValue(RootKey, std::string_view, std::string_view, std::string_view) override {
-    return false;
-  }
-  bool DeleteValue(RootKey, std::string_view, std::string_view) override { return false; }
-
- private:
-  Registry& inner_;
-};
-
-TEST_F(RegistryWalkTest, SubkeyPathsEndInABackslash) {
-  PortableRegistry store(dir_.path() / "store.reg");
-  ASSERT_TRUE(store.MergeRegFile(dir_.Write(
-      "w.reg", "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\VOLTARIS\\ic\\Settings]\n\"RDS\"=\"x\"\n")));
-  RecordingRegistry registry(store);
-  EXPECT_EQ(CollectRegistryValues(registry, RootKey::kLocalMachine, "Software\\VOLTARIS\\", "RDS"),
-            (List{"", "x"}));
-  EXPECT_EQ(registry.valuePaths,
-            (List{"Software\\VOLTARIS\\", "Software\\VOLTARIS\\ic\\", "Software\\VOLTARIS\\ic\\Settings\\"}));
-}
-
 }  // namespace
 }  // namespace sw::cadenv

@@ -1,6 +1,6 @@
 // `sheetwright-cli generate` in-process with the package engine on a real template workbook, the
-// results read back by tools that share no code with ours (openpyxl, the Open XML SDK validator).
-// Each check skips itself where its tool is missing.
+// results read back by a tool that shares no code with ours (openpyxl). Whether the files of every mode
+// are valid Open XML is the validator's part of tests/excel_made.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -21,7 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 using testing::CommandResult;
 using testing::HaveOpenpyxl;
-using testing::ValidatorErrors;
 
 const fs::path kSource = SW_SOURCE_DIR;
 
@@ -63,6 +62,7 @@ class EndToEndTest : public ::testing::Test {
     options.templateWorkbook = Template();
     for (std::size_t i = 0; i < arguments.size(); ++i) {
       const std::string& flag = arguments[i];
+      if (flag == "--dump") options.dump = arguments[++i];
       if (flag == "--out") options.target = arguments[++i];
       if (flag == "--template") options.templateWorkbook = arguments[++i];
       if (flag == "--start") options.start = arguments[++i];
@@ -106,29 +106,21 @@ TEST_F(EndToEndTest, CommandPrintsEveryWorkbookWritten) {
 
 TEST_F(EndToEndTest, PagesHoldTheirNumbersPlacementsRowsAndPictures) {
   ASSERT_TRUE(HaveOpenpyxl()) << "python3-openpyxl or python3-pil is missing (scripts/setup.sh installs it)";
+  // Which row lands on which page is the run's rule (generate_workbook_test); here the real engine
+  // carries a run's cells, pictures and print areas to a reader of its own.
+  // B10 holds a number written as text; C is the "!" of COLUMNS.
   std::vector<std::string> expected = {"sheets=Common,Mall,1,2,3", "cell:Common!B1=Provskåp",
-                                       "cell:Common!B2=Kraftbolaget AB", "cell:Common!B3=AB",
-                                       "cell:Mall!A10="};
+                                       "cell:Common!B2=Kraftbolaget AB", "cell:Mall!A10="};
+  for (const char* cell : {"1!A10=X1", "1!B10=1", "1!C10=", "1!D10=L1", "3!B10=7", "3!A11="})
+    expected.push_back(std::string("cell:") + cell);
   for (int page = 1; page <= 3; ++page) {
-    const std::string sheet = std::to_string(page) + "!";
-    expected.push_back("cell:" + sheet + "B2=+A1 Kopplingsskåp");
-    expected.push_back("cell:" + sheet + "F1=" + std::to_string(page));
-    expected.push_back("cell:" + sheet + "F2=" + (page == 3 ? std::string("-") : std::to_string(page + 1)));
-    expected.push_back("images:" + std::to_string(page) + "=1");
-    expected.push_back("print_area:" + std::to_string(page) + "=$A$1:$F$40");
-    expected.push_back("cached:" + sheet + "B3=");  // the template's result for =Common!B1 is stale
-    for (int row = 10; row <= 12; ++row) {
-      const int n = (page - 1) * 3 + row - 9;
-      const std::string at = std::to_string(row);
-      if (n > 7) {
-        expected.push_back("cell:" + sheet + "A" + at + "=");
-        continue;
-      }
-      expected.push_back("cell:" + sheet + "A" + at + "=X1");
-      expected.push_back("cell:" + sheet + "B" + at + "=" + std::to_string(n));  // a number, written as text
-      expected.push_back("cell:" + sheet + "C" + at + "=");                      // "!" in COLUMNS
-      expected.push_back("cell:" + sheet + "D" + at + "=L" + std::to_string(n));
-    }
+    const std::string n = std::to_string(page);
+    expected.push_back("cell:" + n + "!B2=+A1 Kopplingsskåp");
+    expected.push_back("cell:" + n + "!F1=" + n);
+    expected.push_back("cell:" + n + "!F2=" + (page == 3 ? std::string("-") : std::to_string(page + 1)));
+    expected.push_back("images:" + n + "=1");
+    expected.push_back("print_area:" + n + "=$A$1:$F$40");
+    expected.push_back("cached:" + n + "!B3=");  // the template's result for =Common!B1 is stale
   }
   const auto result = ReadBack(Target("Lista.xlsx"), expected);
   EXPECT_EQ(result.status, 0) << result.output;
@@ -159,24 +151,13 @@ TEST_F(EndToEndTest, DynamicLengthPutsItsBreaksOnTheSheetThatGetsTheRows) {
       "%+A1 Sk\xe5p%\r\n\tX1\t1\tW1\tL1\r\n\tX1\t2\tW2\tL2\r\n"
       "%+A2 Sk\xe5p%\r\n\tX2\t1\tW3\tL3\r\n";
   ASSERT_FALSE(base::WriteFileAtomically(folder / "lista.txt", dump));
-  cli::GenerateOptions options;
-  options.dump = (folder / "lista.txt").string();
-  options.templateWorkbook = (folder / "lista.xlsx").string();
-  options.target = Target("Dynamisk.xlsx");
-  std::ostringstream out, err;
-  ASSERT_EQ(cli::RunGenerate(options, out, err), 0) << err.str();
+  const auto run = Generate({"--dump", (folder / "lista.txt").string(), "--template",
+                             (folder / "lista.xlsx").string(), "--out", Target("Dynamisk.xlsx")});
+  ASSERT_EQ(run.status, 0) << run.err;
 
   const auto result = ReadBack(Target("Dynamisk.xlsx"), {"row_breaks:Common=1", "row_breaks:Mall=0",
                                                          "cell:Common!A12=X2"});
   EXPECT_EQ(result.status, 0) << result.output;
-}
-
-TEST_F(EndToEndTest, ValidatorFindsNoErrorTheTemplateLacks) {
-  const fs::path validator = kSource / "tools/node_modules/.bin/ooxml-validate";
-  ASSERT_TRUE(fs::exists(validator)) << "ooxml-validate is missing (scripts/setup.sh installs it)";
-  const int templateErrors = ValidatorErrors(validator, Template());
-  EXPECT_LE(ValidatorErrors(validator, Target("Lista.xlsx")), templateErrors);
-  EXPECT_LE(ValidatorErrors(validator, Target("Blad-009.xlsx")), templateErrors);
 }
 
 TEST_F(EndToEndTest, TargetThatIsNoExcelFileIsRefusedUpFront) {
@@ -187,35 +168,17 @@ TEST_F(EndToEndTest, TargetThatIsNoExcelFileIsRefusedUpFront) {
   EXPECT_FALSE(fs::exists(Target("Lista.ods")));
 }
 
-TEST_F(EndToEndTest, TemplateIsNeverOverwrittenWhateverTheTarget) {
+TEST_F(EndToEndTest, FolderWhereTheTargetShouldGoStopsTheRunAndTheTemplateStays) {
   const std::string before = *base::ReadWholeFile(Template());
 
   // A folder where the workbook should go: Kill finds no file, so the run stops before anything is written.
   fs::create_directories(Target("Mapp.xlsx"));
-  auto run = Generate({"--out", Target("Mapp.xlsx")});
+  const auto run = Generate({"--out", Target("Mapp.xlsx")});
   EXPECT_EQ(run.status, 1);
   EXPECT_NE(run.err.find("Fel: 75 - "), std::string::npos) << run.err;
   EXPECT_EQ(run.out, "");
 
-  // An .xls name is saved as Excel saves it without a file format: the workbook's own format.
-  run = Generate({"--out", Target("Gammal.xls")});
-  EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.out, Target("Gammal.xls") + "\n");
-  EXPECT_TRUE(base::ReadWholeFile(Target("Gammal.xls"))->starts_with("PK"));
-
   EXPECT_EQ(*base::ReadWholeFile(Template()), before);
-}
-
-TEST_F(EndToEndTest, BrokenTemplateIsToldAsAFileError) {
-  std::string bytes = *base::ReadWholeFile(Template());
-  bytes.resize(bytes.size() / 3);
-  const fs::path folder = folder_->Write("Trasig/trasig.xlsx", bytes).parent_path();
-  fs::copy_file(kSource / "tests/data/generation/three_rows.ini", folder / "trasig.ini");
-  const auto run = Generate({"--template", (folder / "trasig.xlsx").string(), "--out", Target("Av.xlsx")});
-  EXPECT_EQ(run.status, 1);
-  EXPECT_NE(run.err.find("Filfel: "), std::string::npos) << run.err;
-  EXPECT_EQ(run.err.find("91 - "), std::string::npos) << run.err;
-  EXPECT_FALSE(fs::exists(Target("Av.xlsx")));
 }
 
 TEST_F(EndToEndTest, BadFieldIndexIsBadUsage) {
@@ -228,29 +191,6 @@ TEST_F(EndToEndTest, SingleSheetWithoutYesStopsAtTheWarning) {
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.out, "");
   EXPECT_FALSE(fs::exists(Target("Nej-1.xlsx")));
-}
-
-// An .xlsx file cannot hold the macros of an .xlsm template: such a target is refused before
-// anything is touched, and an earlier file of that name stays as it was.
-TEST_F(EndToEndTest, MacroTemplateRefusesAnXlsxTarget) {
-  const fs::path folder = folder_->path() / "Makromallar";
-  fs::create_directories(folder);
-  fs::copy_file(kSource / "tests/data/templates/title_block.xlsm", folder / "title_block.xlsm");
-  fs::copy_file(kSource / "tests/data/generation/three_rows.ini", folder / "title_block.ini");
-  folder_->Write("Ut/Makro.xlsx", "tidigare resultat");
-
-  auto run = Generate({"--template", (folder / "title_block.xlsm").string(), "--out", Target("Makro.xlsx")});
-  EXPECT_EQ(run.status, 1);
-  EXPECT_NE(
-      run.err.find("Fel: Mallen title_block.xlsm innehåller makron, som inte kan sparas i en .xlsx-fil."),
-      std::string::npos)
-      << run.err;
-  EXPECT_EQ(run.out, "");
-  EXPECT_EQ(*base::ReadWholeFile(Target("Makro.xlsx")), "tidigare resultat");
-
-  run = Generate({"--template", (folder / "title_block.xlsm").string(), "--out", Target("Makro.xlsm")});
-  EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.out, Target("Makro.xlsm") + "\n");
 }
 
 }  // namespace

@@ -3,8 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <new>
+
 #include "base/file_io.h"
-#include "base/own_temp_files.h"
 #include "base/windows_path.h"
 #include "excel/package/zip_archive.h"
 #include "generate/page_count.h"
@@ -108,15 +110,8 @@ TEST_F(GenerateWorkbookTest, RemembersChoicesAndAsksForTheTargetAsTheProgramAlwa
   EXPECT_EQ(saved.Find("007")->cells.at({2, 6}), "-");
 }
 
-TEST_F(GenerateWorkbookTest, PageTextsArePaddedToTheStartNumbersLength) {
-  AddPlacement("+A1", 1, 9);  // three pages
-  inputs.sheetNumberText = "09";
-  Generate();
-  const auto& saved = recording.files().at("/R/Lista.xlsx");
-  EXPECT_EQ(saved.Find("09")->cells.at({2, 6}), "10");
-  EXPECT_EQ(saved.Find("10")->cells.at({1, 6}), "10");
-  EXPECT_EQ(saved.Find("11")->cells.at({2, 6}), "-");
-
+// A run names and numbers its pages with these texts ("007" in RemembersChoicesAndAsksForTheTarget…).
+TEST(PageTextTest, PaddedToTheStartNumbersLength) {
   const std::pair<int, int> cases[] = {{7, 3}, {10, 2}, {100, 2}, {1, 1}, {0, 1}};
   const char* texts[] = {"007", "10", "100", "1", "0"};
   for (std::size_t i = 0; i < std::size(cases); ++i) {
@@ -124,44 +119,33 @@ TEST_F(GenerateWorkbookTest, PageTextsArePaddedToTheStartNumbersLength) {
   }
 }
 
-TEST_F(GenerateWorkbookTest, PlacementsManualBreaksAndFullPagesStartPagesAsTheRowsSay) {
-  AddPlacement("+A1", 1, 3);  // fills page 1 exactly
-  AddPlacement("+A2", 4, 1);  // the green row after a full page starts only one page
-  AddTitle("");               // manual break keeps "+A2"
-  AddData("W5", "X5", "-", "M5");
+// CountPages foresees the pages the run makes, which the counter limit and the progress rely on.
+TEST_F(GenerateWorkbookTest, PlacementsManualBreaksAndFullPagesStartPagesAsTheRowsSayAndAsCounted) {
+  AddData("W0", "X0", "-", "M0");  // before any head: on the common sheet, no page of its own
+  AddPlacement("+A1", 1, 3);       // fills page 1 exactly
+  AddPlacement("+A2", 4, 4);       // the green row after a full page starts only one page; W7 a third
+  AddTitle("");                    // manual break keeps "+A2"
+  AddData("W8", "X8", "-", "M8");
   AddTitle("+B1");
   AddTitle("+B2");  // two green rows: an empty page for +B1
-  AddData("W6", "X6", "-", "M6");
+  AddData("W9", "X9", "-", "M9");
+  EXPECT_EQ(CountPages(table, 3, false), 6);
+  EXPECT_EQ(CountPages(table, 3, true), 1);
   Generate();
   const auto& saved = recording.files().at("/R/Lista.xlsx");
+  EXPECT_EQ(saved.Find("Common")->cells.at({10, 1}), "W0");
   std::vector<std::string> names;
   for (const auto& sheet : saved.sheets) names.push_back(sheet.name);
-  EXPECT_THAT(names, ElementsAre("Common", "Mall", "1", "2", "3", "4", "5"));
-  const char* locations[] = {"+A1", "+A2", "+A2", "+B1", "+B2"};
-  for (int page = 1; page <= 5; ++page) {
+  EXPECT_THAT(names, ElementsAre("Common", "Mall", "1", "2", "3", "4", "5", "6"));
+  const char* locations[] = {"+A1", "+A2", "+A2", "+A2", "+B1", "+B2"};
+  const char* firstRows[] = {"W1", "W4", "W7", "W8", nullptr, "W9"};
+  for (int page = 1; page <= 6; ++page) {
     const auto* sheet = saved.Find(std::to_string(page));
     EXPECT_EQ(sheet->cells.at({2, 2}), locations[page - 1]) << page;
+    const char* first = firstRows[page - 1];
+    EXPECT_EQ(sheet->cells.count({10, 1}) ? sheet->cells.at({10, 1}) : "", first ? first : "") << page;
   }
-  EXPECT_EQ(saved.Find("4")->cells.count({10, 1}), 0u);
-  EXPECT_EQ(saved.Find("5")->cells.at({10, 1}), "W6");
-  EXPECT_EQ(saved.Find("5")->cells.at({2, 6}), "-");
-}
-
-TEST_F(GenerateWorkbookTest, PageCountForeseesThePagesTheRunMakes) {
-  // Full pages, a head right after a full page, a manual break, two heads in a row, and data rows
-  // before any head (they go to the common sheet and start no page).
-  AddData("W0", "X0", "-", "M0");
-  AddPlacement("+A1", 1, 7);
-  AddPlacement("+A2", 8, 3);
-  AddTitle("");
-  AddData("W11", "X11", "-", "M11");
-  AddTitle("+B1");
-  AddPlacement("+B2", 12, 1);
-  const int foreseen = CountPages(table, 3, false);
-  Generate();
-  EXPECT_EQ(recording.files().at("/R/Lista.xlsx").sheets.size(), 2u + static_cast<unsigned>(foreseen));
-  EXPECT_EQ(foreseen, 7);
-  EXPECT_EQ(CountPages(table, 3, true), 1);
+  EXPECT_EQ(saved.Find("6")->cells.at({2, 6}), "-");
 }
 
 TEST_F(GenerateWorkbookTest, SingleSheetRunWritesOneFilePerPageAndNeverTheTarget) {
@@ -225,21 +209,12 @@ TEST_F(GenerateWorkbookTest, DynamicRunFillsTheCommonSheetWithBreaksBeforeEachLa
   EXPECT_TRUE(state.dynamicLength);
 }
 
-TEST_F(GenerateWorkbookTest, DynamicSingleSheetRunWritesTheTemplateItself) {
-  UseIni("dynamic.ini");
-  AddPlacement("+A1", 1, 1);
-  inputs.singleSheet = true;
-  const auto outcome = Generate();
-  EXPECT_TRUE(outcome.completed);
-  EXPECT_THAT(outcome.savedFiles, ElementsAre("data/generation\\Lista.xlsx"));
-  EXPECT_EQ(recording.files().at(TemplateEnginePath()).Find("Common")->cells.at({10, 1}), "W1");
-}
-
 struct EarlyExit {
   const char* name;
   std::function<void(GenerationFixture&)> arrange;
   std::vector<std::string> messages;
   int applications;
+  bool quitsExcel = false;  // a template it cannot use: Excel is not left running
 };
 
 class EarlyExitTest : public ::testing::TestWithParam<EarlyExit>, public GenerationFixture {};
@@ -252,6 +227,12 @@ TEST_P(EarlyExitTest, EndsWithItsMessageAndStartsNoMoreThanItMust) {
   EXPECT_EQ(MessageTexts(), GetParam().messages);
   EXPECT_EQ(recording.applicationsCreated(), GetParam().applications);
   EXPECT_THAT(outcome.savedFiles, IsEmpty());
+  if (GetParam().quitsExcel) {
+    EXPECT_EQ(recording.lines().back(), "Quit");
+  }
+  if (!pointers.empty()) {
+    EXPECT_EQ(pointers.back(), MousePointer::kDefault);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -276,21 +257,17 @@ INSTANTIATE_TEST_SUITE_P(
         EarlyExit{
             "NoSheetSection",
             [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\no_sheet_section.ini"; },
-            {"Kan ej använda Excel-filen: Ini-filen " + base::DisplayPath("data/generation\\no_sheet_section.ini") +
-             "\rsaknar sektionen [Sheet]."},
+            {"Kan ej använda Excel-filen: Ini-filen " +
+             base::DisplayPath("data/generation\\no_sheet_section.ini") + "\rsaknar sektionen [Sheet]."},
             0},
-        EarlyExit{"TooFewEntries",
-                  [](GenerationFixture& f) { f.definition.IniPath = "data/generation\\too_few_entries.ini"; },
-                  {"Fel: Redigera ini-filen " + base::DisplayPath("data/generation\\too_few_entries.ini") +
-                   " och försök senare."},
-                  0},
         EarlyExit{"MissingSheet",
                   [](GenerationFixture& f) {
                     f.recording.AddWorkbookFile(f.TemplateEnginePath(), {"Framsida", "Mall"});
                   },
                   {"Sheetwright: Fliken 'Common' saknas i excelfilen",
                    "Sheetwright: Redigera mallfilen så att den uppfyller kraven."},
-                  1},
+                  1,
+                  true},
         EarlyExit{"NonNumericStart",
                   [](GenerationFixture& f) { f.inputs.sheetNumberText = "A1"; },
                   {"Fel: 13 - Typerna matchar inte"},
@@ -306,16 +283,45 @@ INSTANTIATE_TEST_SUITE_P(
         EarlyExit{"DeviceUnavailable",
                   [](GenerationFixture& f) { f.recording.FailCall("Open", 1, 68); },
                   {"Sheetwright: Enheten ej läsbar/tillgänglig."},
-                  1}),
+                  1},
+        // Saved as .xlsx, a macro template's result would lose its macros. (An .xlsm target is taken:
+        // RemembersChoicesAndAsksForTheTargetAsTheProgramAlwaysDid.)
+        EarlyExit{"MacroTemplateToAnXlsxTarget",
+                  [](GenerationFixture& f) {
+                    f.inputs.templateFile = "Lista.XLSM";
+                    f.recording.AddWorkbookFile(EnginePath(std::string(f.kFolder) + "\\Lista.XLSM"),
+                                                {"Common", "Mall"});
+                    f.dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsx")};
+                  },
+                  {"Fel: Mallen Lista.XLSM innehåller makron, som inte kan sparas i en .xlsx-fil.\r"
+                   "Ange ett filnamn som slutar på .xlsm."},
+                  0},
+        // The command line has no window to keep the template's content beside it.
+        EarlyExit{"CommandLineWouldWriteIntoTheTemplate",
+                  [](GenerationFixture& f) {
+                    f.UseIni("dynamic.ini");
+                    f.inputs.singleSheet = true;
+                    f.services.mayWriteIntoTemplate = false;
+                  },
+                  {"Fel: Mallen har dynamisk sidlängd och ger inga sidor att spara var för sig: en fil per "
+                   "sida skulle spara över själva mallen.\rGenerera utan en fil per sida."},
+                  0},
+        EarlyExit{"ExhaustedMemory",
+                  [](GenerationFixture& f) {
+                    f.services.createExcel = []() -> std::unique_ptr<excel::Application> {
+                      throw std::bad_alloc();
+                    };
+                  },
+                  {"Fel: 7 - Slut på minne vid generering av /R/Lista.xlsx."},
+                  0},
+        // The engine writes Open XML: a name that promises the binary format is refused once chosen.
+        EarlyExit{
+            "TargetNamedForAnotherFormat",
+            [](GenerationFixture& f) { f.dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsb")}; },
+            {"Fel: Filen C:\\Rapporter\\Pump.xlsb kan inte skapas: ändelsen .xlsb anger ett annat format "
+             "än den arbetsbok som skrivs.\rAnge ett filnamn som slutar på .xlsx eller .xlsm."},
+            0}),
     [](const auto& exit) { return std::string(exit.param.name); });
-
-TEST_F(GenerateWorkbookTest, MissingTemplateSheetQuitsExcel) {
-  recording.AddWorkbookFile(TemplateEnginePath(), {"Common", "Sida"});
-  AddPlacement("+A1", 1, 1);
-  Generate();
-  EXPECT_EQ(recording.lines().back(), "Quit");
-  EXPECT_THAT(pointers, ElementsAre(MousePointer::kHourglass, MousePointer::kDefault));
-}
 
 TEST_F(GenerateWorkbookTest, FaultyIniIsOpenedForEditing) {
   UseIni("too_few_entries.ini");
@@ -399,12 +405,6 @@ TEST_F(GenerateWorkbookTest, PageFileInUseIsToldAndTheRunGoesOn) {
   EXPECT_EQ(pointers.back(), MousePointer::kDefault);
 }
 
-}  // namespace
-}  // namespace sw::generate
-
-namespace sw::generate {
-namespace {
-
 TEST(StartNumberValueTest, ReadsNumbersAsVbDoesInArithmetic) {
   const std::pair<const char*, int> numbers[] = {{"1", 1},  {"007", 7}, {" 12 ", 12},
                                                  {"+3", 3}, {"-2", -2}, {"32767", 32767}};
@@ -420,29 +420,6 @@ TEST(StartNumberValueTest, ReadsNumbersAsVbDoesInArithmetic) {
       EXPECT_EQ(error.number(), number) << text;
     }
   }
-}
-
-// Saved as .xlsx, a macro template's result would lose its macros; the run stops before Excel is
-// started or any file is touched. Page files of a single-sheet run take the template's own type.
-TEST_F(GenerateWorkbookTest, MacroTemplateRefusesAnXlsxTarget) {
-  AddPlacement("+A1", 1, 1);
-  inputs.templateFile = "Lista.XLSM";
-  recording.AddWorkbookFile(EnginePath(std::string(kFolder) + "\\Lista.XLSM"), {"Common", "Mall"});
-  dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsx")};
-  const auto outcome = Generate();
-  EXPECT_FALSE(outcome.completed);
-  EXPECT_THAT(recording.lines(), IsEmpty());
-  EXPECT_THAT(outcome.savedFiles, IsEmpty());
-  ASSERT_EQ(dialogs.messages.size(), 1u);
-  EXPECT_EQ(dialogs.messages[0].title, "Fel");
-  EXPECT_EQ(dialogs.messages[0].text,
-            "Mallen Lista.XLSM innehåller makron, som inte kan sparas i en .xlsx-fil.\r"
-            "Ange ett filnamn som slutar på .xlsm.");
-
-  dialogs.messages.clear();
-  dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsm")};
-  EXPECT_TRUE(Generate().completed);
-  EXPECT_THAT(dialogs.messages, IsEmpty());
 }
 
 // A template the engine will not open (here: its styles part is named but missing) is refused before
@@ -469,21 +446,6 @@ TEST_F(GenerateWorkbookTest, DamagedTemplateIsRefusedBeforeTheTargetIsAskedFor) 
   EXPECT_EQ(dialogs.messages[0].text, "Arbetsboken " + EnginePath(inputs.templateFolder + "\\Lista.xlsx") +
                                           " är skadad: delen xl/styles.xml, som xl/workbook.xml hänvisar "
                                           "till, saknas.");
-}
-
-// The engine writes Open XML: a target whose extension promises the binary format is refused once
-// chosen, before Excel is started.
-TEST_F(GenerateWorkbookTest, TargetNamedForAnotherFormatIsRefused) {
-  AddPlacement("+A1", 1, 1);
-  dialogs.fileAnswers = {std::string("C:\\Rapporter\\Pump.xlsb")};
-  const auto outcome = Generate();
-  EXPECT_FALSE(outcome.completed);
-  EXPECT_THAT(recording.lines(), IsEmpty());
-  EXPECT_THAT(outcome.savedFiles, IsEmpty());
-  ASSERT_EQ(dialogs.messages.size(), 1u);
-  EXPECT_EQ(dialogs.messages[0].text,
-            "Filen C:\\Rapporter\\Pump.xlsb kan inte skapas: ändelsen .xlsb anger ett annat format än den "
-            "arbetsbok som skrivs.\rAnge ett filnamn som slutar på .xlsx eller .xlsm.");
 }
 
 }  // namespace

@@ -88,12 +88,6 @@ class GenerationFixture {
 
   GenerationOutcome Generate() { return GenerateWorkbook(inputs, definition, state, services); }
 
-  // The recorded lines from `first` on.
-  std::vector<std::string> Lines(std::size_t first = 0) const {
-    const auto& lines = recording.lines();
-    return std::vector<std::string>(lines.begin() + static_cast<long>(std::min(first, lines.size())),
-                                    lines.end());
-  }
   std::string Setting(const std::string& key) { return settings.GetAppSetting(key, "<none>"); }
   std::vector<std::string> MessageTexts() const {
     std::vector<std::string> texts;

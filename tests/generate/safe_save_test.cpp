@@ -182,6 +182,11 @@ TEST_P(FailedRunTest, LeavesTemplateAndEarlierResultsAsTheyWereAndSaysSo) {
                   " är själva mallen och kan inte skrivas över.\rAnge annat filnamn.");
     EXPECT_FALSE(run.state.excelApp);
   }
+  if (trouble == Trouble::kCorruptTemplate) {
+    // Told as the file error it is, with no error number of the run's own.
+    EXPECT_THAT(run.MessageTexts().back(), ::testing::StartsWith("Filfel: "));
+    EXPECT_THAT(run.MessageTexts().back(), ::testing::Not(HasSubstr("91 - ")));
+  }
   if (trouble >= Trouble::kFirstWrite) {
     EXPECT_THAT(run.MessageTexts().back(), HasSubstr("disken är full")) << run.MessageTexts().back();
     // Named as the user knows it, not by the temporary name it is first written under.
@@ -252,6 +257,7 @@ TEST(SafeSaveTest, RunsThatWriteIntoTheTemplateKeepItsContentBesideItFirst) {
     const std::string before = *base::ReadWholeFile(run.templates / "Lista.xlsx");
     const auto outcome = run.Generate();
     EXPECT_TRUE(outcome.completed) << ::testing::PrintToString(run.MessageTexts());
+    EXPECT_THAT(outcome.savedFiles, ::testing::ElementsAre(run.inputs.templateFolder + "\\Lista.xlsx"));
     ASSERT_THAT(outcome.templateBackup, HasSubstr("Lista (kopia före körning "));
     EXPECT_EQ(*base::ReadWholeFile(base::ResolveWindowsPath(outcome.templateBackup)), before);
     EXPECT_NE(*base::ReadWholeFile(run.templates / "Lista.xlsx"), before);
@@ -268,21 +274,6 @@ TEST(SafeSaveTest, RunsThatWriteIntoTheTemplateKeepItsContentBesideItFirst) {
     ASSERT_FALSE(second.templateBackup.empty());
     EXPECT_EQ(*base::ReadWholeFile(base::ResolveWindowsPath(second.templateBackup)), before);
   }
-}
-
-TEST(SafeSaveTest, CommandLineRefusesRunsThatWouldWriteIntoTheTemplate) {
-  SafeSaveRun run(Mode::kDynamic);
-  run.inputs.singleSheet = true;
-  run.services.mayWriteIntoTemplate = false;
-  const auto templatesBefore = Snapshot(run.templates);
-  const auto outcome = run.Generate();
-  EXPECT_FALSE(outcome.completed);
-  EXPECT_THAT(
-      run.MessageTexts(),
-      ::testing::ElementsAre("Fel: Mallen har dynamisk sidlängd och ger inga sidor att spara var för "
-                             "sig: en fil per sida skulle spara över själva mallen.\rGenerera utan en "
-                             "fil per sida."));
-  EXPECT_EQ(Snapshot(run.templates), templatesBefore);
 }
 
 // The user stops a run from the window as its pages are begun: nothing more is written, the earlier

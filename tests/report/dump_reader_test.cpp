@@ -155,14 +155,12 @@ TEST(DumpReader, ProgressReportsLineCountThenAboutEveryPercentAndTheLastLine) {
   EXPECT_EQ(progress.steps.back(), 249);
   EXPECT_LE(progress.steps.size(), 126u);
   EXPECT_TRUE(std::is_sorted(progress.steps.begin(), progress.steps.end()));
-}
 
-TEST(DumpReader, ProgressOfAnEmptyDumpStillBeginsAndEnds) {
-  ReportTable table;
-  RecordingProgress progress;
-  LoadDumpText(table, "", &progress);
-  EXPECT_EQ(progress.calls, (std::vector<std::string>{"Begin 0", "End"}));
-  EXPECT_TRUE(progress.steps.empty());
+  // An empty dump still begins and ends.
+  RecordingProgress empty;
+  LoadDumpText(table, "", &empty);
+  EXPECT_EQ(empty.calls, (std::vector<std::string>{"Begin 0", "End"}));
+  EXPECT_TRUE(empty.steps.empty());
 }
 
 }  // namespace

@@ -29,12 +29,6 @@ TEST(OverlaySettings, OverridesAnswerReadsAndWritesReachTheStore) {
   EXPECT_EQ(settings.GetAppSetting("UseSlashTwo", "1"), "1");
 }
 
-}  // namespace
-}  // namespace sw::settings
-
-namespace sw::settings {
-namespace {
-
 TEST(ReadOnlyOverlayTest, ReadsThroughAndDropsWrites) {
   testing::MemorySettings store;
   store.SaveAppSetting("LastVoltDmp", "C:\\a.txt");

@@ -64,6 +64,8 @@ TEST(ProfileReaderTest, SectionCallReturnsTrimmedLinesAndStringCallStripsOnePair
       "[section1]\r\nname1=val1\r\nname2=\r\n  name3  \r\n\r\n   \r\nname4 = val4\r\nq=\"quoted\"\r\n");
   EXPECT_EQ(profile.Section("section1").lines,
             (Lines{"name1=val1", "name2=", "name3", "name4=val4", "q=\"quoted\""}));
+  // Every line is listed, lines with an empty name one after another too.
+  EXPECT_EQ(ProfileText::Parse("[S]\r\n=1\r\n=2\r\nA=3\r\n").Section("S").lines, (Lines{"=1", "=2", "A=3"}));
   ExpectValues({
       {"[S]\nk=\"v\"\n", "S", "k", "v"},
       {"[S]\nk='v'\n", "S", "k", "v"},

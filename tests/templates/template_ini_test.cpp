@@ -228,23 +228,6 @@ TEST_F(TemplateIniTest, ValidationFillsTheDefinition) {
   EXPECT_EQ(definition_.TemplateSheetName, "Sida");
 }
 
-TEST_F(TemplateIniTest, WorkbookPairsWithItsIniIgnoringCase) {
-  WriteIni("[Common]\nProjekt=C3|P1\n", "report.ini");
-  dir_.Write("REPORT.XLSM", "");
-  dir_.Write("Plan.xlsx", "");
-  const auto paired = FindIniForTemplate(Folder(), "REPORT.XLSM");
-  EXPECT_TRUE(paired.outcome);
-  EXPECT_EQ(paired.iniPath, Folder() + "\\report.ini");
-  EXPECT_TRUE(paired.outcome.notices.empty());
-
-  const auto unpaired = FindIniForTemplate(Folder(), "Plan.xlsx");
-  EXPECT_FALSE(unpaired.outcome);
-  EXPECT_EQ(unpaired.iniPath, "");
-  EXPECT_EQ(unpaired.outcome.notices,
-            (std::vector<base::Notice>{{"Excel-rapportmallen saknar nödvändig tillhörande INI-fil", "Fel",
-                                        MessageIcon::kInformation}}));
-}
-
 TEST_F(TemplateIniTest, PairingWalksEveryFileInNameOrder) {
   struct Case {
     std::vector<const char*> files;
@@ -252,6 +235,7 @@ TEST_F(TemplateIniTest, PairingWalksEveryFileInNameOrder) {
     const char* paired;  // "" when none pairs
   };
   for (const auto& c : std::vector<Case>{
+           {{"report.ini", "REPORT.XLSM", "Plan.xlsx"}, "REPORT.XLSM", "report.ini"},  // ignoring case
            {{"plan", "PLAN.ini"}, "Plan.xlsx", "plan"},  // no extension, and first in name order
            {{"Plan.INI.ini", "Plan.txt"}, "Plan.xls", "Plan.INI.ini"},
            {{"Plan.ini.txt", "Plan.xlsx"}, "Plan.xlsx", ""},
@@ -264,6 +248,10 @@ TEST_F(TemplateIniTest, PairingWalksEveryFileInNameOrder) {
     const auto pairing = FindIniForTemplate(folder, c.workbook);
     EXPECT_EQ(static_cast<bool>(pairing.outcome), *c.paired != 0) << c.workbook;
     EXPECT_EQ(pairing.iniPath, *c.paired ? folder + "\\" + c.paired : "") << c.workbook;
+    const base::Notice unpaired{"Excel-rapportmallen saknar nödvändig tillhörande INI-fil", "Fel",
+                                MessageIcon::kInformation};
+    EXPECT_EQ(pairing.outcome.notices, *c.paired ? std::vector<base::Notice>() : std::vector{unpaired})
+        << c.workbook;
   }
 }
 
