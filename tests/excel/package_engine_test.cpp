@@ -94,6 +94,7 @@ std::string TemplateWith(const char* name, const std::string& part, const std::s
   return package.ToZip();
 }
 
+// A file that is no zip archive at all is refused by its first bytes: HugeFiles.
 TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
   const std::string workbookRel =
       "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
@@ -104,12 +105,10 @@ TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
     const char* says;
   };
   const std::vector<Case> cases = {
-      {"binary .xls", std::string("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + std::string(500, '\0'), ".xls"},
       {"strict",
        TemplateWith("title_block.xlsx", "_rels/.rels", workbookRel,
                     "http://purl.oclc.org/ooxml/officeDocument/relationships/officeDocument"),
        "Strikt"},
-      {"text", "Kabel\tFrån\r\n", "inte en Excel-arbetsbok"},
       {"document",
        TemplateWith("title_block.xlsx", "[Content_Types].xml", "spreadsheetml.sheet.main+xml",
                     "wordprocessingml.document.main+xml"),
