@@ -102,15 +102,8 @@ TEST_F(WindowsOnlyComEngineTest, MembersReachTheObjectModelByNameAndExcelStaysOp
     page.Rows("12:12").Select();
     app->ActiveSheet().HPageBreaks().Add(app->ActiveCell());
     EXPECT_EQ(page.HPageBreaks().Count(), 1);
-    page.Rows("11:11").Select();
-    app->Selection().Copy();
-    page.Rows("12:14").Select();
-    app->Selection().PasteSpecial(XlPasteType::xlPasteFormats);
-    page.Cells(15, 1).Select();
-    app->Selection().Borders(XlBordersIndex::xlEdgeBottom).SetWeight(XlBorderWeight::xlMedium);
-    app->SetCutCopyMode(false);
-    page.Cells().EntireColumn().AutoFit();
-    page.Range("A1").EntireColumn().AutoFit();
+    // Copying formats, lines and CutCopyMode reach Excel in the runs of a dynamic-length template:
+    // WindowsOnlyComGeneration; AutoFit in the dump's import.
     EXPECT_EQ(app->Workbooks().Count(), 1);
     book.SaveAs(Path("Lista.xlsx"));
     EXPECT_EQ(book.FullName(), Path("Lista.xlsx"));
@@ -170,6 +163,7 @@ TEST_F(WindowsOnlyComEngineTest, OpenTextPassesEveryArgumentByNameAndTheDumpOpen
   EXPECT_EQ(sheet.Cells(2, 4).Value(), "\xC3\x83\xE2\x80\xA6;b,c d");
   sheet.Cells().Select();
   sheet.Cells().EntireColumn().AutoFit();
+  sheet.Range("A1").EntireColumn().AutoFit();
   sheet.Range("A1").Select();
 }
 

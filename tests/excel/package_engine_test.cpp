@@ -332,20 +332,17 @@ TEST_F(PackageEngineTest, CopiesGetTheirOwnCommentShapesAndTables) {
   EXPECT_EQ(book.Sheets().Item(3).Name(), "Mall (2)");
   EXPECT_EQ(book.Sheets().Item(3).Cells(8, 9).Value(), "");
   Package saved = Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx"));
-  std::vector<std::string> idmaps, tableNames, shapeIds;
+  // Unique idmap blocks and table ids the package linter checks: external_readers_test.
+  std::vector<std::string> tableNames, shapeIds;
   for (const auto& part : saved.PartNames()) {
     const std::string& text = saved.Bytes(part);
-    if (part.ends_with(".vml")) {
-      idmaps.push_back(text.substr(text.find("data=\"") + 6, 1));
-      shapeIds.push_back(text.substr(text.find("_x0000_s"), 12));
-    }
+    if (part.ends_with(".vml")) shapeIds.push_back(text.substr(text.find("_x0000_s"), 12));
     if (part.starts_with("xl/tables/")) {
       auto& table = saved.Xml(part);
       tableNames.push_back(std::string(table.document_element().attribute("displayName").value()) + "#" +
                            table.document_element().attribute("id").value());
     }
   }
-  EXPECT_EQ(idmaps, (std::vector<std::string>{"1", "2", "3"}));
   EXPECT_EQ(shapeIds, (std::vector<std::string>{"_x0000_s1026", "_x0000_s2050", "_x0000_s3074"}));
   EXPECT_EQ(tableNames, (std::vector<std::string>{"Kabeltyper#1", "Kabeltyper1#2", "Kabeltyper2#3"}));
   EXPECT_NE(saved.Bytes("xl/worksheets/sheet3.xml").find("Kabeltyper1[Antal]"), std::string::npos);
