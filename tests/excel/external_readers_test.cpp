@@ -192,22 +192,6 @@ TEST_F(LibreOfficeTest, ConvertsToPdf) {
   }
 }
 
-// LibreOffice does not recalculate a workbook from Excel on load; what it shows for a page's
-// formulas is what the file gives it, so a page copied from the template must not show the
-// template's results.
-TEST_F(LibreOfficeTest, ShowsFormulasOfCopiedPagesWithTheWrittenValues) {
-  ASSERT_TRUE(HaveLibreOffice()) << "libreoffice-calc-nogui is missing (scripts/setup.sh installs it)";
-  const fs::path out = folder_->path() / "csv";
-  const auto result = Convert(kCsv, out, {Pages()});
-  ASSERT_EQ(result.status, 0) << result.output;
-  for (const char* page : {"1", "3"}) {
-    const fs::path csv = out / (std::string("Lista-") + page + ".csv");
-    ASSERT_TRUE(fs::exists(csv)) << result.output;
-    const std::string text = ReadText(csv);
-    EXPECT_NE(text.find("\nProjekt,Ställverk 8 & <ny>,"), std::string::npos) << csv << ":\n" << text;
-  }
-}
-
 TEST_F(ExternalReadersTest, OpenpyxlFindsEveryPageReferringToItself) {
   ASSERT_TRUE(HaveOpenpyxl()) << "python3-openpyxl or python3-pil is missing (scripts/setup.sh installs it)";
   const auto result = RunPython(

@@ -6,12 +6,8 @@
 // cross into Excel's process.
 #include <oaidl.h>
 
-#include <map>
 #include <memory>
-#include <set>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace sw::excel::testing {
 
@@ -36,17 +32,12 @@ class FakeExcel {
   HRESULT CreateApplication(IDispatch** application);
 
   // Calls that crossed the interface: Invoke and GetIDsOfNames.
-  int invokes() const;
-  int nameLookups() const;
+  int crossings() const;
   int CallsOf(const std::string& member) const;  // Invokes of one member ("Value=" for puts)
   // References handed out and not yet released.
   int ReferencesHeldOutside() const;
   bool visible() const;
   bool userControl() const;
-  // The named arguments of the last OpenText call, as text ("FieldInfo" as "1:2,2:2,...").
-  const std::map<std::string, std::string>& lastOpenText() const;
-  // Cells given a text Excel would have taken for a number, as "Sheet!A1".
-  const std::vector<std::string>& typedAsNumbers() const;
 
  private:
   std::unique_ptr<FakeState> state_;

@@ -69,26 +69,15 @@ TEST_F(PackageEngineTest, GeneratesPagesLikeExcel) {
   app_.SetCutCopyMode(false);
   book.Save();
 
+  // The sheets, their print areas and titles as readers find them: external_readers_test.
   Package saved = Saved(target);
-  auto& workbook = saved.Xml("xl/workbook.xml");
-  std::vector<std::string> names;
-  for (auto sheet : workbook.document_element().child("sheets").children("sheet")) {
-    names.push_back(sheet.attribute("name").value());
-  }
-  EXPECT_EQ(names, (std::vector<std::string>{"Common", "Mall", "1", "2", "3"}));
-  std::vector<std::string> definedNames;
-  for (auto name : workbook.document_element().child("definedNames").children("definedName")) {
-    definedNames.push_back(std::string(name.attribute("name").value()) + "@" +
-                           name.attribute("localSheetId").value() + "=" + name.text().get());
-  }
-  EXPECT_EQ(definedNames, (std::vector<std::string>{
-                              "_xlnm.Print_Area@1=Mall!$A$1:$F$40", "_xlnm.Print_Area@2='1'!$A$1:$F$40",
-                              "_xlnm.Print_Area@3='2'!$A$1:$F$40", "_xlnm.Print_Area@4='3'!$A$1:$F$40",
-                              "_xlnm.Print_Titles@1=Mall!1:9", "_xlnm.Print_Titles@2='1'!1:9",
-                              "_xlnm.Print_Titles@3='2'!1:9", "_xlnm.Print_Titles@4='3'!1:9"}));
-  EXPECT_STREQ(
-      workbook.document_element().child("bookViews").child("workbookView").attribute("activeTab").value(),
-      "4");
+  EXPECT_STREQ(saved.Xml("xl/workbook.xml")
+                   .document_element()
+                   .child("bookViews")
+                   .child("workbookView")
+                   .attribute("activeTab")
+                   .value(),
+               "4");
 }
 
 std::string Replace(std::string text, std::string_view from, std::string_view to) {
@@ -105,6 +94,7 @@ std::string TemplateWith(const char* name, const std::string& part, const std::s
   return package.ToZip();
 }
 
+// A file that is no zip archive at all is refused by its first bytes: HugeFiles.
 TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
   const std::string workbookRel =
       "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
@@ -115,12 +105,10 @@ TEST_F(PackageEngineTest, RefusesWhatIsNotAnOrdinaryWorkbookAndWritesNothing) {
     const char* says;
   };
   const std::vector<Case> cases = {
-      {"binary .xls", std::string("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + std::string(500, '\0'), ".xls"},
       {"strict",
        TemplateWith("title_block.xlsx", "_rels/.rels", workbookRel,
                     "http://purl.oclc.org/ooxml/officeDocument/relationships/officeDocument"),
        "Strikt"},
-      {"text", "Kabel\tFrån\r\n", "inte en Excel-arbetsbok"},
       {"document",
        TemplateWith("title_block.xlsx", "[Content_Types].xml", "spreadsheetml.sheet.main+xml",
                     "wordprocessingml.document.main+xml"),
@@ -344,20 +332,17 @@ TEST_F(PackageEngineTest, CopiesGetTheirOwnCommentShapesAndTables) {
   EXPECT_EQ(book.Sheets().Item(3).Name(), "Mall (2)");
   EXPECT_EQ(book.Sheets().Item(3).Cells(8, 9).Value(), "");
   Package saved = Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx"));
-  std::vector<std::string> idmaps, tableNames, shapeIds;
+  // Unique idmap blocks and table ids the package linter checks: external_readers_test.
+  std::vector<std::string> tableNames, shapeIds;
   for (const auto& part : saved.PartNames()) {
     const std::string& text = saved.Bytes(part);
-    if (part.ends_with(".vml")) {
-      idmaps.push_back(text.substr(text.find("data=\"") + 6, 1));
-      shapeIds.push_back(text.substr(text.find("_x0000_s"), 12));
-    }
+    if (part.ends_with(".vml")) shapeIds.push_back(text.substr(text.find("_x0000_s"), 12));
     if (part.starts_with("xl/tables/")) {
       auto& table = saved.Xml(part);
       tableNames.push_back(std::string(table.document_element().attribute("displayName").value()) + "#" +
                            table.document_element().attribute("id").value());
     }
   }
-  EXPECT_EQ(idmaps, (std::vector<std::string>{"1", "2", "3"}));
   EXPECT_EQ(shapeIds, (std::vector<std::string>{"_x0000_s1026", "_x0000_s2050", "_x0000_s3074"}));
   EXPECT_EQ(tableNames, (std::vector<std::string>{"Kabeltyper#1", "Kabeltyper1#2", "Kabeltyper2#3"}));
   EXPECT_NE(saved.Bytes("xl/worksheets/sheet3.xml").find("Kabeltyper1[Antal]"), std::string::npos);
@@ -465,12 +450,14 @@ TEST_F(PackageEngineTest, WritesBetweenOtherEditsLandWhereTheyWereWritten) {
       {"A39", "a39"}, {"A40", "a40"}, {"A41", ""},    {"B42", ""},   {"C41", "c41"},
       {"C42", "c42"}, {"A43", "a43"}, {"A44", "a44"}, {"A45", "a45"}};
   for (const auto& [address, text] : expected) EXPECT_EQ(first.Range(address).Value(), text) << address;
-  for (int i = 2; i <= sheets.Count(); ++i) EXPECT_EQ(sheets.Item(i).Cells(50, 1).Value(), "s" + std::to_string(i));
+  for (int i = 2; i <= sheets.Count(); ++i)
+    EXPECT_EQ(sheets.Item(i).Cells(50, 1).Value(), "s" + std::to_string(i));
 
   // The rows stay in order in the file.
   Package package = Package::FromZip(engine().SaveToBytes(book.id(), ".xlsx"));
   int previous = 0;
-  for (const auto row : package.Xml("xl/worksheets/sheet1.xml").document_element().child("sheetData").children("row")) {
+  for (const auto row :
+       package.Xml("xl/worksheets/sheet1.xml").document_element().child("sheetData").children("row")) {
     EXPECT_LT(previous, row.attribute("r").as_int());
     previous = row.attribute("r").as_int();
   }
@@ -587,13 +574,9 @@ TEST_F(PackageEngineTest, OpenTextTakesEveryKindOfLineEnd) {
   options.fileName = temp_.Write("Rader.txt", "a\n\nb\r\n\r\nc\rd\n").string();
   app_.Workbooks().OpenText(options);
   Sheet sheet = app_.ActiveWorkbook().Sheets().Item(1);
-  EXPECT_EQ(sheet.Cells(1, 1).Value(), "a");
-  EXPECT_EQ(sheet.Cells(2, 1).Value(), "");
-  EXPECT_EQ(sheet.Cells(3, 1).Value(), "b");
-  EXPECT_EQ(sheet.Cells(4, 1).Value(), "");
-  EXPECT_EQ(sheet.Cells(5, 1).Value(), "c");
-  EXPECT_EQ(sheet.Cells(6, 1).Value(), "d");
-  EXPECT_EQ(sheet.Cells(7, 1).Value(), "");
+  int row = 0;
+  for (const char* text : {"a", "", "b", "", "c", "d", ""})
+    EXPECT_EQ(sheet.Cells(++row, 1).Value(), text) << row;
 }
 
 TEST_F(PackageEngineTest, OpenTextGivesGeneralColumnsExcelsNumbers) {

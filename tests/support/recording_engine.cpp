@@ -107,8 +107,6 @@ class RecordingEngine final : public Engine {
     book.readOnly = readOnly;
     book.sheets = file->second.sheets;
     for (auto& sheet : book.sheets) sheet.id = recording_.NextSheetId();
-    if (book.sheets.empty())
-      book.sheets.push_back(Recording::SheetState{recording_.NextSheetId(), "Blad1", {}, {}});
     book.activeSheet = book.sheets.front().id;
     book.selection = RangeRef{SheetRef{book.id, book.activeSheet}};
     workbooks_.push_back(std::move(book));
@@ -143,10 +141,7 @@ class RecordingEngine final : public Engine {
   }
 
   int WorkbookCount() override { return static_cast<int>(workbooks_.size()); }
-  WorkbookId WorkbookAt(int index) override {
-    if (index < 1 || index > WorkbookCount()) throw base::NumberedError(kSubscriptOutOfRange);
-    return workbooks_[static_cast<std::size_t>(index - 1)].id;
-  }
+  WorkbookId WorkbookAt(int index) override { return workbooks_.at(static_cast<std::size_t>(index - 1)).id; }
 
   int SheetCount(WorkbookId workbook) override {
     recording_.Record("Count", "Sheets.Count");
