@@ -118,8 +118,8 @@ void CommandBarsTest::menusListTheirEntriesInOrder() {
   QCOMPARE(titles, (QStringList{"&Arkiv", "&Visa", "Ver&ktyg", QString::fromUtf8("&Hjälp")}));
 
   const auto menu = [bar](int index) { return bar->actions().at(index)->menu(); };
-  QCOMPARE(Entries(menu(0)), (QStringList{"cmd201", "cmd202", "", "cmd203", "cmd204", "", "> &Senaste textfiler",
-                                          "", "cmd403", "cmd100"}));
+  QCOMPARE(Entries(menu(0)), (QStringList{"cmd201", "cmd202", "", "cmd203", "cmd204", "",
+                                          "> &Senaste textfiler", "", "cmd403", "cmd100"}));
   QCOMPARE(Entries(menu(1)), (QStringList{QString::fromUtf8("> &Verktygsfält"), "> &Utseende"}));
   QCOMPARE(Entries(SubMenu(menu(1), QString::fromUtf8("&Verktygsfält"))), QStringList{"cmd59392"});
   QCOMPARE(Entries(SubMenu(menu(1), QStringLiteral("&Utseende"))),
@@ -259,7 +259,8 @@ void CommandBarsTest::themesCheckOneEntryAndColourTheWindow() {
     const auto colours = sw::session::PaletteOf(theme);
     QCOMPARE(QApplication::palette().color(QPalette::Window), face);
     QCOMPARE(QApplication::palette().color(QPalette::Button), sw::gui::FromPackedColour(colours.button));
-    QCOMPARE(QApplication::palette().color(QPalette::Highlight), sw::gui::FromPackedColour(colours.highlight));
+    QCOMPARE(QApplication::palette().color(QPalette::Highlight),
+             sw::gui::FromPackedColour(colours.highlight));
     QCOMPARE(QApplication::style()->name(),
              QString::fromLatin1(theme.style == sw::session::ThemeStyle::kClassic ? "windows" : "fusion"));
   }

@@ -525,7 +525,8 @@ void MainWindowTest::generateSaysWhatItDoesAndStopsOnAvbryt() {
       [&] {
         // Typing into the window while it runs does nothing.
         QTest::keyClicks(window->findChild<QComboBox*>(QStringLiteral("cboSheetNo")), QStringLiteral("9"));
-        editorReached = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"))->currentText().contains('9');
+        editorReached =
+            window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"))->currentText().contains('9');
         window->close();
       },
   };
@@ -538,7 +539,8 @@ void MainWindowTest::generateSaysWhatItDoesAndStopsOnAvbryt() {
     QVERIFY(!stop);
     QCOMPARE(*sw::base::ReadWholeFile(target), std::string("det förra resultatet"));
     QCOMPARE(dialogs.messages.size(), std::size_t{1});
-    QCOMPARE(dialogs.messages[0].text, std::string("Genereringen avbröts. C:\\Ut\\Panel.xlsx är som före körningen."));
+    QCOMPARE(dialogs.messages[0].text,
+             std::string("Genereringen avbröts. C:\\Ut\\Panel.xlsx är som före körningen."));
     QCOMPARE(dialogs.messages[0].icon, sw::base::MessageIcon::kInformation);
     QVERIFY(started.opened.empty());
     QVERIFY(cancel->isHidden());

@@ -32,7 +32,8 @@ std::string Placements(int count, int fields = 3) {
     for (int row = 1; row <= 3; ++row) {
       dump += "\tX" + std::to_string(i);
       for (int field = 1; field < fields; ++field)
-        dump += "\tKabel " + std::to_string(i) + "." + std::to_string(row) + " f\xE4lt " + std::to_string(field);
+        dump +=
+            "\tKabel " + std::to_string(i) + "." + std::to_string(row) + " f\xE4lt " + std::to_string(field);
       dump += "\r\n";
     }
   }
@@ -211,7 +212,8 @@ void NavigationTest::dumpWrittenAgainIsOfferedOnceAndReloadedOnYes() {
 
   // Written once more: asked again, and "Ja" loads it with a new history.
   dialogs.answers.push_back(sw::base::MessageAnswer::kYes);
-  started.install.Write(kDump, "%+A1 Panel%\r\n\tX1\t1\tPump\r\n%+B7 Ny%\r\n\tX2\t1\tMotor\r\n\tX2\t2\tLampa\r\n");
+  started.install.Write(kDump,
+                        "%+A1 Panel%\r\n\tX1\t1\tPump\r\n%+B7 Ny%\r\n\tX2\t1\tMotor\r\n\tX2\t2\tLampa\r\n");
   QTRY_COMPARE_WITH_TIMEOUT(Questions(started), 2, 5000);
   QTRY_COMPARE(Column0(started, 3), QStringLiteral("+B7 Ny"));
   QVERIFY(!started.window->Command(sw::gui::kCommandUndo)->isEnabled());

@@ -3,7 +3,6 @@
 #include <QTest>
 #include <filesystem>
 
-#include "base/file_io.h"
 #include "gui/report_table_model.h"
 
 namespace sw::testing {
@@ -50,18 +49,6 @@ void StartedWindow::Reopen() {
 
 StartedWindow::~StartedWindow() {
   window.reset();
-}
-
-std::vector<std::string> StartedWindow::LogMessages() const {
-  std::vector<std::string> messages;
-  const auto text = base::ReadWholeFile(log.FilePath()).value_or("");
-  for (std::size_t start = 0; start < text.size();) {
-    const auto end = text.find("\r\n", start);
-    const auto line = text.substr(start, end - start);
-    messages.push_back(line.substr(line.find('\t') + 1));
-    start = end + 2;
-  }
-  return messages;
 }
 
 gui::PreviewGrid* StartedWindow::Grid() const {

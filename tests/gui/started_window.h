@@ -56,9 +56,6 @@ struct StartedWindow {
   // the restart after restoring the standard look) does; the previous window is closed first if open.
   void Reopen();
 
-  // The message column of the start log.
-  std::vector<std::string> LogMessages() const;
-
   gui::PreviewGrid* Grid() const;
   // Centre of report row `tableRow`, column `column`, in the grid's viewport.
   QPoint RowPoint(int tableRow, int column = 1) const;
