@@ -442,14 +442,6 @@ void CommandBarsTest::windowTakesCtrlVAndCtrlAButTextBoxesKeepThem() {
   QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
   QCOMPARE(box->text(), QStringLiteral("Kraft"));
   QCOMPARE(started.window->Session().Fields().entries[1].text, std::string("Kraft"));
-  // And in the editable pickers.
-  Command(started, 402)->trigger();
-  auto* dump = started.window->findChild<QComboBox*>(QStringLiteral("cboVoltDump"));
-  dump->lineEdit()->setFocus();
-  QTRY_VERIFY(dump->lineEdit()->hasFocus());
-  dump->lineEdit()->deselect();
-  QTest::keyClick(dump->lineEdit(), Qt::Key_A, Qt::ControlModifier);
-  QCOMPARE(dump->lineEdit()->selectedText(), dump->currentText());
   QCOMPARE(selectAll.count(), 1);
   QCOMPARE(paste.count(), 1);
 }

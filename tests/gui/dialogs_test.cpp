@@ -96,11 +96,9 @@ class DialogsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void optionsShowTheSettingsOnTheirTabs();
-  void reportBoxActsAtOnceAndCancelKeepsIt();
-  void okStoresTheFourInOrderAndRedrawsTheMarks();
+  void optionsOpenCentredOverTheWindowWithTheSettingsOnTheirTabs();
+  void optionsActAtOnceOrOnOkAndAvbrytDropsTheRest();
   void optionsPlacementComesBackAtLeastTheDefaultSizeOnTheScreen();
-  void optionsOpenCentredOverTheWindow();
   void messagesOpenOverTheWindowBeingStarted();
   void warningGoesOnWithOkAndStopsWithAvbrytOrItsNoMoreBox();
   void colouringFollowsTheNamePrefixes();
@@ -111,93 +109,94 @@ class DialogsTest : public QObject {
   void qtsOwnButtonsSpeakSwedish();
 };
 
-void DialogsTest::optionsShowTheSettingsOnTheirTabs() {
+void DialogsTest::optionsOpenCentredOverTheWindowWithTheSettingsOnTheirTabs() {
   StartedWindow started;
-  sw::gui::OptionsDialog dialog(started.window->Session(), started.settings, started.window.get());
-  QCOMPARE(dialog.windowTitle(), QStringLiteral("Alternativ"));
-  auto* tabs = Child<QTabWidget>(&dialog, "tabOptions");
-  QCOMPARE(tabs->count(), 2);
-  QCOMPARE(tabs->tabText(0), QStringLiteral("Generellt"));
-  QCOMPARE(tabs->tabText(1), QStringLiteral("Yttre Förbindningar"));
-  auto* frame = Child<QWidget>(&dialog, "fraOptions");
-  struct Box {
-    const char* name;
-    QString caption;
-    bool checked;
-  };
-  for (const Box& box :
-       {Box{"chkPageBreak", QStringLiteral("Visa sidbrytningar"), true},
-        Box{"chkShowWarning", QStringLiteral("Visa varning när enkelbladsfiler skapas"), true},
-        Box{"chkIncludeEmptyRows", QStringLiteral("Inkludera tomrader"), false},
-        Box{"chkUseSlashTwo", QStringLiteral("Visa avslutande /2"), true}}) {
-    auto* check = Child<QCheckBox>(frame, box.name);
-    QCOMPARE(check->text(), box.caption);
-    QCOMPARE(check->isChecked(), box.checked);
-  }
-  QCOMPARE(Child<QPushButton>(&dialog, "cmdOK")->text(), QStringLiteral("OK"));
-  QCOMPARE(Child<QPushButton>(&dialog, "cmdCancel")->text(), QStringLiteral("Avbryt"));
-  QVERIFY(!started.window->Session().Refreshing());
+  auto* window = started.window.get();
+  window->move(60, 40);
+  WhenModal([window](QDialog* dialog) {
+    QCOMPARE(dialog->objectName(), QStringLiteral("frmOptions"));
+    QCOMPARE(dialog->windowTitle(), QStringLiteral("Alternativ"));
+    const QPoint offCentre = dialog->frameGeometry().center() - window->frameGeometry().center();
+    QVERIFY2(std::abs(offCentre.x()) <= 16 && std::abs(offCentre.y()) <= 16,
+             qPrintable(QStringLiteral("%1,%2").arg(offCentre.x()).arg(offCentre.y())));
+    auto* tabs = Child<QTabWidget>(dialog, "tabOptions");
+    QCOMPARE(tabs->count(), 2);
+    QCOMPARE(tabs->tabText(0), QStringLiteral("Generellt"));
+    QCOMPARE(tabs->tabText(1), QStringLiteral("Yttre Förbindningar"));
+    auto* frame = Child<QWidget>(dialog, "fraOptions");
+    struct Box {
+      const char* name;
+      QString caption;
+      bool checked;
+    };
+    for (const Box& box :
+         {Box{"chkPageBreak", QStringLiteral("Visa sidbrytningar"), true},
+          Box{"chkShowWarning", QStringLiteral("Visa varning när enkelbladsfiler skapas"), true},
+          Box{"chkIncludeEmptyRows", QStringLiteral("Inkludera tomrader"), false},
+          Box{"chkUseSlashTwo", QStringLiteral("Visa avslutande /2"), true}}) {
+      auto* check = Child<QCheckBox>(frame, box.name);
+      QCOMPARE(check->text(), box.caption);
+      QCOMPARE(check->isChecked(), box.checked);
+    }
+    QCOMPARE(Child<QPushButton>(dialog, "cmdOK")->text(), QStringLiteral("OK"));
+    QCOMPARE(Child<QPushButton>(dialog, "cmdCancel")->text(), QStringLiteral("Avbryt"));
 
-  // The keyboard reaches every box and both buttons in order.
-  dialog.show();
-  QVERIFY(QTest::qWaitForWindowActive(&dialog));
-  Child<QCheckBox>(&dialog, "chkPageBreak")->setFocus(Qt::TabFocusReason);
-  QStringList reached;
-  for (int i = 0; i < 5; ++i) {
-    QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
-    reached << dialog.focusWidget()->objectName();
-  }
-  QCOMPARE(reached,
-           (QStringList{"chkShowWarning", "chkIncludeEmptyRows", "chkUseSlashTwo", "cmdOK", "cmdCancel"}));
+    // The keyboard reaches every box and both buttons in order.
+    Child<QCheckBox>(dialog, "chkPageBreak")->setFocus(Qt::TabFocusReason);
+    QStringList reached;
+    for (int i = 0; i < 5; ++i) {
+      QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+      reached << dialog->focusWidget()->objectName();
+    }
+    QCOMPARE(reached,
+             (QStringList{"chkShowWarning", "chkIncludeEmptyRows", "chkUseSlashTwo", "cmdOK", "cmdCancel"}));
+    dialog->reject();
+  });
+  window->Command(sw::gui::kCommandOptions)->trigger();
+  QVERIFY(!started.window->Session().Refreshing());
 }
 
-void DialogsTest::reportBoxActsAtOnceAndCancelKeepsIt() {
+// What each box stores and does is the session's (tests/session); here the boxes reach it: the report
+// boxes at once, the others on OK, and Avbryt drops what was not done at once.
+void DialogsTest::optionsActAtOnceOrOnOkAndAvbrytDropsTheRest() {
   // Started without the empty rows, so the reload shows them.
   StartedWindow started([](sw::testing::FakeInstallation& install) {
     install.settings.SaveAppSetting("IncludeEmptyRows", "0");
   });
-  auto& session = started.window->Session();
-  QVERIFY(!session.IncludeEmptyRows());
-  const std::size_t savedBefore = started.settings.saved.size();
-
-  sw::gui::OptionsDialog dialog(session, started.settings, started.window.get());
-  dialog.show();
-  QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-  Tick(Child<QCheckBox>(&dialog, "chkIncludeEmptyRows"));
-  // At once: the session has it (and reloads, tests/session), and the window's command follows.
-  QVERIFY(session.IncludeEmptyRows());
-  QVERIFY(started.window->Command(305)->isChecked());
-
-  Tick(Child<QCheckBox>(&dialog, "chkPageBreak"));  // dropped by Avbryt
-  QTest::keyClick(&dialog, Qt::Key_Escape);
-  QCOMPARE(dialog.result(), int(QDialog::Rejected));
-  QCOMPARE(SavedSince(started.settings, savedBefore), (List{"IncludeEmptyRows"}));
-  QVERIFY(session.IncludeEmptyRows());
-}
-
-void DialogsTest::okStoresTheFourInOrderAndRedrawsTheMarks() {
-  StartedWindow started;
+  auto* window = started.window.get();
+  auto& session = window->Session();
   const QAbstractItemModel* model = started.Grid()->model();
   QVERIFY(YellowRows(model) > 0);
-  const std::size_t savedBefore = started.settings.saved.size();
+  std::size_t savedBefore = started.settings.saved.size();
 
+  WhenModal([&](QDialog* dialog) {
+    Tick(Child<QCheckBox>(dialog, "chkIncludeEmptyRows"));
+    // At once: the session has it, and the window's command follows.
+    QVERIFY(session.IncludeEmptyRows());
+    QVERIFY(window->Command(305)->isChecked());
+    Tick(Child<QCheckBox>(dialog, "chkPageBreak"));  // dropped by Avbryt
+    QTest::keyClick(dialog, Qt::Key_Escape);
+  });
+  window->Command(sw::gui::kCommandOptions)->trigger();
+  QCOMPARE(SavedSince(started.settings, savedBefore), (List{"IncludeEmptyRows"}));
+  QVERIFY(session.IncludeEmptyRows());
+  QVERIFY(YellowRows(model) > 0);
+
+  // OK stores the four in order, then the dialog's placement, and the marks are drawn again.
+  savedBefore = started.settings.saved.size();
   WhenModal([](QDialog* dialog) {
-    QCOMPARE(dialog->objectName(), QStringLiteral("frmOptions"));
     Tick(Child<QCheckBox>(dialog, "chkPageBreak"));
     Tick(Child<QCheckBox>(dialog, "chkShowWarning"));
     QTest::keyClick(Child<QPushButton>(dialog, "cmdOK"), Qt::Key_Return);
   });
-  sw::gui::RunOptionsDialog(started.window.get(), started.window->Session(), started.settings);
-
+  window->Command(sw::gui::kCommandOptions)->trigger();
   QCOMPARE(
       SavedSince(started.settings, savedBefore),
       (List{"IncludeEmptyRows", "UseSlashTwo", "ShowSingleSheetWarning", "ShowPageBreaks", "frmOptions\\Top",
             "frmOptions\\Left", "frmOptions\\Height", "frmOptions\\Width", "frmOptions\\WinState"}));
-  // Which value each box stores is the session's (tests/session); the ticked two reach it.
-  auto& settings = started.install.settings;
-  QCOMPARE(settings.GetAppSetting("ShowSingleSheetWarning", ""), std::string("0"));
-  QCOMPARE(settings.GetAppSetting("ShowPageBreaks", ""), std::string("0"));
-  QCOMPARE(YellowRows(model), 0);  // the marks were drawn again, without page breaks
+  QCOMPARE(started.install.settings.GetAppSetting("ShowSingleSheetWarning", ""), std::string("0"));
+  QCOMPARE(started.install.settings.GetAppSetting("ShowPageBreaks", ""), std::string("0"));
+  QCOMPARE(YellowRows(model), 0);
 
   WhenModal([](QDialog* dialog) {
     auto* pageBreak = Child<QCheckBox>(dialog, "chkPageBreak");
@@ -206,7 +205,7 @@ void DialogsTest::okStoresTheFourInOrderAndRedrawsTheMarks() {
     Tick(pageBreak);
     Child<QPushButton>(dialog, "cmdOK")->click();
   });
-  sw::gui::RunOptionsDialog(started.window.get(), started.window->Session(), started.settings);
+  window->Command(sw::gui::kCommandOptions)->trigger();
   QVERIFY(YellowRows(model) > 0);
 }
 
@@ -222,20 +221,6 @@ void DialogsTest::optionsPlacementComesBackAtLeastTheDefaultSizeOnTheScreen() {
   QVERIFY(dialog.height() >= qRound(3900 / twips));
   const QRect area = dialog.screen()->availableGeometry();
   QVERIFY(area.contains(QRect(dialog.pos(), dialog.size())));
-}
-
-void DialogsTest::optionsOpenCentredOverTheWindow() {
-  StartedWindow started;
-  auto* window = started.window.get();
-  window->move(60, 40);
-  QPoint offCentre;
-  WhenModal([&offCentre, window](QDialog* dialog) {
-    offCentre = dialog->frameGeometry().center() - window->frameGeometry().center();
-    dialog->reject();
-  });
-  window->Command(sw::gui::kCommandOptions)->trigger();
-  QVERIFY2(std::abs(offCentre.x()) <= 16 && std::abs(offCentre.y()) <= 16,
-           qPrintable(QStringLiteral("%1,%2").arg(offCentre.x()).arg(offCentre.y())));
 }
 
 void DialogsTest::messagesOpenOverTheWindowBeingStarted() {

@@ -129,8 +129,7 @@ class MainWindowTest : public QObject {
   void droppedAndRecentDumpsLoad();
   void fieldBoxesCommitAndEnterMovesOn();
   void sheetNumberBoxTakesOnlyWhatItsFilterPasses();
-  void generateWritesTheWorkbookAndShowsIt();
-  void longRunsShowTheirProgressAndGenerationStopsOnAvbryt();
+  void generationAndTheDumpWorkbookShowTheirProgressAndResult();
   void viewSwitchDisablesGenerateForAnIniToEdit();
   void modelKeepsItsInvariants();
 };
@@ -424,40 +423,9 @@ void MainWindowTest::sheetNumberBoxTakesOnlyWhatItsFilterPasses() {
   QCOMPARE(window->Session().SheetNumbers().text, std::string("12345"));
 }
 
-void MainWindowTest::generateWritesTheWorkbookAndShowsIt() {
-  StartedWindow started(WithExampleTemplate);
-  auto& dialogs = started.install.dialogs;
-  const auto target = started.install.Host("Ut/Panel.xlsx");
-
-  // What the save dialog asks, and that cancelling it writes nothing, is generation's (tests/generate).
-  started.window->Command(sw::gui::kCommandGenerate)->trigger();
-  QCOMPARE(dialogs.fileRequests.size(), std::size_t{1});
-  QVERIFY(started.opened.empty());
-
-  dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
-  started.window->Command(sw::gui::kCommandGenerate)->trigger();
-  QVERIFY2(dialogs.messages.empty(), dialogs.messages.empty() ? "" : dialogs.messages[0].text.c_str());
-  QVERIFY(std::filesystem::file_size(target) > 0);
-  // Shown and opened with the platform's separators.
-  const std::string shown = std::filesystem::path(target).make_preferred().string();
-  QCOMPARE(started.opened, (List{shown}));
-  QVERIFY(started.window->statusBar()->currentMessage().contains(QString::fromStdString(shown)));
-
-  // Written again where no program opens it: the user is told that nothing shows it.
-  started.workbookOpens = false;
-  started.opened.clear();
-  dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel2.xlsx"));
-  started.window->Command(sw::gui::kCommandGenerate)->trigger();
-  const std::string second =
-      std::filesystem::path(started.install.Host("Ut/Panel2.xlsx")).make_preferred().string();
-  QCOMPARE(started.opened, (List{second}));
-  QCOMPARE(dialogs.messages.size(), std::size_t{1});
-  QCOMPARE(dialogs.messages[0].text, "Det gick inte att starta något program som kan öppna\r" + second);
-}
-
 // Generation and the dump written as a workbook run long over a dump of 400 rows: the window shows what
-// they do and takes no input meanwhile, and generation stops on "Avbryt".
-void MainWindowTest::longRunsShowTheirProgressAndGenerationStopsOnAvbryt() {
+// they do and takes no input meanwhile, generation stops on "Avbryt" and its workbook is shown.
+void MainWindowTest::generationAndTheDumpWorkbookShowTheirProgressAndResult() {
   StartedWindow started([](sw::testing::FakeInstallation& install) {
     WithExampleTemplate(install);
     std::string dump = "%+A1 Panel%\r\n";
@@ -496,7 +464,13 @@ void MainWindowTest::longRunsShowTheirProgressAndGenerationStopsOnAvbryt() {
   });
   probe.start();
 
-  // A run to its end tells the pages, then the save.
+  // What the save dialog asks, and that cancelling it writes nothing, is generation's (tests/generate).
+  window->Command(sw::gui::kCommandGenerate)->trigger();
+  QCOMPARE(dialogs.fileRequests.size(), std::size_t{1});
+  QVERIFY(started.opened.empty());
+
+  // A run to its end tells the pages, then the save; the workbook is opened and its name shown with the
+  // platform's separators.
   dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel2.xlsx"));
   window->Command(sw::gui::kCommandGenerate)->trigger();
   QVERIFY2(dialogs.messages.empty(), dialogs.messages.empty() ? "" : dialogs.messages[0].text.c_str());
@@ -504,7 +478,16 @@ void MainWindowTest::longRunsShowTheirProgressAndGenerationStopsOnAvbryt() {
                             QString::number(*window->Session().PagesOfGeneration())));
   QVERIFY(busyBarWhileSaving && hourglassAndBarMoving);
   QVERIFY(cancel->isHidden() && cancel->isEnabled());
-  QCOMPARE(started.opened.size(), std::size_t{1});
+  const std::string shown =
+      std::filesystem::path(started.install.Host("Ut/Panel2.xlsx")).make_preferred().string();
+  QCOMPARE(started.opened, (List{shown}));
+  QVERIFY(window->statusBar()->currentMessage().contains(QString::fromStdString(shown)));
+  // Where no program opens it, the user is told so.
+  started.workbookOpens = false;
+  dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel2.xlsx"));
+  window->Command(sw::gui::kCommandGenerate)->trigger();
+  QCOMPARE(dialogs.messages.size(), std::size_t{1});
+  QCOMPARE(dialogs.messages[0].text, "Det gick inte att starta något program som kan öppna\r" + shown);
 
   // Clicking "Avbryt" in the middle of a run: nothing is written over the earlier result, the user is
   // told so once (in generation's words, tests/generate), and the window is ready again. Esc does the
