@@ -39,10 +39,10 @@ std::string Setting(StartedWindow& started, const char* key, const char* section
   return started.install.settings.GetAppSetting(key, "<none>", section);
 }
 
-// The entries of a menu as "cmd<id>" (its caption is the command table's) or "> submenu title".
-QStringList Entries(const QMenu* menu) {
+// The entries of a menu or a toolbar as "cmd<id>" (its caption is the command table's) or "> submenu title".
+QStringList Entries(const QWidget* bar) {
   QStringList entries;
-  for (const QAction* action : menu->actions())
+  for (const QAction* action : bar->actions())
     entries << (action->menu() ? QStringLiteral("> ") + action->text() : action->objectName());
   return entries;
 }
@@ -93,9 +93,9 @@ class CommandBarsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void menusListTheirEntriesInOrder();
+  void menusAndToolbarsListTheirEntriesInOrder();
   void actionsShowTheCommandTable();
-  void toolbarsStandInOrderOfCreation();
+  void toolbarsStandTwoToARowWithEveryButtonInSight();
   void togglesStoreTheirStateAndFollowTheSession();
   void fixExportInsertsTheColumnAndDrawsTheMarks();
   void themesCheckOneEntryAndColourTheWindow();
@@ -108,14 +108,12 @@ class CommandBarsTest : public QObject {
   void keysWorkWithTheirToolbarHidden();
 };
 
-void CommandBarsTest::menusListTheirEntriesInOrder() {
+void CommandBarsTest::menusAndToolbarsListTheirEntriesInOrder() {
   StartedWindow started;
   QMenuBar* bar = started.window->menuBar();
   QCOMPARE(bar->objectName(), QStringLiteral("Meny"));
   QCOMPARE(bar->windowTitle(), QStringLiteral("Meny"));
-  QStringList titles;
-  for (const QAction* action : bar->actions()) titles << action->text();
-  QCOMPARE(titles, (QStringList{"&Arkiv", "&Visa", "Ver&ktyg", QString::fromUtf8("&Hjälp")}));
+  QCOMPARE(Entries(bar), (QStringList{"> &Arkiv", "> &Visa", "> Ver&ktyg", QString::fromUtf8("> &Hjälp")}));
 
   const auto menu = [bar](int index) { return bar->actions().at(index)->menu(); };
   QCOMPARE(Entries(menu(0)), (QStringList{"cmd201", "cmd202", "", "cmd203", "cmd204", "",
@@ -126,6 +124,18 @@ void CommandBarsTest::menusListTheirEntriesInOrder() {
            (QStringList{"cmd130", "cmd131", "cmd132", "cmd133", "cmd143", "cmd135"}));
   QCOMPARE(Entries(menu(2)), (QStringList{"cmd307", "cmd303", "cmd302", "cmd304"}));
   QCOMPARE(Entries(menu(3)), (QStringList{"cmd502", "cmd601"}));
+
+  // The toolbars, in order of creation.
+  QStringList titles;
+  for (QToolBar* toolbar : ToolBars(started)) titles << toolbar->windowTitle();
+  QCOMPARE(titles, (QStringList{"Standard", QString::fromUtf8("Utför"), "Utseende", "Filer",
+                                QString::fromUtf8("Av/På"), "VOLTARIS-rapport"}));
+  const auto bars = ToolBars(started);
+  QCOMPARE(Entries(bars[0]), (QStringList{"cmd307", "cmd303", "cmd302"}));
+  QCOMPARE(Entries(bars[1]), (QStringList{"cmd402", "cmd401", "cmd403"}));
+  QCOMPARE(Entries(bars[2]), (QStringList{"cmd130", "cmd131", "cmd132", "cmd133", "cmd143", "cmd135"}));
+  QCOMPARE(Entries(bars[4]), (QStringList{"cmd305", "cmd306", "cmd707", "cmd308"}));
+  QCOMPARE(Entries(bars[5]), (QStringList{"cmd704", "cmd706"}));
 }
 
 void CommandBarsTest::actionsShowTheCommandTable() {
@@ -149,23 +159,9 @@ void CommandBarsTest::actionsShowTheCommandTable() {
   }
 }
 
-void CommandBarsTest::toolbarsStandInOrderOfCreation() {
+void CommandBarsTest::toolbarsStandTwoToARowWithEveryButtonInSight() {
   StartedWindow started;
-  QStringList titles;
-  for (QToolBar* bar : ToolBars(started)) titles << bar->windowTitle();
-  QCOMPARE(titles, (QStringList{"Standard", QString::fromUtf8("Utför"), "Utseende", "Filer",
-                                QString::fromUtf8("Av/På"), "VOLTARIS-rapport"}));
-  const auto names = [](QToolBar* bar) {
-    QStringList list;
-    for (const QAction* action : bar->actions()) list << action->objectName();
-    return list;
-  };
   const auto bars = ToolBars(started);
-  QCOMPARE(names(bars[0]), (QStringList{"cmd307", "cmd303", "cmd302"}));
-  QCOMPARE(names(bars[1]), (QStringList{"cmd402", "cmd401", "cmd403"}));
-  QCOMPARE(names(bars[2]), (QStringList{"cmd130", "cmd131", "cmd132", "cmd133", "cmd143", "cmd135"}));
-  QCOMPARE(names(bars[4]), (QStringList{"cmd305", "cmd306", "cmd707", "cmd308"}));
-  QCOMPARE(names(bars[5]), (QStringList{"cmd704", "cmd706"}));
   // "Filer" hosts the template-directory picker under its caption.
   auto* picker = bars[3]->findChild<QComboBox*>(QStringLiteral("cboRdsDir"));
   QVERIFY(picker && picker->isVisible());
