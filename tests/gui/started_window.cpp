@@ -21,6 +21,8 @@ void WithExampleTemplate(FakeInstallation& install) {
 
 StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepare, bool withCadFiles)
     : install(withCadFiles) {
+  launcher.starts = false;
+  launcher.runSucceeds = false;
   if (prepare) prepare(install);
   Reopen();
 }
