@@ -141,16 +141,17 @@ void MainWindowTest::startUpShowsTheLastDumpAndCloseSavesInOrder() {
   QVERIFY(sw::base::ReadWholeFile(started.log.FilePath())->ends_with("\tMainform successfully loaded\r\n"));
 
   auto* window = started.window.get();
-  auto* rdsDir = window->findChild<QComboBox*>(QStringLiteral("cboRdsDir"));
-  auto* rdsFile = window->findChild<QComboBox*>(QStringLiteral("cboRdsFile"));
-  auto* voltDump = window->findChild<QComboBox*>(QStringLiteral("cboVoltDump"));
-  auto* sheetNo = window->findChild<QComboBox*>(QStringLiteral("cboSheetNo"));
-  QCOMPARE(rdsDir->currentText(), QStringLiteral("C:\\Projektmallar\\"));
-  QCOMPARE(rdsFile->currentText(), QStringLiteral("PANEL.xlsx"));
-  QCOMPARE(rdsFile->palette().color(QPalette::Button), QColor(255, 255, 192));
+  const auto picker = [window](const char* name) {
+    return window->findChild<QComboBox*>(QString::fromUtf8(name));
+  };
+  QCOMPARE(picker("cboRdsDir")->currentText(), QStringLiteral("C:\\Projektmallar\\"));
+  QCOMPARE(picker("cboRdsFile")->currentText(), QStringLiteral("PANEL.xlsx"));
+  QCOMPARE(picker("cboRdsFile")->palette().color(QPalette::Button), QColor(255, 255, 192));
   QVERIFY(window->findChild<QLabel*>(QStringLiteral("lblError"))->isHidden());
-  QCOMPARE(voltDump->currentText(), QStringLiteral("C:\\Temp\\VOLTARIS\\VOLTARIS ic\\volt_report.txt"));
-  QCOMPARE(sheetNo->currentText(), QStringLiteral("007"));  // REPORT_FIRST 7 padded to PageNoLen 3
+  QCOMPARE(picker("cboVoltDump")->currentText(),
+           QStringLiteral("C:\\Temp\\VOLTARIS\\VOLTARIS ic\\volt_report.txt"));
+  QCOMPARE(picker("cboSheetNo")->currentText(),
+           QStringLiteral("007"));  // REPORT_FIRST 7 padded to PageNoLen 3
   QCOMPARE(window->findChild<QLabel*>(QStringLiteral("lblField1"))->text(), QStringLiteral("Ritad av"));
 
   // The last dump is in the grid (gridShowsColoursPicturesAndHeadings), and the status bar counts it.
