@@ -12,7 +12,6 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
-#include <QWidgetAction>
 #include <filesystem>
 #include <new>
 #include <stdexcept>

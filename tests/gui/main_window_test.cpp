@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QContextMenuEvent>
+#include <QDebug>
 #include <QDir>
 #include <QHeaderView>
 #include <QLabel>
@@ -19,16 +20,12 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 
 #include "base/file_io.h"
 #include "base/system_colours.h"
-#include "gui/field_box.h"
 #include "gui/report_table_model.h"
-#include "report/colours.h"
 #include "started_window.h"
 #include "templates/short_date.h"
 
@@ -102,12 +99,9 @@ void DoubleClick(StartedWindow& started, QPoint point) {
 }
 
 QByteArray Where(const QRect& frame) {
-  return QStringLiteral("%1,%2 %3x%4")
-      .arg(frame.x())
-      .arg(frame.y())
-      .arg(frame.width())
-      .arg(frame.height())
-      .toUtf8();
+  QString text;
+  QDebug(&text) << frame;
+  return text.toUtf8();
 }
 
 QString StatusText(StartedWindow& started) {
