@@ -92,9 +92,7 @@ class CommandBarsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void menusAndToolbarsListTheirEntriesInOrder();
-  void actionsShowTheCommandTable();
-  void toolbarsStandTwoToARowWithEveryButtonInSight();
+  void menusAndToolbarsShowTheCommandTableInOrderTwoBarsToARow();
   void togglesStoreTheirStateAndRedrawTheGrid();
   void fixExportInsertsTheColumnAndDrawsTheMarks();
   void themesCheckOneEntryAndColourTheWindow();
@@ -107,7 +105,7 @@ class CommandBarsTest : public QObject {
   void keysWorkWithTheirToolbarHidden();
 };
 
-void CommandBarsTest::menusAndToolbarsListTheirEntriesInOrder() {
+void CommandBarsTest::menusAndToolbarsShowTheCommandTableInOrderTwoBarsToARow() {
   StartedWindow started;
   QMenuBar* bar = started.window->menuBar();
   QCOMPARE(bar->objectName(), QStringLiteral("Meny"));
@@ -135,32 +133,6 @@ void CommandBarsTest::menusAndToolbarsListTheirEntriesInOrder() {
   QCOMPARE(Entries(bars[2]), (QStringList{"cmd130", "cmd131", "cmd132", "cmd133", "cmd143", "cmd135"}));
   QCOMPARE(Entries(bars[4]), (QStringList{"cmd305", "cmd306", "cmd707", "cmd308"}));
   QCOMPARE(Entries(bars[5]), (QStringList{"cmd704", "cmd706"}));
-}
-
-void CommandBarsTest::actionsShowTheCommandTable() {
-  StartedWindow started;
-  for (const auto& text : sw::gui::CommandTexts()) {
-    QAction* action = Command(started, text.id);
-    const QByteArray where = QByteArray::number(text.id);
-    QVERIFY2(action->objectName() == QStringLiteral("cmd%1").arg(text.id), where);
-    QVERIFY2(action->text() == QString::fromStdString(text.caption), where);
-    if (!text.toolTip.empty()) QVERIFY2(action->toolTip() == QString::fromStdString(text.toolTip), where);
-    QVERIFY2(action->statusTip() == QString::fromStdString(text.description), where);
-    QVERIFY2(action->isCheckable() == text.checkable, where);
-    QVERIFY2(action->shortcut().toString(QKeySequence::PortableText) == QString::fromStdString(text.shortcut),
-             where);
-    for (QToolBar* bar : ToolBars(started)) {
-      if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(action))) {
-        const std::string& shown = text.toolbarCaption.empty() ? text.caption : text.toolbarCaption;
-        QVERIFY2(button->text() == QString::fromStdString(shown), where);
-      }
-    }
-  }
-}
-
-void CommandBarsTest::toolbarsStandTwoToARowWithEveryButtonInSight() {
-  StartedWindow started;
-  const auto bars = ToolBars(started);
   // "Filer" hosts the template-directory picker under its caption.
   auto* picker = bars[3]->findChild<QComboBox*>(QStringLiteral("cboRdsDir"));
   QVERIFY(picker && picker->isVisible());
@@ -183,7 +155,27 @@ void CommandBarsTest::toolbarsStandTwoToARowWithEveryButtonInSight() {
     for (QAction* action : bars[i]->actions())
       QVERIFY2(bars[i]->widgetForAction(action)->isVisible(), qPrintable(action->objectName()));
   }
+
+  // Every command shows the command table's texts, on its toolbar button too.
+  for (const auto& text : sw::gui::CommandTexts()) {
+    QAction* action = Command(started, text.id);
+    const QByteArray where = QByteArray::number(text.id);
+    QVERIFY2(action->objectName() == QStringLiteral("cmd%1").arg(text.id), where);
+    QVERIFY2(action->text() == QString::fromStdString(text.caption), where);
+    if (!text.toolTip.empty()) QVERIFY2(action->toolTip() == QString::fromStdString(text.toolTip), where);
+    QVERIFY2(action->statusTip() == QString::fromStdString(text.description), where);
+    QVERIFY2(action->isCheckable() == text.checkable, where);
+    QVERIFY2(action->shortcut().toString(QKeySequence::PortableText) == QString::fromStdString(text.shortcut),
+             where);
+    for (QToolBar* toolbar : bars) {
+      if (auto* button = qobject_cast<QToolButton*>(toolbar->widgetForAction(action))) {
+        const std::string& shown = text.toolbarCaption.empty() ? text.caption : text.toolbarCaption;
+        QVERIFY2(button->text() == QString::fromStdString(shown), where);
+      }
+    }
+  }
 }
+
 void CommandBarsTest::togglesStoreTheirStateAndRedrawTheGrid() {
   StartedWindow started([](sw::testing::FakeInstallation& install) {
     // A dump with an empty line and cells that end in "/2".
