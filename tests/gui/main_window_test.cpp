@@ -115,8 +115,7 @@ class MainWindowTest : public QObject {
 
  private slots:
   void startUpShowsTheLastDumpWithItsMarksAndCloseSavesInOrder();
-  void firstStartShowsEveryButtonAndTwentyRowsCentred();
-  void rememberedPlacementIsKeptOnTheScreen();
+  void firstStartIsCentredWithEveryButtonAndTwentyRowsAndARememberedPlaceStaysOnTheScreen();
   void popupEntriesFollowTheRowUnderThePointer();
   void undoAndRedoFollowEveryEdit();
   void droppedAndRecentDumpsLoad();
@@ -180,7 +179,7 @@ void MainWindowTest::startUpShowsTheLastDumpWithItsMarksAndCloseSavesInOrder() {
   QVERIFY(std::stof(width) >= 5500.0f);
 }
 
-void MainWindowTest::firstStartShowsEveryButtonAndTwentyRowsCentred() {
+void MainWindowTest::firstStartIsCentredWithEveryButtonAndTwentyRowsAndARememberedPlaceStaysOnTheScreen() {
   StartedWindow started;
   started.window.reset();  // not closed: nothing of it is remembered
   QVERIFY(started.install.settings.GetAppSetting("Top", "", "frmMain").empty());
@@ -214,21 +213,15 @@ void MainWindowTest::firstStartShowsEveryButtonAndTwentyRowsCentred() {
            qPrintable(QStringLiteral("%1,%2").arg(offCentre.x()).arg(offCentre.y())));
   const double twips = 1440.0 / window->logicalDpiX();
   QVERIFY(window->width() >= qRound(5500 / twips) && window->height() >= qRound(5500 / twips));
-}
 
-void MainWindowTest::rememberedPlacementIsKeptOnTheScreen() {
   // Remembered on a wider screen (or at another scale factor): 1200 pixels from the left, 1500 wide.
-  StartedWindow started([](sw::testing::FakeInstallation& install) {
-    install.settings.SaveAppSetting("Top", "3000", "frmMain");
-    install.settings.SaveAppSetting("Left", "18000", "frmMain");
-    install.settings.SaveAppSetting("Width", "22500", "frmMain");
-    install.settings.SaveAppSetting("Height", "12000", "frmMain");
-  });
   started.window.reset();
-  started.startSize = QSize();
+  started.install.settings.SaveAppSetting("Top", "3000", "frmMain");
+  started.install.settings.SaveAppSetting("Left", "18000", "frmMain");
+  started.install.settings.SaveAppSetting("Width", "22500", "frmMain");
+  started.install.settings.SaveAppSetting("Height", "12000", "frmMain");
   started.Reopen();
-  auto* window = started.window.get();
-  const QRect area = window->screen()->availableGeometry();
+  window = started.window.get();
   QCOMPARE(area.size(), QSize(1600, 1000));
   // Wholly on the screen, as large as was remembered where that fits.
   QVERIFY2(area.adjusted(0, 0, 16, 16).contains(window->frameGeometry()), Where(window->frameGeometry()));
