@@ -3,7 +3,6 @@
 #include <QTest>
 #include <filesystem>
 
-#include "base/file_io.h"
 #include "gui/report_table_model.h"
 
 namespace sw::testing {
@@ -22,6 +21,8 @@ void WithExampleTemplate(FakeInstallation& install) {
 
 StartedWindow::StartedWindow(const std::function<void(FakeInstallation&)>& prepare, bool withCadFiles)
     : install(withCadFiles) {
+  launcher.starts = false;
+  launcher.runSucceeds = false;
   if (prepare) prepare(install);
   Reopen();
 }
@@ -50,18 +51,6 @@ void StartedWindow::Reopen() {
 
 StartedWindow::~StartedWindow() {
   window.reset();
-}
-
-std::vector<std::string> StartedWindow::LogMessages() const {
-  std::vector<std::string> messages;
-  const auto text = base::ReadWholeFile(log.FilePath()).value_or("");
-  for (std::size_t start = 0; start < text.size();) {
-    const auto end = text.find("\r\n", start);
-    const auto line = text.substr(start, end - start);
-    messages.push_back(line.substr(line.find('\t') + 1));
-    start = end + 2;
-  }
-  return messages;
 }
 
 gui::PreviewGrid* StartedWindow::Grid() const {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "base/process_launcher.h"
 #include "fake_installation.h"
+#include "recording_launcher.h"
 #include "gui/main_window.h"
 #include "gui/preview_grid.h"
 #include "settings/start_log.h"
@@ -36,13 +36,6 @@ class RecordingSettings final : public settings::Settings {
   settings::Settings& inner_;
 };
 
-class NoLauncher final : public base::ProcessLauncher {
- public:
-  bool EditTextFile(std::string_view) override { return false; }
-  bool OpenWithDefaultApplication(std::string_view) override { return false; }
-  bool RunMinimisedAndWait(std::string_view) override { return false; }
-};
-
 // A real template with its INI file in place of the installation's placeholder, and a folder for results.
 void WithExampleTemplate(FakeInstallation& install);
 
@@ -56,9 +49,6 @@ struct StartedWindow {
   // the restart after restoring the standard look) does; the previous window is closed first if open.
   void Reopen();
 
-  // The message column of the start log.
-  std::vector<std::string> LogMessages() const;
-
   gui::PreviewGrid* Grid() const;
   // Centre of report row `tableRow`, column `column`, in the grid's viewport.
   QPoint RowPoint(int tableRow, int column = 1) const;
@@ -67,7 +57,7 @@ struct StartedWindow {
   testing::FakeEnvironment logSwitch{{std::string(settings::kStartLogVariable), "1"}};
   settings::StartLog log{logSwitch, install.temp.path()};
   RecordingSettings settings{install.settings};
-  NoLauncher launcher;
+  RecordingLauncher launcher;  // starts no program: the user is told so
   // "Init.reg" read by the program itself on every platform, so the reset is seen in `settings`.
   session::SettingsDefaultsMerger defaults{settings};
   std::vector<std::string> opened;  // workbooks handed to the desktop
