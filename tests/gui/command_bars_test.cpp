@@ -272,6 +272,8 @@ void CommandBarsTest::generateStaysDisabledWhileTheIniFileIsToBeEdited() {
   Command(started, 402)->trigger();
   QVERIFY(!Command(started, 403)->isEnabled());
   started.install.Write("Projektmallar/PANEL.ini", exampleIni);
+  Command(started, 401)->trigger();
+  QVERIFY(!Command(started, 403)->isEnabled());
 
   // A run that gets past the INI check clears it.
   started.install.dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
