@@ -274,6 +274,7 @@ void CommandBarsTest::generateStaysDisabledWhileTheIniFileIsToBeEdited() {
   started.install.Write("Projektmallar/PANEL.ini", exampleIni);
   Command(started, 401)->trigger();
   QVERIFY(!Command(started, 403)->isEnabled());
+  Command(started, 402)->trigger();
 
   // A run that gets past the INI check clears it.
   started.install.dialogs.fileAnswers.push_back(std::string("C:\\Ut\\Panel.xlsx"));
