@@ -268,6 +268,12 @@ INSTANTIATE_TEST_SUITE_P(
                    "Sheetwright: Redigera mallfilen så att den uppfyller kraven."},
                   1,
                   true},
+        EarlyExit{"PageAboveTheSheet",
+                  [](GenerationFixture& f) { f.UseIni("rows_above_the_sheet.ini"); },
+                  {"Fel: Sidans rader ligger ovanför rad 1 (STARTROW -5, ENDROW -1), så ingen rad ur "
+                   "rapporten skulle skrivas.\rRedigera ini-filen " +
+                   base::DisplayPath("data/generation\\rows_above_the_sheet.ini") + "."},
+                  0},
         EarlyExit{"NonNumericStart",
                   [](GenerationFixture& f) { f.inputs.sheetNumberText = "A1"; },
                   {"Fel: 13 - Typerna matchar inte"},
@@ -379,6 +385,19 @@ TEST_F(GenerateWorkbookTest, RejectedCellWriteMidPageIsSkipped) {
   EXPECT_EQ(page.cells.count({11, 1}), 0u);
   EXPECT_EQ(page.cells.at({11, 2}), "X2");
   EXPECT_EQ(page.cells.at({12, 1}), "W3");
+}
+
+// A cell holds 32767 characters: longer texts are cut to that, and the run says once how many were.
+TEST_F(GenerateWorkbookTest, TextsLongerThanACellHoldsAreCutAndCounted) {
+  AddTitle("+A1");
+  AddData(std::string(40000, 'q'), "X1", "-", "M1");
+  AddData(std::string(40000, 'q'), "X2", "-", "M2");
+  EXPECT_TRUE(Generate().completed);
+  EXPECT_THAT(MessageTexts(), ElementsAre("Sheetwright: 2 celler hade längre text än en cell rymmer (32767 "
+                                          "tecken) och har kortats till det."));
+  const auto& page = *recording.files().at("/R/Lista.xlsx").Find("1");
+  EXPECT_EQ(page.cells.at({10, 1}), std::string(32767, 'q'));
+  EXPECT_EQ(page.cells.at({11, 1}), std::string(32767, 'q'));
 }
 
 TEST_F(GenerateWorkbookTest, PageFileInUseIsToldAndTheRunGoesOn) {
