@@ -113,7 +113,7 @@ enum class Trouble {
 
 const char* TroubleName(Trouble trouble) {
   return std::array{
-      "TargetIsTheTemplate", "TargetIsTheDump",  "CorruptTemplate",  "MissingSheet",
+      "TargetIsTheTemplate", "TargetIsTheDump",  "CorruptTemplate", "MissingSheet",
       "FirstWriteFails",     "MiddleWriteFails", "LastWriteFails"}[static_cast<std::size_t>(trouble)];
 }
 
@@ -209,9 +209,8 @@ INSTANTIATE_TEST_SUITE_P(
     ModesAndTroubles, FailedRunTest,
     ::testing::Combine(::testing::Values(Mode::kNormal, Mode::kSingleSheet, Mode::kDynamic),
                        ::testing::Values(Trouble::kTargetIsTheTemplate, Trouble::kTargetIsTheDump,
-                                         Trouble::kCorruptTemplate,
-                                         Trouble::kMissingSheet, Trouble::kFirstWrite, Trouble::kMiddleWrite,
-                                         Trouble::kLastWrite)),
+                                         Trouble::kCorruptTemplate, Trouble::kMissingSheet,
+                                         Trouble::kFirstWrite, Trouble::kMiddleWrite, Trouble::kLastWrite)),
     [](const auto& test) {
       return std::string(ModeName(std::get<0>(test.param))) + "_" + TroubleName(std::get<1>(test.param));
     });
