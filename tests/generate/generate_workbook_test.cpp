@@ -6,13 +6,10 @@
 #include <memory>
 #include <new>
 
-#include "base/file_io.h"
 #include "base/windows_path.h"
-#include "excel/package/zip_archive.h"
 #include "generate/page_count.h"
 #include "generate/page_text.h"
 #include "generation_fixture.h"
-#include "temp_dir.h"
 
 namespace sw::generate {
 namespace {
@@ -439,32 +436,6 @@ TEST(StartNumberValueTest, ReadsNumbersAsVbDoesInArithmetic) {
       EXPECT_EQ(error.number(), number) << text;
     }
   }
-}
-
-// A template the engine will not open (here: its styles part is named but missing) is refused before
-// the user is asked where the result goes, and nothing is started or written.
-TEST_F(GenerateWorkbookTest, DamagedTemplateIsRefusedBeforeTheTargetIsAskedFor) {
-  AddPlacement("+A1", 1, 1);
-  testing::TempDir folder;
-  std::vector<excel::ZipSource> kept;
-  const auto entries =
-      excel::ReadZipArchive(*base::ReadWholeFile(testing::DataFile("templates/title_block.xlsx")), {});
-  for (const auto& entry : entries) {
-    if (entry.name != "xl/styles.xml") kept.push_back({entry.name, entry.bytes});
-  }
-  const auto workbook = folder.Write("Lista.xlsx", excel::WriteZipArchive(kept));
-  inputs.templateFolder = folder.path().string();
-  recording.AddWorkbookFile(EnginePath(inputs.templateFolder + "\\Lista.xlsx"), {"Common", "Mall"});
-
-  const auto outcome = Generate();
-  EXPECT_FALSE(outcome.completed);
-  EXPECT_THAT(dialogs.fileRequests, IsEmpty());
-  EXPECT_THAT(recording.lines(), IsEmpty());
-  ASSERT_EQ(dialogs.messages.size(), 1u);
-  EXPECT_EQ(dialogs.messages[0].title, "Filfel");
-  EXPECT_EQ(dialogs.messages[0].text, "Arbetsboken " + EnginePath(inputs.templateFolder + "\\Lista.xlsx") +
-                                          " är skadad: delen xl/styles.xml, som xl/workbook.xml hänvisar "
-                                          "till, saknas.");
 }
 
 }  // namespace
