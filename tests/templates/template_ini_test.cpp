@@ -88,7 +88,7 @@ TEST_F(TemplateIniTest, BadCommonLinesAreToldAndSkippedButKeepTheirIndex) {
 }
 
 // An INI file that is there but cannot be read is told as such, not as one that lacks the section.
-TEST_F(TemplateIniTest, MissingCommonSectionOrUnreadableFile) {
+TEST_F(TemplateIniTest, MissingCommonSectionOrAFolderForTheFile) {
   const auto expectTold = [](const std::string& ini, const std::string& says) {
     const auto reading = ReadCommonFields(ini);
     EXPECT_EQ(reading.outcome.status, CommonFieldsStatus::kMissingSection);
@@ -100,13 +100,20 @@ TEST_F(TemplateIniTest, MissingCommonSectionOrUnreadableFile) {
   expectTold(WriteIni(kCompleteSheet), "saknar sektionen [Common].");
   std::filesystem::create_directory(dir_.path() / "Mapp.ini");
   expectTold(Folder() + "\\Mapp.ini", "går inte att läsa eftersom det inte är någon vanlig fil.");
+}
+
 #ifndef _WIN32
+class PosixOnlyTemplateIniTest : public TemplateIniTest {};
+
+TEST_F(PosixOnlyTemplateIniTest, IniWithoutReadPermissionIsToldAsSuch) {
   if (::geteuid() == 0) GTEST_SKIP() << "root reads every file";
   const auto locked = WriteIni(kCompleteSheet, "Last.ini");
   std::filesystem::permissions(dir_.path() / "Last.ini", std::filesystem::perms::none);
-  expectTold(locked, "går inte att läsa eftersom behörighet saknas.");
-#endif
+  EXPECT_EQ(Texts(ReadCommonFields(locked).outcome.notices),
+            std::vector<std::string>{"Ini-filen " + base::DisplayPath(locked) +
+                                     "\rgår inte att läsa eftersom behörighet saknas."});
 }
+#endif
 
 TEST_F(TemplateIniTest, RowsPerPageForThePreview) {
   struct Case {
