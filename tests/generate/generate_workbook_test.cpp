@@ -6,13 +6,10 @@
 #include <memory>
 #include <new>
 
-#include "base/file_io.h"
 #include "base/windows_path.h"
-#include "excel/package/zip_archive.h"
 #include "generate/page_count.h"
 #include "generate/page_text.h"
 #include "generation_fixture.h"
-#include "temp_dir.h"
 
 namespace sw::generate {
 namespace {
@@ -268,6 +265,12 @@ INSTANTIATE_TEST_SUITE_P(
                    "Sheetwright: Redigera mallfilen så att den uppfyller kraven."},
                   1,
                   true},
+        EarlyExit{"PageAboveTheSheet",
+                  [](GenerationFixture& f) { f.UseIni("rows_above_the_sheet.ini"); },
+                  {"Fel: Sidans rader ligger ovanför rad 1 (STARTROW -5, ENDROW -1), så ingen rad ur "
+                   "rapporten skulle skrivas.\rRedigera ini-filen " +
+                   base::DisplayPath("data/generation\\rows_above_the_sheet.ini") + "."},
+                  0},
         EarlyExit{"NonNumericStart",
                   [](GenerationFixture& f) { f.inputs.sheetNumberText = "A1"; },
                   {"Fel: 13 - Typerna matchar inte"},
@@ -381,6 +384,19 @@ TEST_F(GenerateWorkbookTest, RejectedCellWriteMidPageIsSkipped) {
   EXPECT_EQ(page.cells.at({12, 1}), "W3");
 }
 
+// A cell holds 32767 characters: longer texts are cut to that, and the run says once how many were.
+TEST_F(GenerateWorkbookTest, TextsLongerThanACellHoldsAreCutAndCounted) {
+  AddTitle("+A1");
+  AddData(std::string(40000, 'q'), "X1", "-", "M1");
+  AddData(std::string(40000, 'q'), "X2", "-", "M2");
+  EXPECT_TRUE(Generate().completed);
+  EXPECT_THAT(MessageTexts(), ElementsAre("Sheetwright: 2 celler hade längre text än en cell rymmer (32767 "
+                                          "tecken) och har kortats till det."));
+  const auto& page = *recording.files().at("/R/Lista.xlsx").Find("1");
+  EXPECT_EQ(page.cells.at({10, 1}), std::string(32767, 'q'));
+  EXPECT_EQ(page.cells.at({11, 1}), std::string(32767, 'q'));
+}
+
 TEST_F(GenerateWorkbookTest, PageFileInUseIsToldAndTheRunGoesOn) {
   AddPlacement("+A1", 1, 1);
   AddPlacement("+A2", 2, 1);
@@ -420,32 +436,6 @@ TEST(StartNumberValueTest, ReadsNumbersAsVbDoesInArithmetic) {
       EXPECT_EQ(error.number(), number) << text;
     }
   }
-}
-
-// A template the engine will not open (here: its styles part is named but missing) is refused before
-// the user is asked where the result goes, and nothing is started or written.
-TEST_F(GenerateWorkbookTest, DamagedTemplateIsRefusedBeforeTheTargetIsAskedFor) {
-  AddPlacement("+A1", 1, 1);
-  testing::TempDir folder;
-  std::vector<excel::ZipSource> kept;
-  const auto entries =
-      excel::ReadZipArchive(*base::ReadWholeFile(testing::DataFile("templates/title_block.xlsx")), {});
-  for (const auto& entry : entries) {
-    if (entry.name != "xl/styles.xml") kept.push_back({entry.name, entry.bytes});
-  }
-  const auto workbook = folder.Write("Lista.xlsx", excel::WriteZipArchive(kept));
-  inputs.templateFolder = folder.path().string();
-  recording.AddWorkbookFile(EnginePath(inputs.templateFolder + "\\Lista.xlsx"), {"Common", "Mall"});
-
-  const auto outcome = Generate();
-  EXPECT_FALSE(outcome.completed);
-  EXPECT_THAT(dialogs.fileRequests, IsEmpty());
-  EXPECT_THAT(recording.lines(), IsEmpty());
-  ASSERT_EQ(dialogs.messages.size(), 1u);
-  EXPECT_EQ(dialogs.messages[0].title, "Filfel");
-  EXPECT_EQ(dialogs.messages[0].text, "Arbetsboken " + EnginePath(inputs.templateFolder + "\\Lista.xlsx") +
-                                          " är skadad: delen xl/styles.xml, som xl/workbook.xml hänvisar "
-                                          "till, saknas.");
 }
 
 }  // namespace

@@ -103,6 +103,7 @@ int WritesOfACleanRun(Mode mode) {
 
 enum class Trouble {
   kTargetIsTheTemplate,
+  kTargetIsTheDump,
   kCorruptTemplate,
   kMissingSheet,
   kFirstWrite,
@@ -112,7 +113,7 @@ enum class Trouble {
 
 const char* TroubleName(Trouble trouble) {
   return std::array{
-      "TargetIsTheTemplate", "CorruptTemplate",  "MissingSheet",
+      "TargetIsTheTemplate", "TargetIsTheDump",  "CorruptTemplate", "MissingSheet",
       "FirstWriteFails",     "MiddleWriteFails", "LastWriteFails"}[static_cast<std::size_t>(trouble)];
 }
 
@@ -126,6 +127,11 @@ TEST_P(FailedRunTest, LeavesTemplateAndEarlierResultsAsTheyWereAndSaysSo) {
     case Trouble::kTargetIsTheTemplate:
       // Another spelling of the template's name, which the program's name lookup leads to the template.
       run.dialogs.fileAnswers = {(run.templates / "lista.XLSX").string()};
+      break;
+    case Trouble::kTargetIsTheDump:
+      // The dump saved under a workbook's name, reached through another spelling of its folder.
+      run.inputs.dumpPickerText = run.folder.Write("Ut/Rapport.xlsx", "VOLTARIS Rapport").string();
+      run.dialogs.fileAnswers = {(run.results / "." / "Rapport.xlsx").string()};
       break;
     case Trouble::kCorruptTemplate: {
       std::string bytes = *base::ReadWholeFile(run.templates / "Lista.xlsx");
@@ -182,10 +188,17 @@ TEST_P(FailedRunTest, LeavesTemplateAndEarlierResultsAsTheyWereAndSaysSo) {
                   " är själva mallen och kan inte skrivas över.\rAnge annat filnamn.");
     EXPECT_FALSE(run.state.excelApp);
   }
+  if (trouble == Trouble::kTargetIsTheDump) {
+    EXPECT_EQ(run.MessageTexts().back(), "Fel: Filen " + (run.results / "." / "Rapport.xlsx").string() +
+                                             " är själva rapportfilen och kan inte skrivas över.\rAnge annat "
+                                             "filnamn.");
+  }
   if (trouble == Trouble::kCorruptTemplate) {
-    // Told as the file error it is, with no error number of the run's own.
-    EXPECT_THAT(run.MessageTexts().back(), ::testing::StartsWith("Filfel: "));
-    EXPECT_THAT(run.MessageTexts().back(), ::testing::Not(HasSubstr("91 - ")));
+    // Told as the file error it is, naming the file, before the user is asked where the result goes.
+    EXPECT_EQ(run.MessageTexts().back(),
+              "Filfel: Filen är inte en giltig arbetsbok (zip-arkivet är skadat: det är inget zip-arkiv).\r" +
+                  base::DisplayPath(run.inputs.templateFolder + "\\Lista.xlsx"));
+    EXPECT_TRUE(run.dialogs.fileRequests.empty());
   }
   if (trouble >= Trouble::kFirstWrite) {
     EXPECT_THAT(run.MessageTexts().back(), HasSubstr("disken är full")) << run.MessageTexts().back();
@@ -197,9 +210,9 @@ TEST_P(FailedRunTest, LeavesTemplateAndEarlierResultsAsTheyWereAndSaysSo) {
 INSTANTIATE_TEST_SUITE_P(
     ModesAndTroubles, FailedRunTest,
     ::testing::Combine(::testing::Values(Mode::kNormal, Mode::kSingleSheet, Mode::kDynamic),
-                       ::testing::Values(Trouble::kTargetIsTheTemplate, Trouble::kCorruptTemplate,
-                                         Trouble::kMissingSheet, Trouble::kFirstWrite, Trouble::kMiddleWrite,
-                                         Trouble::kLastWrite)),
+                       ::testing::Values(Trouble::kTargetIsTheTemplate, Trouble::kTargetIsTheDump,
+                                         Trouble::kCorruptTemplate, Trouble::kMissingSheet,
+                                         Trouble::kFirstWrite, Trouble::kMiddleWrite, Trouble::kLastWrite)),
     [](const auto& test) {
       return std::string(ModeName(std::get<0>(test.param))) + "_" + TroubleName(std::get<1>(test.param));
     });

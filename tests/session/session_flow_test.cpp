@@ -114,25 +114,5 @@ TEST_F(SessionFlowTest, StartEditGenerate) {
   EXPECT_EQ(session_.Table().Rows(), 1);  // the only placement: the heading row is left
 }
 
-TEST_F(SessionFlowTest, CancelledSaveDialogWritesNothingAndIsNoSuccess) {
-  session_.Start();
-  const auto result = session_.Generate();  // no file answer: the dialog is cancelled
-  EXPECT_FALSE(result.completed);
-  EXPECT_TRUE(result.workbooks.empty());
-  EXPECT_FALSE(result.Succeeded());
-}
-
-TEST_F(SessionFlowTest, PopupAndDoubleClickFollowTheRowUnderThePointer) {
-  session_.Start();
-  // Row 1 is the first placement's head: delete is offered, a break is not (it is green already).
-  const auto onHead = session_.PopupCommands(1, /*pointerY=*/300, /*headingHeight=*/240);
-  EXPECT_TRUE(onHead[0].enabled);
-  EXPECT_EQ(onHead[0].caption, "&Radera placering +A1 Panel");
-  // Over the heading row nothing is enabled.
-  for (const auto& command : session_.PopupCommands(1, /*pointerY=*/100, /*headingHeight=*/240))
-    EXPECT_FALSE(command.enabled);
-  EXPECT_EQ(session_.DoubleClickAction(1), preview::PreviewAction::kDeletePlacement);
-}
-
 }  // namespace
 }  // namespace sw::session

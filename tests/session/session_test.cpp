@@ -330,6 +330,16 @@ TEST_F(SessionTest, CheckTemplateTellsWhatGenerationWouldFindAndKeepsTheTemplate
 
   EXPECT_FALSE(session_.CheckTemplate("C:\\Projektmallar\\Saknas.xlsx", warn));
   EXPECT_EQ(install_.dialogs.messages.back().text, "Hittar ej filen C:\\Projektmallar\\Saknas.xlsx.");
+
+  // A page whose every row lies above row 1 is refused, as generation refuses it.
+  install_.Write("Projektmallar/Ovan.xlsx",
+                 base::ReadWholeFile(testing::DataFile("templates/title_block.xlsx")).value());
+  install_.Write("Projektmallar/Ovan.ini",
+                 "[Tabs]\r\nTemplate=Mall\r\nCommon=Common\r\n[Sheet]\r\nSHEETNO=H2\r\n"
+                 "NEXTSHEET=H3\r\nLOCATION=B5\r\nSTARTROW=-5\r\nENDROW=-1\r\nCOLUMNS=A\r\n");
+  EXPECT_FALSE(session_.CheckTemplate("C:\\Projektmallar\\Ovan.xlsx", warn));
+  const std::string refusal = install_.dialogs.messages.back().text;
+  EXPECT_TRUE(refusal.starts_with("Sidans rader ligger ovanför rad 1 (STARTROW -5")) << refusal;
 }
 
 TEST_F(SessionTest, SummaryCountsRowsPlacementsAndThePagesGenerationWouldMake) {

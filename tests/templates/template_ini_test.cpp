@@ -6,6 +6,10 @@
 
 #include <filesystem>
 
+#ifndef _WIN32
+#include <unistd.h>
+#endif
+
 #include "base/text_codec.h"
 #include "temp_dir.h"
 #include "templates/template_ini_cache.h"
@@ -83,15 +87,33 @@ TEST_F(TemplateIniTest, BadCommonLinesAreToldAndSkippedButKeepTheirIndex) {
   EXPECT_EQ(reading.fields[29]->Label, "F26");
 }
 
-TEST_F(TemplateIniTest, MissingCommonSection) {
-  const auto ini = WriteIni(kCompleteSheet);
-  const auto reading = ReadCommonFields(ini);
-  EXPECT_EQ(reading.outcome.status, CommonFieldsStatus::kMissingSection);
-  EXPECT_EQ(reading.outcome.notices,
-            (std::vector<base::Notice>{{"Ini-filen " + base::DisplayPath(ini) + "\rsaknar sektionen [Common].",
-                                        "Kan ej använda Excel-filen", MessageIcon::kInformation}}));
-  EXPECT_TRUE(reading.fields.empty());
+// An INI file that is there but cannot be read is told as such, not as one that lacks the section.
+TEST_F(TemplateIniTest, MissingCommonSectionOrAFolderForTheFile) {
+  const auto expectTold = [](const std::string& ini, const std::string& says) {
+    const auto reading = ReadCommonFields(ini);
+    EXPECT_EQ(reading.outcome.status, CommonFieldsStatus::kMissingSection);
+    EXPECT_EQ(reading.outcome.notices,
+              (std::vector<base::Notice>{{"Ini-filen " + base::DisplayPath(ini) + "\r" + says,
+                                          "Kan ej använda Excel-filen", MessageIcon::kInformation}}));
+    EXPECT_TRUE(reading.fields.empty());
+  };
+  expectTold(WriteIni(kCompleteSheet), "saknar sektionen [Common].");
+  std::filesystem::create_directory(dir_.path() / "Mapp.ini");
+  expectTold(Folder() + "\\Mapp.ini", "går inte att läsa eftersom det inte är någon vanlig fil.");
 }
+
+#ifndef _WIN32
+class PosixOnlyTemplateIniTest : public TemplateIniTest {};
+
+TEST_F(PosixOnlyTemplateIniTest, IniWithoutReadPermissionIsToldAsSuch) {
+  if (::geteuid() == 0) GTEST_SKIP() << "root reads every file";
+  const auto locked = WriteIni(kCompleteSheet, "Last.ini");
+  std::filesystem::permissions(dir_.path() / "Last.ini", std::filesystem::perms::none);
+  EXPECT_EQ(Texts(ReadCommonFields(locked).outcome.notices),
+            std::vector<std::string>{"Ini-filen " + base::DisplayPath(locked) +
+                                     "\rgår inte att läsa eftersom behörighet saknas."});
+}
+#endif
 
 TEST_F(TemplateIniTest, RowsPerPageForThePreview) {
   struct Case {
