@@ -17,6 +17,20 @@ void RepaintPending() {
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
+namespace {
+int stepIntervalMs = 40;
+}  // namespace
+
+void SetStepInterval(int milliseconds) {
+  stepIntervalMs = milliseconds;
+}
+
+bool StepPacer::Due() {
+  if (sinceShown_.isValid() && sinceShown_.elapsed() < stepIntervalMs) return false;
+  sinceShown_.start();
+  return true;
+}
+
 ProgressBarLoadProgress::ProgressBarLoadProgress(QProgressBar* bar, std::function<void(bool)> busyChanged)
     : bar_(bar), busyChanged_(std::move(busyChanged)) {}
 
@@ -32,6 +46,7 @@ void ProgressBarLoadProgress::Begin(int lineCount) {
 }
 
 void ProgressBarLoadProgress::Step(int linesDone) {
+  if (!pacer_.Due()) return;
   if (bar_) bar_->setValue(linesDone);
   RepaintPending();
 }

@@ -114,6 +114,8 @@ MainWindow::MainWindow(MainWindowServices services, QWidget* parent)
   sessionServices.setMousePointer = [this](generate::MousePointer pointer) { SetGenerationPointer(pointer); };
   sessionServices.layoutColumns = [this] { columnsNeedLayout_ = true; };
   sessionServices.generationStatus = [this](const session::GenerationStatus& status) {
+    // The save runs without a break: what it says is shown before it starts.
+    if (!status.saving && !statusPacer_.Due()) return;
     statusBar()->showMessage(Q(status.text));
     // The save is one step of unknown length: the bar says only that the run is busy.
     if (status.saving) progressBar_->setRange(0, 0);

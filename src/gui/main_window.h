@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "gui/busy_state.h"
 #include "gui/command_bars.h"
 #include "gui/command_dispatcher.h"
 #include "gui/command_table.h"
@@ -126,6 +127,7 @@ class MainWindow final : public QMainWindow, private session::SessionObserver {
 
   MainWindowServices services_;
   std::unique_ptr<ProgressBarLoadProgress> progress_;
+  StepPacer statusPacer_;  // a run's "Skapar sidor …" texts
   std::unique_ptr<session::Session> session_;
   session::Changes pending_;       // what the session changed since the window last showed it
   bool iniEditRequested_ = false;  // the last run opened the INI file for editing

@@ -412,6 +412,8 @@ void MainWindowTest::sheetNumberBoxTakesOnlyWhatItsFilterPasses() {
 // Generation and the dump written as a workbook run long over a dump of 400 rows: the window shows what
 // they do and takes no input meanwhile, generation stops on "Avbryt" and its workbook is shown.
 void MainWindowTest::generationAndTheDumpWorkbookShowTheirProgressAndResult() {
+  // Every step shown, so that the probe below sees each page however fast the run is.
+  sw::gui::SetStepInterval(0);
   StartedWindow started([](sw::testing::FakeInstallation& install) {
     WithExampleTemplate(install);
     std::string dump = "%+A1 Panel%\r\n";
