@@ -63,10 +63,15 @@ def run(command, env=None, stdout=subprocess.DEVNULL):
     return Measure(wall, resources.ru_utime + resources.ru_stime, peak, resources.ru_stime)
 
 
-def interleaved(commands, runs, env=None):
+def interleaved(commands, runs, env=None, warm_up=False):
     """Median wall and CPU seconds and the largest peak MB per named command, the commands taking turns.
-    A command may be a function of the run's number, for one that must differ from run to run."""
+    A command may be a function of the run's number, for one that must differ from run to run.
+    warm_up runs each command once first, unmeasured: for jobs of a few tens of milliseconds, which
+    this virtual machine runs up to twice as slowly for a second or so after it was idle."""
     measured = {name: [] for name in commands}
+    if warm_up:
+        for command in commands.values():
+            run(command(runs) if callable(command) else command, env)
     for turn in range(runs):
         for name, command in commands.items():
             measured[name].append(run(command(turn) if callable(command) else command, env))
@@ -299,7 +304,7 @@ def load(cli, dump, env, runs):
         "sheetwright": [str(cli), "preview", str(big), "--summary"],
         "python csv": [PYTHON, "-c", csv_job, str(big)],
         "wc -l": ["wc", "-l", str(big)],
-    }, runs, env)
+    }, runs, env, warm_up=True)
     baseline = run([str(cli), "preview", str(dump(1)), "--summary"], env).peak
     ours = results["sheetwright"]
     for name, measure in results.items():
